@@ -1,0 +1,24 @@
+# Compiler settings of every target, and the warnings of our own code.
+
+add_library(vant_warnings INTERFACE)
+target_compile_options(vant_warnings INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
+
+if(WIN32)
+  add_compile_definitions(_WIN32_WINNT=0x0601 UNICODE _UNICODE)
+  # Programs start on any Windows machine: the runtime is linked in.
+  add_link_options(-static)
+elseif(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  # Unique symbols would keep the module in memory for ever, whatever dlclose says.
+  add_compile_options($<$<COMPILE_LANGUAGE:CXX>:-fno-gnu-unique>)
+endif()
+
+if(VANT_SANITIZE)
+  add_compile_options(-fsanitize=${VANT_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${VANT_SANITIZE})
+  # An interface of another module carries no type information, and need not be made by a C++ compiler at all.
+  add_compile_options(-fno-sanitize=vptr)
+endif()
+if(VANT_COVERAGE)
+  add_compile_options(--coverage -fprofile-abs-path)
+  add_link_options(--coverage)
+endif()

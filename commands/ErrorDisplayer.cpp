@@ -1,0 +1,7 @@
+#include "commands/ErrorDisplayer.h"
+
+namespace vant {
+
+void CErrorDisplayer::ExecuteCommand() {}
+
+} // namespace vant

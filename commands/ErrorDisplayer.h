@@ -1,0 +1,22 @@
+#pragma once
+
+#include "framework/VantCommandImpl.h"
+#include "framework/interfaces/ClassIds.h"
+#include "platform/ComObject.h"
+
+namespace vant {
+
+/// Does nothing with its properties but to demand them.
+class CErrorDisplayer : public CComObjectRootEx<CComMultiThreadModel>,
+                        public CComCoClass<CErrorDisplayer, &CLSID_ErrorDisplayer>,
+                        public IVantCommandImpl<CErrorDisplayer, &CLSID_ErrorDisplayer, 106> {
+public:
+    static constexpr PropertyRow properties[] = {
+        {L"dsString", nullptr, true},
+    };
+
+protected:
+    void ExecuteCommand() override;
+};
+
+} // namespace vant

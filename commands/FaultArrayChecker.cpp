@@ -1,0 +1,105 @@
+#include "commands/FaultArrayChecker.h"
+
+#include "ecm/HostPointers.h"
+#include "ecm/ResultPolicy.h"
+
+#include <optional>
+#include <string>
+#include <tuple>
+
+namespace vant {
+
+namespace {
+
+/// A field of a fault record, which goes by either of two names.
+struct FieldNames {
+    std::wstring_view name;
+    std::wstring_view otherName;
+
+    bool Contain(std::wstring_view text) const { return SameText(text, name) || SameText(text, otherName); }
+};
+constexpr FieldNames statusField{L"199009", L"16786047"};
+constexpr FieldNames faultCodeField{L"199008", L"16786048"};
+
+constexpr LONG faultArrayKind = 2; // the host's; parameters are of kind 1
+
+/// Item number `index`, counted from 0, of a list that itself counts from 1.
+template <class Item, class List>
+CComPtr<Item> ItemAt(List& list, LONG index) {
+    CCheckedResult result;
+    CComPtr<Item> item;
+    result = list.get_Item(CComVariant(index + 1).Get(), &item);
+    result = item ? S_OK : E_POINTER;
+    return item;
+}
+
+/// The value of the first field of either name; nothing where there is none. Later fields are not looked at.
+std::optional<std::wstring> ReadField(IFaultRecord& record, const FieldNames& names) {
+    CCheckedResult result;
+    LONG count = 0;
+    result = record.get_Count(&count);
+    for (LONG i = 0; i < count; ++i) {
+        const auto field = ItemAt<IFaultField>(record, i);
+        CComBSTR name;
+        result = field->get_Name(&name);
+        if (!names.Contain(name.Text()))
+            continue;
+        CComBSTR value;
+        result = field->get_Value(&value);
+        return std::wstring(value.Text());
+    }
+    return std::nullopt;
+}
+
+bool IsActive(IFaultRecord& record) {
+    const auto status = ReadField(record, statusField);
+    return status && SameText(*status, L"Active");
+}
+
+/// The first active record; null where there is none.
+CComPtr<IFaultRecord> FindActive(IFaultRecordList& records) {
+    CCheckedResult result;
+    LONG count = 0;
+    result = records.get_Count(&count);
+    for (LONG i = 0; i < count; ++i) {
+        auto record = ItemAt<IFaultRecord>(records, i);
+        if (IsActive(*record.Get()))
+            return record;
+    }
+    return {};
+}
+
+} // namespace
+
+void CFaultArrayChecker::ExecuteCommand() {
+    try {
+        Check();
+    } catch (...) {
+        // Ends quietly: nothing more is stored and no transition is taken.
+    }
+}
+
+void CFaultArrayChecker::Check() const {
+    CCheckedResult result;
+    CComPtr<IUnknown> object;
+    result = GetParameter(GetProperty(L"arrayID"), faultArrayKind, object);
+    CComPtr<IFaultArray> array;
+    std::ignore = object.QueryInterface(&array);
+    CComPtr<IUnknown> list;
+    result = array ? array->get_Records(&list) : E_POINTER;
+    const THostPtr<IFaultRecordList, CCheckedResult> records(list.Get());
+    const auto active = FindActive(*records.Get());
+    if (!active) {
+        if (HasProperty(L"successTransitionID"))
+            result = SetTransition(GetProperty(L"successTransitionID"));
+        return;
+    }
+    if (HasProperty(L"dsFaultCode")) {
+        const CComVariant code(CComBSTR(ReadField(*active.Get(), faultCodeField).value_or(L"")));
+        result = SetDataStoreValue(GetProperty(L"dsFaultCode"), code);
+    }
+    if (HasProperty(L"failTransitionID"))
+        result = SetTransition(GetProperty(L"failTransitionID"));
+}
+
+} // namespace vant

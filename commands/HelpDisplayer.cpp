@@ -1,0 +1,7 @@
+#include "commands/HelpDisplayer.h"
+
+namespace vant {
+
+void CHelpDisplayer::ExecuteCommand() {}
+
+} // namespace vant

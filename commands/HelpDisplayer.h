@@ -1,0 +1,23 @@
+#pragma once
+
+#include "framework/VantCommandImpl.h"
+#include "framework/interfaces/ClassIds.h"
+#include "platform/ComObject.h"
+
+namespace vant {
+
+/// Does nothing with its properties but to demand them.
+class CHelpDisplayer : public CComObjectRootEx<CComMultiThreadModel>,
+                       public CComCoClass<CHelpDisplayer, &CLSID_HelpDisplayer>,
+                       public IVantCommandImpl<CHelpDisplayer, &CLSID_HelpDisplayer, 107> {
+public:
+    static constexpr PropertyRow properties[] = {
+        {L"helpFile", nullptr, true},
+        {L"helpIndex", nullptr, true},
+    };
+
+protected:
+    void ExecuteCommand() override;
+};
+
+} // namespace vant

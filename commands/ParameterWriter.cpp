@@ -1,0 +1,27 @@
+#include "commands/ParameterWriter.h"
+
+#include <stdexcept>
+#include <tuple>
+
+namespace vant {
+
+void CParameterWriter::ExecuteCommand() {
+    if (!m_parameterService)
+        throw std::runtime_error("Data Service not initialized");
+    const CComBSTR id = GetLiteralOrReference(L"parameterID", L"dsParameterID");
+    const CComVariant value = ReadValue();
+    if (FAILED(SetParameter(id, value)))
+        throw std::runtime_error("Failure reading from data service"); // "reading": the wording is kept
+}
+
+/// A literal is a string; an entry keeps its type. The entry's read is not checked: one that is missing is
+/// empty.
+CComVariant CParameterWriter::ReadValue() const {
+    if (HasProperty(L"value"))
+        return CComVariant(GetProperty(L"value"));
+    CComVariant value;
+    std::ignore = GetDataStoreValue(GetProperty(L"dsValue"), value);
+    return CComVariant::Copy(value.Get());
+}
+
+} // namespace vant

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "framework/VantCommandImpl.h"
+#include "framework/interfaces/ClassIds.h"
+#include "platform/ComObject.h"
+
+namespace vant {
+
+/// Sets one property of one component of the display to a text: literal, from the data store, or the current
+/// text of a parameter, with "$p(NAME)" replaced by the current text of parameter NAME.
+class CPropertySetter : public CComObjectRootEx<CComMultiThreadModel>,
+                        public CComCoClass<CPropertySetter, &CLSID_PropertySetter>,
+                        public IVantCommandImpl<CPropertySetter, &CLSID_PropertySetter, 102> {
+public:
+    static constexpr PropertyRow properties[] = {
+        {L"propertyName", nullptr, true}, //
+        {L"componentID", nullptr, true},  //
+        {L"pValue", nullptr, false},      // of these three any number may be given, also none;
+        {L"value", nullptr, false},       // "value" goes before "dsValue", "dsValue" before "pValue"
+        {L"dsValue", nullptr, false},
+    };
+
+protected:
+    void ExecuteCommand() override;
+
+private:
+    CComBSTR ReadRawValue() const;
+};
+
+} // namespace vant

@@ -1,0 +1,96 @@
+#include "commands/StringFormatter.h"
+
+#include "ecm/ResultPolicy.h"
+#include "framework/ReferenceExpansion.h"
+
+#include <cmath>
+#include <limits>
+#include <string>
+#include <utility>
+
+namespace vant {
+
+namespace {
+
+LONG ToLong(CComBSTR text) {
+    CComVariant number(std::move(text));
+    return SUCCEEDED(number.ChangeType(VT_I4, lcidEnglishUS)) ? number.Get().lVal : 0;
+}
+
+double ToDouble(CComBSTR text) {
+    CComVariant number(std::move(text));
+    return SUCCEEDED(number.ChangeType(VT_R8)) ? number.Get().dblVal : 0.0;
+}
+
+/// Towards zero; the smallest integer for everything that does not fit.
+LONG Truncate(double number) {
+    constexpr LONG smallest = std::numeric_limits<LONG>::min();
+    const double whole = std::trunc(number);
+    const bool fits = whole >= smallest && whole <= std::numeric_limits<LONG>::max();
+    return fits ? static_cast<LONG>(whole) : smallest;
+}
+
+/// Cuts the further decimals off; deliberately no rounding to the nearest.
+CComBSTR Round(const CComBSTR& text, LONG decimals) {
+    const double scale = std::pow(10.0, decimals);
+    CComVariant rounded(Truncate(ToDouble(text) * scale) / scale);
+    return SUCCEEDED(rounded.ChangeType(VT_BSTR)) ? CComBSTR::Copy(StringMember(rounded.Get())) : CComBSTR();
+}
+
+/// Numbers below 0 count as having one digit, too: -1 gives 0-1.
+std::wstring FormatTwoDigits(LONG value) {
+    return (value <= 9 ? L"0" : L"") + std::to_wstring(value);
+}
+
+CComBSTR NumToHms(const CComBSTR& text) {
+    const LONG total = ToLong(text);
+    const LONG rest = total % 3600;
+    return CComBSTR(FormatTwoDigits(total / 3600) + L":" + FormatTwoDigits(rest / 60) + L":" +
+                    FormatTwoDigits(rest % 60));
+}
+
+} // namespace
+
+void CStringFormatter::ExecuteCommand() {
+    try {
+        Format();
+    } catch (...) {
+        // Ends quietly; the target entry keeps its value.
+    }
+}
+
+void CStringFormatter::Format() const {
+    CCheckedResult result;
+    const CComBSTR operation = GetProperty(L"operation");
+    const CComBSTR source = ReadEntryAsText(GetProperty(L"dsSourceString"));
+    const CComVariant output(Apply(operation.Text(), source));
+    result = SetDataStoreValue(GetProperty(L"dsTargetString"), output);
+}
+
+/// An operation that is none of the three gives a null text, which is no failure.
+CComBSTR CStringFormatter::Apply(std::wstring_view operation, const CComBSTR& text) const {
+    if (SameText(operation, L"substitute"))
+        return Substitute(text);
+    if (SameText(operation, L"round"))
+        return Round(text, HasProperty(L"roundLength") ? ToLong(GetProperty(L"roundLength")) : 0);
+    if (SameText(operation, L"numToHMS"))
+        return NumToHms(text);
+    return CComBSTR();
+}
+
+CComBSTR CStringFormatter::Substitute(const CComBSTR& text) const {
+    const CComBSTR withParameters = ExpandParameterReferences(text);
+    return CComBSTR(ExpandReferences(withParameters.Text(), L"$d(", [this](std::wstring_view name) {
+        return ReadEntryAsText(CComBSTR(name));
+    }));
+}
+
+CComBSTR CStringFormatter::ReadEntryAsText(const CComBSTR& entry) const {
+    CCheckedResult result;
+    CComVariant value;
+    result = GetDataStoreValue(entry, value);
+    result = value.ChangeType(VT_BSTR);
+    return CComBSTR::Copy(StringMember(value.Get()));
+}
+
+} // namespace vant

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "framework/VantCommandImpl.h"
+#include "framework/interfaces/ClassIds.h"
+#include "platform/ComObject.h"
+
+namespace vant {
+
+/// Rewrites the text of one data-store entry by one of three operations and stores the result in another
+/// entry.
+///
+/// An entry that must give a text and holds a number gives the text of that number. A text that must give a
+/// number and is none counts as 0.
+class CStringFormatter : public CComObjectRootEx<CComMultiThreadModel>,
+                         public CComCoClass<CStringFormatter, &CLSID_StringFormatter>,
+                         public IVantCommandImpl<CStringFormatter, &CLSID_StringFormatter, 117> {
+public:
+    static constexpr PropertyRow properties[] = {
+        {L"dsSourceString", nullptr, true},
+        {L"dsTargetString", nullptr, true},
+        {L"operation", nullptr, true},
+        {L"roundLength", nullptr, false},
+    };
+
+protected:
+    void ExecuteCommand() override;
+
+private:
+    void Format() const;
+    CComBSTR Apply(std::wstring_view operation, const CComBSTR& text) const;
+    /// Replaces "$p(NAME)" by the text of parameter NAME and then, also in what was inserted, "$d(NAME)" by
+    /// the text of data-store entry NAME.
+    CComBSTR Substitute(const CComBSTR& text) const;
+    CComBSTR ReadEntryAsText(const CComBSTR& entry) const;
+};
+
+} // namespace vant

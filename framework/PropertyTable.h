@@ -1,0 +1,48 @@
+#pragma once
+
+#include "platform/Bstr.h"
+
+#include <cstddef>
+#include <map>
+#include <span>
+#include <string_view>
+
+namespace vant {
+
+/// The name of a property, or none. A literal's length is known without counting.
+struct PropertyName : std::wstring_view {
+    constexpr PropertyName(std::nullptr_t) noexcept {}
+    constexpr PropertyName(std::wstring_view name) noexcept : std::wstring_view(name) {}
+    template <std::size_t size>
+    constexpr PropertyName(const wchar_t (&literal)[size]) noexcept : std::wstring_view(literal, size - 1) {}
+
+    constexpr explicit operator bool() const noexcept { return !empty(); }
+};
+
+/// One property that a command class accepts.
+struct PropertyRow {
+    PropertyName name;
+    /// A second name that gives the same property by another route (literally, or through the data store); none where
+    /// there is no such route. The two exclude each other.
+    PropertyName alternativeName;
+    bool required;
+};
+
+/// All rows of one class, in order.
+using PropertyTable = std::span<const PropertyRow>;
+
+/// The properties that were set on one command, by name. A name keeps its first value.
+using PropertyMap = std::map<CComBSTR, CComBSTR, LocaleLess>;
+
+/// The value of a property; null where it was not set. Names are compared character for character: the declared ones are
+/// few and all different, so going through them costs less than comparisons in the order of the locale.
+const CComBSTR* FindProperty(const PropertyMap& properties, PropertyName name) noexcept;
+
+/// Whether `name` is a name or alternative name of the table, character for character.
+bool IsDeclaredProperty(PropertyTable table, std::wstring_view name) noexcept;
+
+/// Whether every required row is given, and no row by both of its names. Values are not looked at: an empty one counts
+/// as given.
+bool ValidateProperties(PropertyTable table, const PropertyMap& properties);
+
+} // namespace vant

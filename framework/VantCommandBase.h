@@ -1,0 +1,100 @@
+#pragma once
+
+#include "ecm/ResultPolicy.h"
+#include "framework/PropertyTable.h"
+#include "framework/interfaces/HostServices.h"
+#include "framework/interfaces/VantCommand.h"
+#include "platform/Bstr.h"
+#include "platform/ComPtr.h"
+#include "platform/Variant.h"
+
+#include <string_view>
+
+namespace vant {
+
+/// Everything of the command contract that is the same for all classes, compiled once. Command classes derive
+/// from IVantCommandImpl, which adds their property table.
+class CVantCommandBase : public IVantCommand {
+public:
+    HRESULT STDMETHODCALLTYPE Initialize(IVantContext* context, IVantController* controller) final;
+    HRESULT STDMETHODCALLTYPE get_Label(BSTR* label) final;
+    HRESULT STDMETHODCALLTYPE put_Label(BSTR label) final;
+
+protected:
+    CVantCommandBase() = default;
+    CVantCommandBase(const CVantCommandBase&) = delete;
+    CVantCommandBase& operator=(const CVantCommandBase&) = delete;
+    virtual ~CVantCommandBase() = default;
+
+    /// The command's body. Runs on the thread that called Execute, with a valid property set. Whatever it
+    /// throws makes Execute answer E_FAIL.
+    virtual void ExecuteCommand() = 0;
+
+    // The operations that consult a class's property table; IVantCommandImpl supplies the table.
+    HRESULT ExecuteWith(PropertyTable table) noexcept;
+    HRESULT SetPropertyIn(PropertyTable table, BSTR name, BSTR value) noexcept;
+    HRESULT IsValidFor(PropertyTable table, VARIANT_BOOL* isValid) const noexcept;
+
+    bool HasProperty(PropertyName name) const;
+    /// A copy of the property's value; null where it was not set.
+    CComBSTR GetProperty(PropertyName name) const;
+    /// The value of `literalName` where it was set; else the text of the data-store entry that
+    /// `referenceName` names. The read is not checked: an entry that is missing or holds no string gives an
+    /// empty text.
+    CComBSTR GetLiteralOrReference(PropertyName literalName, PropertyName referenceName) const;
+
+    // Calls on the host. Each answers the host's HRESULT, and E_POINTER where the command has no such service
+    // because it was never initialised. A caller that assigns the result to a CCheckedResult checks it; one
+    // that passes it to std::ignore deliberately does not look.
+    HRESULT RunCommand(const CComBSTR& commandId) const;
+    HRESULT TerminateCommand(const CComBSTR& commandId) const;
+    HRESULT GetDataStoreValue(const CComBSTR& entry, CComVariant& value) const;
+    HRESULT SetDataStoreValue(const CComBSTR& entry, const CComVariant& value) const;
+    HRESULT GetParameter(const CComBSTR& id, LONG kind, CComPtr<IUnknown>& parameter) const;
+    /// Writes a parameter; what the host gives back is released unused.
+    HRESULT SetParameter(const CComBSTR& id, const CComVariant& value) const;
+    HRESULT SetComponentProperty(const CComBSTR& componentId, const CComBSTR& name,
+                                 const CComBSTR& value) const;
+    HRESULT ShowInstruction(const CComBSTR& text) const;
+    HRESULT SetTransition(const CComBSTR& transitionId) const;
+
+    /// GetDataStoreValue for an entry that must hold a string: `text` becomes that string, or null where the
+    /// entry could not be read or holds anything else.
+    HRESULT GetDataStoreText(const CComBSTR& entry, CComBSTR& text) const;
+
+    /// The current text of a parameter of the engine control module. Every call is checked.
+    CComBSTR ReadParameterText(const CComBSTR& id) const;
+    /// The current value of a parameter with its own type. Every call is checked; only the request for
+    /// IParameterOld is not, but where it fails there is nothing to read the value from, which is a failed
+    /// read.
+    CComVariant ReadParameterValue(const CComBSTR& id) const;
+    // The same converted under the user's default locale, unlike ECMParameter2's reads; checked. Both take
+    // over the string that they are given.
+    LONG ReadParameterAsLong(CComBSTR id) const;
+    /// Reads the parameter that the property "parameterID" names at this moment; the argument is only freed.
+    double ReadParameterAsDouble(CComBSTR unused) const;
+
+    /// `text` with every "$p(NAME)" replaced by the current text of parameter NAME; see ExpandReferences.
+    /// Every read is checked.
+    CComBSTR ExpandParameterReferences(const CComBSTR& text) const;
+
+private:
+    void RequestServices(IVantContext& context, CCheckedResult& result);
+
+protected:
+    CComBSTR m_label; // the host's; no command reads it
+    CComPtr<ICommandRunner> m_commandRunner;
+    CComPtr<IComponentService> m_componentService;
+    CComPtr<IUnknown> m_service3; // held, never called
+    CComPtr<IDataStore> m_dataStore;
+    CComPtr<IPresentationService> m_presentationService;
+    CComPtr<IUnknown> m_threadService;
+    CComPtr<IUnknown> m_service7; // held, never called
+    CComPtr<IProcedureController> m_procedureController;
+    CComPtr<IDataServiceOld> m_parameterService;
+    CComPtr<IVantController> m_controller;
+    bool m_initialised = false;
+    PropertyMap m_properties;
+};
+
+} // namespace vant

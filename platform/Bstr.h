@@ -1,0 +1,104 @@
+#pragma once
+
+#include "platform/ComException.h"
+#include "platform/system.h"
+
+#include <cassert>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <string_view>
+#include <utility>
+
+namespace vant {
+
+/// The characters of a BSTR, embedded nulls included; empty for a null one. The length is read where every BSTR has it,
+/// in the 32 bits before the text: this is asked for too often for a call into another library.
+inline std::wstring_view TextOf(BSTR text) noexcept {
+    if (!text)
+        return {L"", 0};
+    std::uint32_t byteLength = 0;
+    std::memcpy(&byteLength, reinterpret_cast<const char*>(text) - sizeof(byteLength), sizeof(byteLength));
+    return {text, byteLength / sizeof(OLECHAR)};
+}
+
+/// Owns a BSTR, or holds a null one, which equals the empty string. Copies throw CComException(E_OUTOFMEMORY)
+/// where they cannot be allocated.
+class CComBSTR {
+public:
+    CComBSTR() noexcept = default;
+    explicit CComBSTR(std::wstring_view text) : m_text(Allocate(text)) {}
+    CComBSTR(const CComBSTR& other) : m_text(CopyOf(other.m_text)) {}
+    CComBSTR(CComBSTR&& other) noexcept : m_text(other.Detach()) {}
+    ~CComBSTR() { SysFreeString(m_text); }
+
+    CComBSTR& operator=(const CComBSTR& other) {
+        Attach(CopyOf(other.m_text));
+        return *this;
+    }
+    CComBSTR& operator=(CComBSTR&& other) noexcept {
+        Attach(other.Detach());
+        return *this;
+    }
+
+    /// A copy of a BSTR that stays the caller's; null stays null.
+    static CComBSTR Copy(BSTR text) {
+        CComBSTR result;
+        result.m_text = CopyOf(text);
+        return result;
+    }
+
+    BSTR Get() const noexcept { return m_text; }
+    std::wstring_view Text() const noexcept { return TextOf(m_text); }
+
+    /// For a callee to fill; only while empty.
+    BSTR* operator&() noexcept {
+        assert(!m_text);
+        return &m_text;
+    }
+    /// Takes over a BSTR that the caller owns.
+    void Attach(BSTR text) noexcept { SysFreeString(std::exchange(m_text, text)); }
+    /// Hands the BSTR to the caller.
+    [[nodiscard]] BSTR Detach() noexcept { return std::exchange(m_text, nullptr); }
+
+private:
+    static BSTR Allocate(std::wstring_view text) {
+        if (text.size() > std::numeric_limits<UINT>::max())
+            throw CComException(E_OUTOFMEMORY);
+        const BSTR result = SysAllocStringLen(text.data(), static_cast<UINT>(text.size()));
+        if (!result)
+            throw CComException(E_OUTOFMEMORY);
+        return result;
+    }
+    static BSTR CopyOf(BSTR text) { return text ? Allocate(TextOf(text)) : nullptr; }
+
+    BSTR m_text = nullptr;
+};
+
+/// The system's locale-aware string comparison: user default locale, no flags, so case-sensitive. One of the
+/// CSTR_ values.
+inline int CompareTexts(std::wstring_view left, std::wstring_view right) noexcept {
+    return CompareStringW(LOCALE_USER_DEFAULT, 0, left.data(), static_cast<int>(left.size()), right.data(),
+                          static_cast<int>(right.size()));
+}
+inline bool SameText(std::wstring_view left, std::wstring_view right) noexcept {
+    return CompareTexts(left, right) == CSTR_EQUAL;
+}
+
+/// The order of CompareTexts. Finds texts in a container of CComBSTR without allocating.
+struct LocaleLess {
+    using is_transparent = void;
+
+    bool operator()(const CComBSTR& left, const CComBSTR& right) const {
+        return Less(left.Text(), right.Text());
+    }
+    bool operator()(const CComBSTR& left, std::wstring_view right) const { return Less(left.Text(), right); }
+    bool operator()(std::wstring_view left, const CComBSTR& right) const { return Less(left, right.Text()); }
+
+private:
+    static bool Less(std::wstring_view left, std::wstring_view right) {
+        return CompareTexts(left, right) == CSTR_LESS_THAN;
+    }
+};
+
+} // namespace vant

@@ -1,0 +1,21 @@
+#pragma once
+
+// What tests may see and disturb in the portable platform. No program needs this header to run.
+
+#include "platform/portable/types.h"
+
+namespace vant::testing {
+
+/// Number of BSTRs of this process that are allocated and not yet freed.
+VANT_PLATFORM_API std::size_t LiveBstrCount() noexcept;
+
+/// Asked before each BSTR allocation; answering false makes that allocation fail. Null removes the hook. Install
+/// and remove it while no other thread allocates.
+using BstrAllocationHook = bool (*)() noexcept;
+VANT_PLATFORM_API void SetBstrAllocationHook(BstrAllocationHook hook) noexcept;
+
+/// Receives what OutputDebugStringW is given, on the calling thread. Null removes the hook.
+using OutputDebugHook = void (*)(LPCWSTR text);
+VANT_PLATFORM_API void SetOutputDebugHook(OutputDebugHook hook) noexcept;
+
+} // namespace vant::testing
