@@ -20,6 +20,7 @@
 #define VANT_PLATFORM_API
 #else
 #include "platform/portable/automation.h"
+#include "platform/portable/classes.h"
 #include "platform/portable/kernel.h"
 #include "platform/portable/unknown.h"
 #include "platform/portable/user.h"

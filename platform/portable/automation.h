@@ -1,13 +1,13 @@
 #pragma once
 
-// Automation strings and values: BSTR and VARIANT with their Windows layout and rules, and the conversions between
-// texts and numbers. docs/platform.md states the number and text rules.
+// Automation strings and values: BSTR and VARIANT with their Windows layout and rules, and the conversions
+// between texts and numbers. docs/platform.md states the number and text rules.
 
 #include "platform/portable/types.h"
 #include "platform/portable/unknown.h"
 
-/// A length-prefixed wide string: the length in bytes stands in the 32 bits before the text, a null follows it.
-/// The text may hold embedded nulls. A null BSTR equals the empty string.
+/// A length-prefixed wide string: the length in bytes stands in the 32 bits before the text, a null follows
+/// it. The text may hold embedded nulls. A null BSTR equals the empty string.
 using BSTR = OLECHAR*;
 
 using VARTYPE = std::uint16_t;
@@ -109,21 +109,29 @@ VANT_PLATFORM_API void SysFreeString(BSTR text);
 VANT_PLATFORM_API UINT SysStringLen(BSTR text);
 VANT_PLATFORM_API UINT SysStringByteLen(BSTR text);
 
+/// No pointer given to the VARIANT functions may be null.
 VANT_PLATFORM_API void VariantInit(VARIANT* value);
-/// Frees what the value owns (string, interface reference) and makes it VT_EMPTY. Arrays, records and unknown
-/// types answer DISP_E_BADVARTYPE and stay as they are.
+/// Frees what the value owns (string, interface reference) and makes it VT_EMPTY; a VT_BYREF owns nothing.
+/// Arrays, records and unknown types answer DISP_E_BADVARTYPE and stay as they are.
 VANT_PLATFORM_API HRESULT VariantClear(VARIANT* value);
+/// Clears the destination and puts a copy there: a string of its own (an empty one for a null string), one
+/// more reference to an object, everything else as it stands, a VT_BYREF's pointer too. Fails with
+/// DISP_E_BADVARTYPE where either of the two is of a type that VariantClear refuses, or with E_OUTOFMEMORY;
+/// the destination is unchanged then.
 VANT_PLATFORM_API HRESULT VariantCopy(VARIANT* destination, const VARIANT* source);
-/// Converts a value to VT_I4, VT_R8, VT_BSTR or VT_BOOL; to its own type it copies. Other target types answer
-/// DISP_E_BADVARTYPE. On failure the destination is unchanged. Destination and source may be the same object.
-/// The locale is taken as 1033 with invariant digits whatever lcid says; flags must be 0.
+/// Converts a value to VT_I4, VT_R8, VT_BSTR or VT_BOOL; to its own type it copies. docs/platform.md has the
+/// rules. Fails with DISP_E_TYPEMISMATCH for a value that cannot be converted (null, error, currency, date,
+/// decimal, object, VT_BYREF, array, or a text that is no number), DISP_E_OVERFLOW for one out of the
+/// target's range, DISP_E_BADVARTYPE for an unknown source type and for every other target type, E_INVALIDARG
+/// for flags other than 0, E_OUTOFMEMORY. On failure the destination is unchanged. Destination and source may
+/// be the same object. The locale is taken as 1033 with invariant digits whatever lcid says.
 VANT_PLATFORM_API HRESULT VariantChangeType(VARIANT* destination, const VARIANT* source, USHORT flags,
                                             VARTYPE type);
 VANT_PLATFORM_API HRESULT VariantChangeTypeEx(VARIANT* destination, const VARIANT* source, LCID lcid,
                                               USHORT flags, VARTYPE type);
 
-/// Compares two strings, case-sensitively, character code by character code; a null string equals an empty one.
-/// Returns VARCMP_LT, VARCMP_EQ or VARCMP_GT. flags must be 0.
+/// Compares two strings, case-sensitively, character code by character code; a null string equals an empty
+/// one. Returns VARCMP_LT, VARCMP_EQ or VARCMP_GT. flags must be 0.
 VANT_PLATFORM_API HRESULT VarBstrCmp(BSTR left, BSTR right, LCID lcid, ULONG flags);
 /// The same order over counted texts (a length of -1: null-terminated). Returns CSTR_LESS_THAN, CSTR_EQUAL or
 /// CSTR_GREATER_THAN; 0 for a null text or flags other than 0.
