@@ -21,6 +21,8 @@ public:
         result = object ? object->QueryInterface(IidOf<Interface>::value,
                                                  reinterpret_cast<void**>(CComPtr<Interface>::operator&()))
                         : E_POINTER;
+        if (!*this)
+            result = E_NOINTERFACE; // the object answered success and gave nothing
     }
     THostPtr(const THostPtr&) = default;
     THostPtr& operator=(const THostPtr&) = default;

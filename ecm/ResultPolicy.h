@@ -83,6 +83,9 @@ template <class Policy>
 class CSmartResult : public TriggeredAssignmentPolicy<Policy> {
 public:
     CSmartResult() = default;
+    // Copying would carry a failure past the check.
+    CSmartResult(const CSmartResult&) = delete;
+    CSmartResult& operator=(const CSmartResult&) = delete;
 
     CSmartResult& operator=(typename Policy::Value value) {
         m_result = value;

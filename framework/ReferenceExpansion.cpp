@@ -9,8 +9,8 @@ namespace vant {
 
 namespace {
 
-/// Text still to be searched. It is kept back to front, so that the next character is the last one: taking from the
-/// front and inserting at the front then cost no more than the characters concerned.
+/// Text still to be searched. It is kept back to front, so that the next character is the last one: taking
+/// from the front and inserting at the front then cost no more than the characters concerned.
 class PendingText {
 public:
     explicit PendingText(std::wstring_view text) : m_reversed(text.rbegin(), text.rend()) {}
@@ -45,7 +45,7 @@ private:
     std::wstring m_reversed;
 };
 
-/// Keeps account of the inserted values that still have unsearched text, the innermost last.
+/// Keeps account of the inserted values whose end may still lie ahead, the innermost last.
 class NestingGuard {
 public:
     /// How deep inside inserted values the text with `pending` characters to go begins; 0 in the text itself.
@@ -60,7 +60,6 @@ public:
             m_nestedCharacters += length;
         if (depth + 1 > maxReferenceDepth || m_nestedCharacters > maxNestedCharacters)
             throw CComException(E_FAIL);
-        DepthAt(pending); // values with nothing left to search need no level any more
         m_levels.push_back({pending, depth + 1});
     }
 
@@ -75,7 +74,8 @@ private:
 
 } // namespace
 
-std::wstring ExpandReferences(std::wstring_view text, std::wstring_view opening, const ReferenceReader& read) {
+std::wstring ExpandReferences(std::wstring_view text, std::wstring_view opening,
+                              const ReferenceReader& read) {
     std::wstring output;
     PendingText pending(text);
     NestingGuard guard;

@@ -54,6 +54,11 @@ struct SAFEARRAY;
 
 /// A typed value, laid out as on Windows: the type, three reserved words, then the value.
 struct VARIANT {
+    struct Record {
+        PVOID pvRecord;
+        IRecordInfo* pRecInfo;
+    };
+
     VARTYPE vt;
     WORD wReserved1;
     WORD wReserved2;
@@ -80,10 +85,7 @@ struct VARIANT {
         ULONGLONG ullVal;
         INT intVal;
         UINT uintVal;
-        struct {
-            PVOID pvRecord;
-            IRecordInfo* pRecInfo;
-        } record;
+        Record record;
     };
 };
 using VARIANTARG = VARIANT;

@@ -1,0 +1,96 @@
+// What MessageDisplayer shows, through a presenter as only the portable platform has it.
+
+#include "commands/MessageDisplayer.h"
+#include "platform/MessagePresenter.h"
+#include "tests/support/Commands.h"
+
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace vant::test {
+
+namespace {
+
+class ShownMessage : public ::testing::Test {
+protected:
+    ShownMessage() {
+        SetMessagePresenter([this](const std::wstring& text, const std::wstring& caption, UINT style) {
+            shown.push_back(Show(caption) + ": " + Show(text));
+            styles.push_back(style);
+            whileShown();
+        });
+    }
+    ~ShownMessage() override { SetMessagePresenter(nullptr); }
+
+    HRESULT Display() { return CreateCommand<CMessageDisplayer>(host, {{L"dsString", L"entry"}})->Execute(); }
+    void Store(CComVariant value) { host.dataStore[L"entry"] = std::move(value); }
+
+    TestHost host;
+    std::vector<std::string> shown;
+    std::vector<UINT> styles;
+    std::function<void()> whileShown = [] {};
+};
+
+TEST_F(ShownMessage, HasTextCaptionAndStyle) {
+    Store(CComVariant(CComBSTR(L"Key on")));
+    EXPECT_EQ(S_OK, Display());
+    EXPECT_EQ((std::vector<std::string>{"TORVEX: Key on"}), shown);
+    EXPECT_EQ((std::vector<UINT>{0x12030}), styles);
+}
+
+TEST_F(ShownMessage, MissingEntry_IsShownEmpty) {
+    EXPECT_EQ(S_OK, Display());
+    EXPECT_EQ((std::vector<std::string>{"TORVEX: "}), shown);
+}
+
+TEST_F(ShownMessage, EntryThatHoldsNoString_IsShownEmpty) {
+    Store(CComVariant(LONG{5}));
+    EXPECT_EQ(S_OK, Display());
+    EXPECT_EQ((std::vector<std::string>{"TORVEX: "}), shown);
+}
+
+TEST_F(ShownMessage, References_AreNotExpanded) {
+    Store(CComVariant(CComBSTR(L"$p(RPM)")));
+    EXPECT_EQ(S_OK, Display());
+    EXPECT_EQ((std::vector<std::string>{"TORVEX: $p(RPM)"}), shown);
+}
+
+TEST_F(ShownMessage, Command_ReturnsWhenTheMessageIsClosed) {
+    bool returned = false;
+    bool returnedWhileShown = true;
+    whileShown = [&] { returnedWhileShown = returned; };
+    EXPECT_EQ(S_OK, Display());
+    returned = true;
+    EXPECT_EQ(1u, shown.size());
+    EXPECT_FALSE(returnedWhileShown);
+}
+
+TEST_F(ShownMessage, PresenterThatThrows_IsNoFailureOfTheCommand) {
+    whileShown = [] { throw std::runtime_error("no terminal"); };
+    EXPECT_EQ(S_OK, Display());
+}
+
+TEST_F(ShownMessage, RemovedPresenter_ShowsNothing) {
+    SetMessagePresenter(nullptr);
+    EXPECT_EQ(S_OK, Display());
+    EXPECT_TRUE(shown.empty());
+    EXPECT_EQ(nullptr, GetForegroundWindow());
+    EXPECT_EQ(0, MessageBoxW(nullptr, L"text", L"caption", MB_OK));
+}
+
+TEST_F(ShownMessage, NullTexts_AreEmpty) {
+    EXPECT_EQ(IDOK, MessageBoxW(GetForegroundWindow(), nullptr, nullptr, MB_OK));
+    EXPECT_EQ((std::vector<std::string>{": "}), shown);
+}
+
+TEST_F(ShownMessage, PresenterMayBeReplacedWhileItShows) {
+    whileShown = [] { SetMessagePresenter(nullptr); };
+    EXPECT_EQ(S_OK, Display());
+    EXPECT_EQ(1u, shown.size());
+    EXPECT_EQ(nullptr, GetForegroundWindow());
+}
+
+} // namespace
+
+} // namespace vant::test
