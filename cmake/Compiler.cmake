@@ -18,6 +18,10 @@ if(VANT_SANITIZE)
   # An interface of another module carries no type information, and need not be made by a C++ compiler at all.
   add_compile_options(-fno-sanitize=vptr)
 endif()
+if(VANT_FUZZ)
+  # The fuzzer is guided by what runs, in the libraries as well.
+  add_compile_options(-fsanitize=fuzzer-no-link)
+endif()
 if(VANT_COVERAGE)
   add_compile_options(--coverage -fprofile-abs-path)
   add_link_options(--coverage)

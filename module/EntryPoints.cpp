@@ -1,6 +1,7 @@
 // The four exported entry points. Every exception ends before them.
 
 #include "module/Module.h"
+#include "module/registration/Registration.h"
 #include "platform/ComObject.h"
 
 extern "C" {
@@ -22,9 +23,9 @@ HRESULT STDAPICALLTYPE DllCanUnloadNow() {
 }
 
 HRESULT STDAPICALLTYPE DllRegisterServer() {
-    return E_NOTIMPL;
+    return vant::RegisterModule(vant::ScriptMode::Register);
 }
 
 HRESULT STDAPICALLTYPE DllUnregisterServer() {
-    return E_NOTIMPL;
+    return vant::RegisterModule(vant::ScriptMode::Unregister);
 }

@@ -12,6 +12,7 @@ namespace vant {
 /// One class of the module: how to create its objects, and its class object once somebody has asked for it.
 struct ObjectMapRow {
     const CLSID* classId;
+    UINT resource; ///< the number of its registration script
     ObjectCreator creator;
     std::atomic<CClassFactory*> classObject{nullptr};
 };

@@ -1,0 +1,117 @@
+#include "module/registration/RegistryKeyStore.h"
+
+#include <winternl.h>
+
+#include <memory>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+namespace vant {
+
+namespace {
+
+/// Owns an open registry key.
+class Key {
+public:
+    Key() = default;
+    Key(const Key&) = delete;
+    Key& operator=(const Key&) = delete;
+    ~Key() {
+        if (m_key)
+            RegCloseKey(m_key);
+    }
+    HKEY Get() const { return m_key; }
+    HKEY* operator&() { return &m_key; }
+
+private:
+    HKEY m_key = nullptr;
+};
+
+HRESULT Open(const wchar_t* path, REGSAM access, Key& key) {
+    return HRESULT_FROM_WIN32(static_cast<DWORD>(RegOpenKeyExW(HKEY_CLASSES_ROOT, path, 0, access, &key)));
+}
+
+HRESULT Open(const std::wstring& path, REGSAM access, Key& key) {
+    return Open(path.c_str(), access, key);
+}
+
+HRESULT OkWhereAbsent(HRESULT code) {
+    return code == HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND) ? S_OK : code;
+}
+
+} // namespace
+
+HRESULT RegistryKeyStore::CreateKey(const std::wstring& path) {
+    Key key;
+    return HRESULT_FROM_WIN32(static_cast<DWORD>(
+        RegCreateKeyExW(HKEY_CLASSES_ROOT, path.c_str(), 0, nullptr, 0, KEY_WRITE, nullptr, &key, nullptr)));
+}
+
+HRESULT RegistryKeyStore::SetValue(const std::wstring& path, const std::wstring& name,
+                                   const std::wstring& text) {
+    Key key;
+    if (const HRESULT code = Open(path, KEY_SET_VALUE, key); FAILED(code))
+        return code;
+    const auto size = static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t));
+    return HRESULT_FROM_WIN32(static_cast<DWORD>(RegSetValueExW(
+        key.Get(), name.c_str(), 0, REG_SZ, reinterpret_cast<const BYTE*>(text.c_str()), size)));
+}
+
+HRESULT RegistryKeyStore::DeleteValue(const std::wstring& path, const std::wstring& name) {
+    Key key;
+    HRESULT code = Open(path, KEY_SET_VALUE, key);
+    if (SUCCEEDED(code))
+        code = HRESULT_FROM_WIN32(static_cast<DWORD>(RegDeleteValueW(key.Get(), name.c_str())));
+    return OkWhereAbsent(code);
+}
+
+HRESULT RegistryKeyStore::DeleteKey(const std::wstring& path) {
+    DWORD subkeys = 0;
+    {
+        Key key;
+        if (const HRESULT code = Open(path, KEY_READ, key); FAILED(code))
+            return OkWhereAbsent(code);
+        const LSTATUS status = RegQueryInfoKeyW(key.Get(), nullptr, nullptr, nullptr, &subkeys, nullptr,
+                                                nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
+        if (status != ERROR_SUCCESS)
+            return HRESULT_FROM_WIN32(static_cast<DWORD>(status));
+    }
+    if (subkeys > 0)
+        return S_OK;
+    return OkWhereAbsent(
+        HRESULT_FROM_WIN32(static_cast<DWORD>(RegDeleteKeyW(HKEY_CLASSES_ROOT, path.c_str()))));
+}
+
+HRESULT RegistryKeyStore::DeleteTree(const std::wstring& path) {
+    return OkWhereAbsent(
+        HRESULT_FROM_WIN32(static_cast<DWORD>(RegDeleteTreeW(HKEY_CLASSES_ROOT, path.c_str()))));
+}
+
+bool PerUserRegistration() {
+    // The only thing that tells a redirected root is where it really lies; the system's own name of the key does.
+    using QueryKey = NTSTATUS NTAPI(HANDLE, int, void*, ULONG, ULONG*);
+    constexpr int keyNameInformation = 3;
+    constexpr std::wstring_view userPart = L"\\REGISTRY\\USER\\";
+
+    const HMODULE ntdll = GetModuleHandleW(L"ntdll.dll");
+    const auto queryKey =
+        ntdll ? reinterpret_cast<QueryKey*>(reinterpret_cast<void*>(GetProcAddress(ntdll, "NtQueryKey"))) : nullptr;
+    Key root;
+    // A null path opens the root anew; an empty one would answer the predefined handle, which has no name.
+    if (!queryKey || FAILED(Open(nullptr, KEY_READ, root)))
+        return false;
+    struct {
+        ULONG byteLength;
+        wchar_t name[1024];
+    } information = {};
+    ULONG size = 0;
+    if (queryKey(root.Get(), keyNameInformation, &information, sizeof(information), &size) < 0)
+        return false;
+    const std::wstring_view name(information.name, information.byteLength / sizeof(wchar_t));
+    return name.size() >= userPart.size() &&
+           CompareStringOrdinal(name.data(), static_cast<int>(userPart.size()), userPart.data(),
+                                static_cast<int>(userPart.size()), TRUE) == CSTR_EQUAL;
+}
+
+} // namespace vant
