@@ -12,8 +12,9 @@ namespace vant::bench {
 
 using Properties = std::vector<std::pair<const wchar_t*, std::wstring_view>>;
 
-/// Straight-line code that makes the host calls of one command's body, with the same copies of strings and the same
-/// conversions, from strings that it already has. What a command costs more is the price of its contract.
+/// Straight-line code that makes the host calls of one command's body, with the same copies of strings and
+/// the same conversions, from strings that it already has. What a command costs more is the price of its
+/// contract.
 struct Floor {
     const CComBSTR* values; ///< the property values in the order of the command's case
     MinimalHost* host;

@@ -7,8 +7,9 @@
 
 namespace vant::bench {
 
-/// The least a host can be: one object that is the context and every service. It stores nothing; a call costs the call,
-/// a count, and, where the interface hands something out, the copy or reference handed out. It is never freed.
+/// The least a host can be: one object that is the context and every service. It stores nothing; a call costs
+/// the call, a count, and, where the interface hands something out, the copy or reference handed out. It is
+/// never freed.
 class MinimalHost final : public IVantContext,
                           public ICommandRunner,
                           public IComponentService,
@@ -27,12 +28,16 @@ public:
     ULONG STDMETHODCALLTYPE AddRef() override { return ++m_references; }
     ULONG STDMETHODCALLTYPE Release() override { return --m_references; }
 
-    HRESULT STDMETHODCALLTYPE get_ProcedureController(IProcedureController** out) override { return Give(out); }
+    HRESULT STDMETHODCALLTYPE get_ProcedureController(IProcedureController** out) override {
+        return Give(out);
+    }
     HRESULT STDMETHODCALLTYPE get_CommandRunner(ICommandRunner** out) override { return Give(out); }
     HRESULT STDMETHODCALLTYPE get_ComponentService(IComponentService** out) override { return Give(out); }
     HRESULT STDMETHODCALLTYPE get_Service7(IUnknown** out) override { return GiveUnknown(out); }
     HRESULT STDMETHODCALLTYPE get_Service3(IUnknown** out) override { return GiveUnknown(out); }
-    HRESULT STDMETHODCALLTYPE get_PresentationService(IPresentationService** out) override { return Give(out); }
+    HRESULT STDMETHODCALLTYPE get_PresentationService(IPresentationService** out) override {
+        return Give(out);
+    }
     HRESULT STDMETHODCALLTYPE get_DataStore(IDataStore** out) override { return Give(out); }
     HRESULT STDMETHODCALLTYPE get_ThreadService(IUnknown** out) override { return GiveUnknown(out); }
     HRESULT STDMETHODCALLTYPE get_ParameterService(IDataServiceOld** out) override { return Give(out); }
@@ -52,7 +57,9 @@ public:
 
     HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override {
+        return E_NOTIMPL;
+    }
     HRESULT STDMETHODCALLTYPE Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*,
                                      UINT*) override {
         return E_NOTIMPL;

@@ -1,4 +1,5 @@
-// What a command costs beside straight-line code that does the same work: its Execute alone, and its whole life.
+// What a command costs beside straight-line code that does the same work: its Execute alone, and its whole
+// life.
 
 #include "bench/Floor.h"
 #include "bench/MinimalHost.h"
@@ -8,9 +9,8 @@
 #include "platform/DynamicLibrary.h"
 #include "platform/Process.h"
 
-#include <benchmark/benchmark.h>
-
 #include <array>
+#include <benchmark/benchmark.h>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -28,8 +28,14 @@ struct Case {
 
 const std::vector<Case>& Cases() {
     static const std::vector<Case> cases = {
-        {"CommandTerminator", &CLSID_CommandTerminator, {{L"commandID", L"timer"}}, &Floor::CommandTerminator},
-        {"CompositeCommand", &CLSID_CompositeCommand, {{L"commandIDList", L"A B C"}}, &Floor::CompositeCommand},
+        {"CommandTerminator",
+         &CLSID_CommandTerminator,
+         {{L"commandID", L"timer"}},
+         &Floor::CommandTerminator},
+        {"CompositeCommand",
+         &CLSID_CompositeCommand,
+         {{L"commandIDList", L"A B C"}},
+         &Floor::CompositeCommand},
         {"DataStoreWriter",
          &CLSID_DataStoreWriter,
          {{L"dsLocation", L"entry"}, {L"value", L"a value"}},
@@ -58,7 +64,8 @@ IClassFactory& Factory(const CLSID& classId) {
     return *factory; // the module keeps its class objects for as long as it is loaded
 }
 
-/// Creates, initialises and configures a command. The names and values are the caller's, as a host's would be.
+/// Creates, initialises and configures a command. The names and values are the caller's, as a host's would
+/// be.
 CComPtr<IVantCommand> Prepare(IClassFactory& factory, const std::vector<CComBSTR>& names,
                               const std::vector<CComBSTR>& values) {
     CComPtr<IVantCommand> command;
@@ -101,8 +108,8 @@ void Life(benchmark::State& state, const Case& subject) {
         Require(Prepare(factory, strings.names, strings.values)->Execute());
 }
 
-/// The same life without a contract: one allocation for the object, the nine requests and the controller, a copy of
-/// every name and value, the work, and all of it given back.
+/// The same life without a contract: one allocation for the object, the nine requests and the controller, a
+/// copy of every name and value, the work, and all of it given back.
 void LifeFloor(benchmark::State& state, const Case& subject) {
     struct Object {
         CComPtr<ICommandRunner> commandRunner;
@@ -159,9 +166,8 @@ void RegisterCommandBenchmarks() {
     for (const Case& subject : Cases()) {
         const std::string name = subject.name;
         const auto add = [&subject](const std::string& title, auto function) {
-            benchmark::RegisterBenchmark(title.c_str(), [&subject, function](benchmark::State& state) {
-                function(state, subject);
-            });
+            benchmark::RegisterBenchmark(
+                title.c_str(), [&subject, function](benchmark::State& state) { function(state, subject); });
         };
         add("Execute/" + name, Execute);
         add("Execute/" + name + "/floor", ExecuteFloor);

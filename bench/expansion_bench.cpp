@@ -15,7 +15,8 @@ void ExpansionItems(benchmark::State& state) {
         text += L"n = $p(101000) rpm; ";
     const CComBSTR value(L"1450");
     for ([[maybe_unused]] auto _ : state)
-        benchmark::DoNotOptimize(ExpandReferences(text, L"$p(", [&value](std::wstring_view) { return value; }));
+        benchmark::DoNotOptimize(
+            ExpandReferences(text, L"$p(", [&value](std::wstring_view) { return value; }));
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 BENCHMARK(ExpansionItems)->Name("PerItem/Expansion")->RangeMultiplier(10)->Range(10, 100'000);

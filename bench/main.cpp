@@ -1,13 +1,12 @@
-// Runs every benchmark several times, interleaved, and sets each figure beside its floor: `bench [--json FILE]`, and any
-// option of the benchmark library.
+// Runs every benchmark several times, interleaved, and sets each figure beside its floor: `bench [--json
+// FILE]`, and any option of the benchmark library.
 
 #include <benchmark/benchmark.h>
-#include <nlohmann/json.hpp>
-
 #include <cstdio>
 #include <fstream>
 #include <iostream>
 #include <map>
+#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 

@@ -5,7 +5,8 @@
 
 namespace vant {
 
-/// Creates an object of one class and asks it for `iid`; on failure nothing is left behind and `*out` is null.
+/// Creates an object of one class and asks it for `iid`; on failure nothing is left behind and `*out` is
+/// null.
 using ObjectCreator = HRESULT (*)(REFIID iid, void** out) noexcept;
 
 /// The ObjectCreator of command class `Class`.

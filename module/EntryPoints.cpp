@@ -5,7 +5,8 @@
 #include "platform/ComObject.h"
 
 extern "C" {
-// The SDK declares the first two on Windows; the export list is VantCommands.def there, VantCommands.map elsewhere.
+// The SDK declares the first two on Windows; the export list is VantCommands.def there, VantCommands.map
+// elsewhere.
 #ifndef _WIN32
 VANT_PLATFORM_API HRESULT STDAPICALLTYPE DllGetClassObject(REFCLSID classId, REFIID iid, void** out);
 VANT_PLATFORM_API HRESULT STDAPICALLTYPE DllCanUnloadNow();

@@ -12,8 +12,8 @@
 
 namespace vant {
 
-/// The characters of a BSTR, embedded nulls included; empty for a null one. The length is read where every BSTR has it,
-/// in the 32 bits before the text: this is asked for too often for a call into another library.
+/// The characters of a BSTR, embedded nulls included; empty for a null one. The length is read where every
+/// BSTR has it, in the 32 bits before the text: this is asked for too often for a call into another library.
 inline std::wstring_view TextOf(BSTR text) noexcept {
     if (!text)
         return {L"", 0};

@@ -4,8 +4,8 @@
 
 namespace vant {
 
-/// Thrown by the string and value holders: E_OUTOFMEMORY where a copy cannot be allocated, otherwise the code of the
-/// platform call that failed. Never leaves an interface operation.
+/// Thrown by the string and value holders: E_OUTOFMEMORY where a copy cannot be allocated, otherwise the code
+/// of the platform call that failed. Never leaves an interface operation.
 class CComException {
 public:
     explicit CComException(HRESULT code) noexcept : m_code(code) {}

@@ -12,7 +12,8 @@ namespace vant {
 #ifdef _WIN32
 
 DynamicLibrary::DynamicLibrary(const std::filesystem::path& file) : m_name(file.filename().string()) {
-    m_handle = LoadLibraryExW(std::filesystem::absolute(file).c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
+    m_handle =
+        LoadLibraryExW(std::filesystem::absolute(file).c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
     if (!m_handle)
         throw std::runtime_error(std::system_category().message(static_cast<int>(GetLastError())));
 }

@@ -8,8 +8,8 @@
 
 namespace vant {
 
-/// The arguments of this process in UTF-8, without the program's name. On Windows they are taken from the wide
-/// command line, so that every file name survives.
+/// The arguments of this process in UTF-8, without the program's name. On Windows they are taken from the
+/// wide command line, so that every file name survives.
 VANT_PLATFORM_API std::vector<std::string> ProcessArguments(int argc, const char* const* argv);
 
 /// The folder that holds the running program's file.
@@ -21,8 +21,8 @@ VANT_PLATFORM_API void PrepareConsole();
 /// Whether standard output goes to a terminal rather than to a file or a pipe.
 VANT_PLATFORM_API bool OutputIsTerminal();
 
-/// Calls `handler` when the user interrupts the program (Ctrl-C), the first time only; the second interruption ends
-/// the program at once. The handler may only do what a signal handler may.
+/// Calls `handler` when the user interrupts the program (Ctrl-C), the first time only; the second
+/// interruption ends the program at once. The handler may only do what a signal handler may.
 VANT_PLATFORM_API void OnFirstInterrupt(void (*handler)());
 
 } // namespace vant

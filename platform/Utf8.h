@@ -8,8 +8,9 @@
 
 namespace vant {
 
-/// UTF-8 of a wide text, which is UTF-16 where wchar_t has two bytes and UTF-32 elsewhere. Embedded nulls stay. What
-/// is no character (an unpaired surrogate, a code above U+10FFFF) becomes U+FFFD, so the result is always well formed.
+/// UTF-8 of a wide text, which is UTF-16 where wchar_t has two bytes and UTF-32 elsewhere. Embedded nulls
+/// stay. What is no character (an unpaired surrogate, a code above U+10FFFF) becomes U+FFFD, so the result is
+/// always well formed.
 VANT_PLATFORM_API std::string ToUtf8(std::wstring_view text);
 
 /// The wide text of UTF-8. Each byte that belongs to no well-formed sequence becomes U+FFFD.

@@ -1,8 +1,8 @@
 #pragma once
 
-// The component and automation interface of the operating system, under its real names: the SDK's own headers on
-// Windows, the portable implementation of exactly the calls this system uses elsewhere. Every other file includes
-// this one and never asks which system it is on.
+// The component and automation interface of the operating system, under its real names: the SDK's own headers
+// on Windows, the portable implementation of exactly the calls this system uses elsewhere. Every other file
+// includes this one and never asks which system it is on.
 
 #ifdef _WIN32
 #ifndef WIN32_LEAN_AND_MEAN
@@ -11,10 +11,9 @@
 #ifndef NOMINMAX
 #define NOMINMAX
 #endif
-#include <windows.h>
-
 #include <objbase.h>
 #include <oleauto.h>
+#include <windows.h>
 
 // Marks what the shared platform library offers; on Windows the few helpers are linked statically.
 #define VANT_PLATFORM_API

@@ -1,12 +1,13 @@
 #pragma once
 
-// What commands call on the host: the context, the services that it hands out, and the controller. Slots count from 0
-// with IUnknown's three. A slot that no command calls stands as ReservedN, N being its number. Declarations end with
-// the last slot in use; a host's own interface may go on after it.
+// What commands call on the host: the context, the services that it hands out, and the controller. Slots
+// count from 0 with IUnknown's three. A slot that no command calls stands as ReservedN, N being its number.
+// Declarations end with the last slot in use; a host's own interface may go on after it.
 //
-// Out parameters receive what the caller then owns: a referenced interface or a VARIANT to clear. Strings and values
-// passed in stay the caller's, a VARIANT passed by value included. Services are called on the host's thread during
-// Execute [host thread] and on threads of the thread service [persistent thread], and must accept both at once.
+// Out parameters receive what the caller then owns: a referenced interface or a VARIANT to clear. Strings and
+// values passed in stay the caller's, a VARIANT passed by value included. Services are called on the host's
+// thread during Execute [host thread] and on threads of the thread service [persistent thread], and must
+// accept both at once.
 
 #include "ecm/interfaces/EngineData.h"
 #include "framework/interfaces/VantCommand.h"
@@ -88,9 +89,11 @@ struct IVantContext : IUnknown {
     virtual HRESULT STDMETHODCALLTYPE Reserved6() = 0;
     virtual HRESULT STDMETHODCALLTYPE get_ComponentService(IComponentService** out) = 0; // slot 7
     virtual HRESULT STDMETHODCALLTYPE Reserved8() = 0;
-    virtual HRESULT STDMETHODCALLTYPE get_Service7(IUnknown** out) = 0; // slot 9: held by commands, never called
+    virtual HRESULT STDMETHODCALLTYPE
+    get_Service7(IUnknown** out) = 0; // slot 9: held by commands, never called
     virtual HRESULT STDMETHODCALLTYPE Reserved10() = 0;
-    virtual HRESULT STDMETHODCALLTYPE get_Service3(IUnknown** out) = 0; // slot 11: held by commands, never called
+    virtual HRESULT STDMETHODCALLTYPE
+    get_Service3(IUnknown** out) = 0; // slot 11: held by commands, never called
     virtual HRESULT STDMETHODCALLTYPE Reserved12() = 0;
     virtual HRESULT STDMETHODCALLTYPE get_PresentationService(IPresentationService** out) = 0; // slot 13
     virtual HRESULT STDMETHODCALLTYPE Reserved14() = 0;

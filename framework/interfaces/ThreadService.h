@@ -1,6 +1,7 @@
 #pragma once
 
-// The host's thread service, which runs persistent commands. Both interfaces are dual: slots 3 to 6 are IDispatch's.
+// The host's thread service, which runs persistent commands. Both interfaces are dual: slots 3 to 6 are
+// IDispatch's.
 
 #include "platform/ComPtr.h"
 #include "platform/system.h"
@@ -20,8 +21,10 @@ struct IThreadService : IDispatch {
     virtual HRESULT STDMETHODCALLTYPE UnregisterCallback(std::uint32_t cookie) = 0; // slot 8
     virtual HRESULT STDMETHODCALLTYPE Reserved9() = 0;
     virtual HRESULT STDMETHODCALLTYPE Reserved10() = 0;
-    virtual HRESULT STDMETHODCALLTYPE Operation11(std::uint32_t cookie) = 0; // slot 11; its meaning is the host's
-    virtual HRESULT STDMETHODCALLTYPE Operation12(std::uint32_t cookie) = 0; // slot 12; its meaning is the host's
+    virtual HRESULT STDMETHODCALLTYPE
+    Operation11(std::uint32_t cookie) = 0; // slot 11; its meaning is the host's
+    virtual HRESULT STDMETHODCALLTYPE
+    Operation12(std::uint32_t cookie) = 0; // slot 12; its meaning is the host's
     /// Slot 13: starts a thread that calls `callback`; `cookie` names the registration from then on.
     virtual HRESULT STDMETHODCALLTYPE RegisterCallback(IThreadCallback* callback,
                                                        const ThreadRegistration* registration,

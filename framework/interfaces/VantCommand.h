@@ -15,18 +15,20 @@ inline constexpr IID IID_IVantCommand = {
 inline constexpr IID IID_IVantPersistentCommand = {
     0x320D49F6, 0x7C7F, 0x4107, {0x99, 0x00, 0x6B, 0x70, 0x3C, 0x99, 0xE8, 0xEE}};
 
-/// One step's work. The host creates the object, initialises it once, sets its properties, executes it. Setting
-/// properties and executing must not overlap; otherwise any thread may call. No exception leaves an operation.
+/// One step's work. The host creates the object, initialises it once, sets its properties, executes it.
+/// Setting properties and executing must not overlap; otherwise any thread may call. No exception leaves an
+/// operation.
 struct IVantCommand : IUnknown {
-    /// Slot 3. Asks `context` for the nine host services and keeps them, with `controller` (which may be null), for
-    /// the object's whole life. E_UNEXPECTED the second time; E_POINTER for a null context; otherwise the code of the
-    /// first service request that failed, after which Initialize may be tried again.
+    /// Slot 3. Asks `context` for the nine host services and keeps them, with `controller` (which may be
+    /// null), for the object's whole life. E_UNEXPECTED the second time; E_POINTER for a null context;
+    /// otherwise the code of the first service request that failed, after which Initialize may be tried
+    /// again.
     virtual HRESULT STDMETHODCALLTYPE Initialize(IVantContext* context, IVantController* controller) = 0;
-    /// Slot 4. Runs the command. E_UNEXPECTED where the property set is invalid (nothing runs); E_FAIL where the body
-    /// failed; else S_OK. Everything else that it has to say reaches the host through the services.
+    /// Slot 4. Runs the command. E_UNEXPECTED where the property set is invalid (nothing runs); E_FAIL where
+    /// the body failed; else S_OK. Everything else that it has to say reaches the host through the services.
     virtual HRESULT STDMETHODCALLTYPE Execute() = 0;
-    /// Slot 5. Copies both strings. A name that is already set keeps its first value (S_OK); an undeclared name,
-    /// compared exactly, answers E_INVALIDARG.
+    /// Slot 5. Copies both strings. A name that is already set keeps its first value (S_OK); an undeclared
+    /// name, compared exactly, answers E_INVALIDARG.
     virtual HRESULT STDMETHODCALLTYPE SetProperty(BSTR name, BSTR value) = 0;
     /// Slot 6. Whether the property set is complete and free of contradictions.
     virtual HRESULT STDMETHODCALLTYPE get_IsValid(VARIANT_BOOL* isValid) = 0;

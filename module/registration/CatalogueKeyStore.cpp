@@ -6,7 +6,8 @@ HRESULT CatalogueKeyStore::CreateKey(const std::wstring& path) {
     return Catalogue::IsKeyName(path) ? S_OK : E_INVALIDARG; // a key stands in the file with its first value
 }
 
-HRESULT CatalogueKeyStore::SetValue(const std::wstring& path, const std::wstring& name, const std::wstring& text) {
+HRESULT CatalogueKeyStore::SetValue(const std::wstring& path, const std::wstring& name,
+                                    const std::wstring& text) {
     m_catalogue.Set(path, name, text);
     return S_OK;
 }

@@ -3,7 +3,6 @@
 #include "platform/Utf8.h"
 
 #include <dlfcn.h>
-
 #include <exception>
 #include <filesystem>
 #include <new>

@@ -9,8 +9,8 @@
 
 namespace vant {
 
-/// Writes (or removes) the registration of every class that the module creates, then that of its type library. Answers
-/// the first failure, at which it stops; what was written before stays. Any thread.
+/// Writes (or removes) the registration of every class that the module creates, then that of its type
+/// library. Answers the first failure, at which it stops; what was written before stays. Any thread.
 HRESULT RegisterModule(ScriptMode mode) noexcept;
 
 // What the system below gives; one implementation each for Windows and elsewhere.

@@ -1,11 +1,10 @@
 #include "module/registration/RegistryKeyStore.h"
 
-#include <winternl.h>
-
 #include <memory>
 #include <type_traits>
 #include <utility>
 #include <vector>
+#include <winternl.h>
 
 namespace vant {
 
@@ -28,12 +27,9 @@ private:
     HKEY m_key = nullptr;
 };
 
-HRESULT Open(const wchar_t* path, REGSAM access, Key& key) {
-    return HRESULT_FROM_WIN32(static_cast<DWORD>(RegOpenKeyExW(HKEY_CLASSES_ROOT, path, 0, access, &key)));
-}
-
 HRESULT Open(const std::wstring& path, REGSAM access, Key& key) {
-    return Open(path.c_str(), access, key);
+    return HRESULT_FROM_WIN32(
+        static_cast<DWORD>(RegOpenKeyExW(HKEY_CLASSES_ROOT, path.c_str(), 0, access, &key)));
 }
 
 HRESULT OkWhereAbsent(HRESULT code) {
@@ -88,25 +84,31 @@ HRESULT RegistryKeyStore::DeleteTree(const std::wstring& path) {
         HRESULT_FROM_WIN32(static_cast<DWORD>(RegDeleteTreeW(HKEY_CLASSES_ROOT, path.c_str()))));
 }
 
-bool PerUserRegistration() {
-    // The only thing that tells a redirected root is where it really lies; the system's own name of the key does.
+bool RegistryKeyStore::Exists(const std::wstring& path) {
+    Key key;
+    return SUCCEEDED(Open(path, KEY_READ, key));
+}
+
+bool LiesInUsersPart(const wchar_t* path) {
+    // Nothing else tells a redirected root: the root itself has only its predefined handle, but the system's own
+    // name of a key below it begins where that key really lies.
     using QueryKey = NTSTATUS NTAPI(HANDLE, int, void*, ULONG, ULONG*);
     constexpr int keyNameInformation = 3;
     constexpr std::wstring_view userPart = L"\\REGISTRY\\USER\\";
 
     const HMODULE ntdll = GetModuleHandleW(L"ntdll.dll");
     const auto queryKey =
-        ntdll ? reinterpret_cast<QueryKey*>(reinterpret_cast<void*>(GetProcAddress(ntdll, "NtQueryKey"))) : nullptr;
-    Key root;
-    // A null path opens the root anew; an empty one would answer the predefined handle, which has no name.
-    if (!queryKey || FAILED(Open(nullptr, KEY_READ, root)))
+        ntdll ? reinterpret_cast<QueryKey*>(reinterpret_cast<void*>(GetProcAddress(ntdll, "NtQueryKey")))
+              : nullptr;
+    Key key;
+    if (!queryKey || FAILED(Open(path, KEY_READ, key)))
         return false;
     struct {
         ULONG byteLength;
         wchar_t name[1024];
     } information = {};
     ULONG size = 0;
-    if (queryKey(root.Get(), keyNameInformation, &information, sizeof(information), &size) < 0)
+    if (queryKey(key.Get(), keyNameInformation, &information, sizeof(information), &size) < 0)
         return false;
     const std::wstring_view name(information.name, information.byteLength / sizeof(wchar_t));
     return name.size() >= userPart.size() &&

@@ -21,13 +21,14 @@ struct Token {
 
     bool IsWord(std::wstring_view word) const { return kind == Kind::Word && text == word; }
     bool IsName() const {
-        return (kind == Kind::Word || kind == Kind::Quoted) && !text.empty() && text.find(L'\0') == std::wstring::npos;
+        return (kind == Kind::Word || kind == Kind::Quoted) && !text.empty() &&
+               text.find(L'\0') == std::wstring::npos;
     }
 };
 
 [[noreturn]] void Malformed(const Token& at, const wchar_t* expected) {
-    OutputDebugStringW((L"VantCommands: registration script, line " + std::to_wstring(at.line) + L", column " +
-                        std::to_wstring(at.column) + L": " + expected + L"\n")
+    OutputDebugStringW((L"VantCommands: registration script, line " + std::to_wstring(at.line) +
+                        L", column " + std::to_wstring(at.column) + L": " + expected + L"\n")
                            .c_str());
     throw CComException(scriptMalformed);
 }
@@ -108,7 +109,8 @@ private:
 class Interpreter {
 public:
     Interpreter(std::string_view script, std::wstring_view modulePath, ScriptMode mode, KeyStore& store)
-        : m_lexer(script), m_modulePath(modulePath), m_registering(mode == ScriptMode::Register), m_store(store) {
+        : m_lexer(script), m_modulePath(modulePath), m_registering(mode == ScriptMode::Register),
+          m_store(store) {
         Advance();
     }
 
@@ -124,7 +126,8 @@ public:
 private:
     void Advance() { m_token = m_lexer.Next(); }
 
-    /// The items between a key's braces. `removed`: the key is already gone with all below it; only the form counts.
+    /// The items between a key's braces. `removed`: the key is already gone with all below it; only the form
+    /// counts.
     void RunItems(const std::wstring& path, int depth, bool removed) {
         if (m_token.kind != Token::Kind::OpenBrace)
             Malformed(m_token, L"an opening brace must stand here");

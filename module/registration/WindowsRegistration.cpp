@@ -1,6 +1,5 @@
 #include "module/registration/Registration.h"
 #include "module/registration/RegistryKeyStore.h"
-#include "platform/Bstr.h"
 #include "platform/ComPtr.h"
 
 namespace vant {
@@ -12,6 +11,8 @@ constexpr WORD libraryMajor = 1;
 constexpr WORD libraryMinor = 0;
 constexpr LCID libraryLocale = 0;
 constexpr SYSKIND system = sizeof(void*) == 8 ? SYS_WIN64 : SYS_WIN32;
+constexpr const wchar_t* libraryKey = L"TypeLib\\{3BE2B2AE-1EB4-4FE6-BCBD-F45D8D79FE5D}";
+constexpr const wchar_t* fileSubkey = system == SYS_WIN64 ? L"\\1.0\\0\\win64" : L"\\1.0\\0\\win32";
 
 using RegisterFunction = HRESULT STDAPICALLTYPE(ITypeLib*, OLECHAR*, OLECHAR*);
 using UnregisterFunction = HRESULT STDAPICALLTYPE(REFGUID, WORD, WORD, LCID, SYSKIND);
@@ -23,21 +24,37 @@ HINSTANCE ModuleInstance() {
     return instance;
 }
 
-/// The per-user variant of a registration call where per-user registration is in force and the system has it; else the
-/// machine-wide call.
+/// The per-user variant of a registration call where per-user registration is in force and the system has it;
+/// else the machine-wide call.
 template <class Function>
 Function* Choose(const char* perUserName, Function* machineWide) {
-    if (!PerUserRegistration())
+    if (!LiesInUsersPart(libraryKey))
         return machineWide;
     const HMODULE library = GetModuleHandleW(L"OLEAUT32.DLL");
     const FARPROC perUser = library ? GetProcAddress(library, perUserName) : nullptr;
     return perUser ? reinterpret_cast<Function*>(reinterpret_cast<void*>(perUser)) : machineWide;
 }
 
+/// The path under which the system can load a type library: it takes none of MAX_PATH characters or more, so
+/// such a one in its short form, where the volume has one.
+std::wstring LoadablePath(const std::wstring& path) {
+    if (path.size() < MAX_PATH)
+        return path;
+    const std::wstring unlimited = L"\\\\?\\" + path;
+    std::wstring shortPath(unlimited.size() + 1, L'\0');
+    const DWORD length =
+        GetShortPathNameW(unlimited.c_str(), shortPath.data(), static_cast<DWORD>(shortPath.size()));
+    if (length == 0 || length >= shortPath.size())
+        return path;
+    return shortPath.substr(unlimited.size() - path.size(), length - (unlimited.size() - path.size()));
+}
+
 HRESULT RegisterTypeLibrary() {
-    std::wstring path = ModulePath();
+    std::wstring path = LoadablePath(ModulePath());
     CComPtr<ITypeLib> library;
     if (const HRESULT code = LoadTypeLibEx(path.c_str(), REGKIND_NONE, &library); FAILED(code))
+        return code;
+    if (const HRESULT code = RegistryKeyStore().CreateKey(libraryKey); FAILED(code))
         return code;
     std::wstring folder = path.substr(0, path.find_last_of(L'\\'));
     const auto registerLibrary = Choose<RegisterFunction>("RegisterTypeLibForUser", &RegisterTypeLib);
@@ -45,9 +62,8 @@ HRESULT RegisterTypeLibrary() {
 }
 
 HRESULT UnregisterTypeLibrary() {
-    CComBSTR path;
-    if (FAILED(QueryPathOfRegTypeLib(libraryId, libraryMajor, libraryMinor, libraryLocale, &path)))
-        return S_OK; // nothing of ours is registered
+    if (!RegistryKeyStore::Exists(std::wstring(libraryKey) + fileSubkey))
+        return S_OK;
     const auto unregisterLibrary = Choose<UnregisterFunction>("UnRegisterTypeLibForUser", &UnRegisterTypeLib);
     return unregisterLibrary(libraryId, libraryMajor, libraryMinor, libraryLocale, system);
 }
@@ -65,7 +81,8 @@ std::string_view EmbeddedScript(UINT resource) {
 std::wstring ModulePath() {
     std::wstring path(MAX_PATH, L'\0');
     for (;;) {
-        const DWORD length = GetModuleFileNameW(ModuleInstance(), path.data(), static_cast<DWORD>(path.size()));
+        const DWORD length =
+            GetModuleFileNameW(ModuleInstance(), path.data(), static_cast<DWORD>(path.size()));
         if (length < path.size()) {
             path.resize(length);
             return path;

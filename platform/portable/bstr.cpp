@@ -9,8 +9,8 @@
 
 namespace {
 
-// The text starts 8 bytes into the block, so that it is aligned for wchar_t and the 32-bit length stands right
-// before it.
+// The text starts 8 bytes into the block, so that it is aligned for wchar_t and the 32-bit length stands
+// right before it.
 constexpr std::size_t headerSize = 8;
 
 std::atomic<std::size_t> liveCount{0};

@@ -18,7 +18,8 @@ namespace vant {
 
 namespace {
 
-constexpr std::string_view banner = "# Class catalogue of VantCommands. Modules write it when they are registered.\n";
+constexpr std::string_view banner =
+    "# Class catalogue of VantCommands. Modules write it when they are registered.\n";
 
 wchar_t Fold(wchar_t c) {
     return c >= L'A' && c <= L'Z' ? static_cast<wchar_t>(c - L'A' + L'a') : c;
@@ -30,7 +31,8 @@ bool EqualNames(std::wstring_view left, std::wstring_view right) {
 }
 
 bool IsBelow(std::wstring_view path, std::wstring_view key) {
-    return path.size() > key.size() && path[key.size()] == L'\\' && EqualNames(path.substr(0, key.size()), key);
+    return path.size() > key.size() && path[key.size()] == L'\\' &&
+           EqualNames(path.substr(0, key.size()), key);
 }
 
 [[noreturn]] void FailWith(const std::filesystem::path& file, int error) {
@@ -40,7 +42,8 @@ bool IsBelow(std::wstring_view path, std::wstring_view key) {
 /// An open file descriptor.
 class Descriptor {
 public:
-    Descriptor(const std::filesystem::path& file, int flags) : m_file(file), m_number(open(file.c_str(), flags, 0644)) {
+    Descriptor(const std::filesystem::path& file, int flags)
+        : m_file(file), m_number(open(file.c_str(), flags, 0644)) {
         if (m_number < 0)
             FailWith(file, errno);
     }
@@ -234,7 +237,8 @@ void Catalogue::Erase(const std::wstring& key, const std::wstring& name) {
 }
 
 bool Catalogue::HasSubkeys(const std::wstring& key) const {
-    return std::any_of(m_keys.begin(), m_keys.end(), [&key](const auto& each) { return IsBelow(each.first, key); });
+    return std::any_of(m_keys.begin(), m_keys.end(),
+                       [&key](const auto& each) { return IsBelow(each.first, key); });
 }
 
 void Catalogue::EraseKey(const std::wstring& key) {

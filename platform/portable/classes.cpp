@@ -30,8 +30,8 @@ Apartment& TheApartment() {
 std::wstring TextOf(REFCLSID classId) {
     wchar_t text[39];
     const auto* d = classId.Data4;
-    std::swprintf(text, std::size(text), L"{%08X-%04X-%04X-%02X%02X-%02X%02X%02X%02X%02X%02X}", classId.Data1, classId.Data2,
-                  classId.Data3, d[0], d[1], d[2], d[3], d[4], d[5], d[6], d[7]);
+    std::swprintf(text, std::size(text), L"{%08X-%04X-%04X-%02X%02X-%02X%02X%02X%02X%02X%02X}", classId.Data1,
+                  classId.Data2, classId.Data3, d[0], d[1], d[2], d[3], d[4], d[5], d[6], d[7]);
     return text;
 }
 
@@ -96,8 +96,9 @@ HRESULT CLSIDFromString(LPCOLESTR text, CLSID* classId) {
     unsigned field[11] = {};
     int length = 0;
     if (!text ||
-        std::swscanf(text, L"{%8x-%4x-%4x-%2x%2x-%2x%2x%2x%2x%2x%2x}%n", &field[0], &field[1], &field[2], &field[3],
-                     &field[4], &field[5], &field[6], &field[7], &field[8], &field[9], &field[10], &length) != 11 ||
+        std::swscanf(text, L"{%8x-%4x-%4x-%2x%2x-%2x%2x%2x%2x%2x%2x}%n", &field[0], &field[1], &field[2],
+                     &field[3], &field[4], &field[5], &field[6], &field[7], &field[8], &field[9], &field[10],
+                     &length) != 11 ||
         length != 38 || text[length] != L'\0')
         return CO_E_CLASSSTRING;
     classId->Data1 = field[0];
@@ -132,7 +133,8 @@ HRESULT CoCreateInstance(REFCLSID classId, IUnknown* outer, DWORD context, REFII
         return E_POINTER;
     *out = nullptr;
     IClassFactory* factory = nullptr;
-    HRESULT code = CoGetClassObject(classId, context, nullptr, IID_IClassFactory, reinterpret_cast<void**>(&factory));
+    HRESULT code =
+        CoGetClassObject(classId, context, nullptr, IID_IClassFactory, reinterpret_cast<void**>(&factory));
     if (SUCCEEDED(code)) {
         code = factory->CreateInstance(outer, iid, out);
         factory->Release();

@@ -16,19 +16,21 @@ inline constexpr DWORD CLSCTX_INPROC_SERVER = 1;
 
 extern "C" {
 
-/// Each successful call is matched by one CoUninitialize; the last one unloads every module that was loaded for a class.
-/// Objects must be gone by then. S_OK the first time in a process, S_FALSE afterwards.
+/// Each successful call is matched by one CoUninitialize; the last one unloads every module that was loaded
+/// for a class. Objects must be gone by then. S_OK the first time in a process, S_FALSE afterwards.
 VANT_PLATFORM_API HRESULT CoInitializeEx(void* reserved, DWORD model);
 VANT_PLATFORM_API void CoUninitialize();
 
-/// The class registered under a ProgID, with or without version, or given as "{...}" text. CO_E_CLASSSTRING where there
-/// is none.
+/// The class registered under a ProgID, with or without version, or given as "{...}" text. CO_E_CLASSSTRING
+/// where there is none.
 VANT_PLATFORM_API HRESULT CLSIDFromProgID(LPCOLESTR progId, CLSID* classId);
 VANT_PLATFORM_API HRESULT CLSIDFromString(LPCOLESTR text, CLSID* classId);
 
-/// Loads the module registered for the class and asks it for the class object. REGDB_E_CLASSNOTREG where none is
-/// registered, CO_E_DLLNOTFOUND where its module cannot be loaded, CO_E_ERRORINDLL where that is no component server,
-/// CO_E_NOTINITIALIZED before CoInitializeEx; else the module's answer.
-VANT_PLATFORM_API HRESULT CoGetClassObject(REFCLSID classId, DWORD context, void* server, REFIID iid, void** out);
-VANT_PLATFORM_API HRESULT CoCreateInstance(REFCLSID classId, IUnknown* outer, DWORD context, REFIID iid, void** out);
+/// Loads the module registered for the class and asks it for the class object. REGDB_E_CLASSNOTREG where none
+/// is registered, CO_E_DLLNOTFOUND where its module cannot be loaded, CO_E_ERRORINDLL where that is no
+/// component server, CO_E_NOTINITIALIZED before CoInitializeEx; else the module's answer.
+VANT_PLATFORM_API HRESULT CoGetClassObject(REFCLSID classId, DWORD context, void* server, REFIID iid,
+                                           void** out);
+VANT_PLATFORM_API HRESULT CoCreateInstance(REFCLSID classId, IUnknown* outer, DWORD context, REFIID iid,
+                                           void** out);
 }

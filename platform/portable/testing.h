@@ -9,8 +9,8 @@ namespace vant::testing {
 /// Number of BSTRs of this process that are allocated and not yet freed.
 VANT_PLATFORM_API std::size_t LiveBstrCount() noexcept;
 
-/// Asked before each BSTR allocation; answering false makes that allocation fail. Null removes the hook. Install
-/// and remove it while no other thread allocates.
+/// Asked before each BSTR allocation; answering false makes that allocation fail. Null removes the hook.
+/// Install and remove it while no other thread allocates.
 using BstrAllocationHook = bool (*)() noexcept;
 VANT_PLATFORM_API void SetBstrAllocationHook(BstrAllocationHook hook) noexcept;
 

@@ -1,6 +1,7 @@
 #pragma once
 
-// Scalar types and result codes with the sizes they have on Windows: LONG and HRESULT are 32 bits on every system.
+// Scalar types and result codes with the sizes they have on Windows: LONG and HRESULT are 32 bits on every
+// system.
 
 #include <cstddef>
 #include <cstdint>

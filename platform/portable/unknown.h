@@ -12,7 +12,8 @@ inline constexpr IID IID_IClassFactory = {0x00000001, 0x0000, 0x0000, {0xC0, 0, 
 inline constexpr IID IID_IDispatch = {0x00020400, 0x0000, 0x0000, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
 inline constexpr IID IID_NULL = {};
 
-// Interfaces have no virtual destructor: objects end through Release alone, and a destructor would take a slot.
+// Interfaces have no virtual destructor: objects end through Release alone, and a destructor would take a
+// slot.
 
 struct IUnknown {
     virtual HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) = 0;

@@ -3,11 +3,10 @@
 #include "module/registration/CatalogueKeyStore.h"
 #include "module/registration/Script.h"
 
-#include <gtest/gtest.h>
-
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <gtest/gtest.h>
 #include <iterator>
 #include <stdexcept>
 #include <string>
@@ -87,7 +86,8 @@ TEST_F(CatalogueFile, ThrowingChange_LeavesTheOldFileAndNoOther) {
 }
 TEST_F(CatalogueFile, FolderThatCannotBeMade_IsReported) {
     std::ofstream(folder / "plain") << "x";
-    EXPECT_THROW(Catalogue::Change(folder / "plain" / "catalogue.txt", [](Catalogue&) {}), std::runtime_error);
+    EXPECT_THROW(Catalogue::Change(folder / "plain" / "catalogue.txt", [](Catalogue&) {}),
+                 std::runtime_error);
 }
 TEST_F(CatalogueFile, WritersAtOnce_LoseNothing) {
     constexpr int writers = 4;

@@ -1,8 +1,8 @@
 #include "module/registration/Script.h"
+
 #include "tests/unit/module/FakeKeyStore.h"
 
 #include <gtest/gtest.h>
-
 #include <string>
 
 namespace vant {
@@ -12,8 +12,12 @@ using Operations = std::vector<std::wstring>;
 
 class Script : public testing::Test {
 protected:
-    HRESULT Register(std::string_view script) { return RunScript(script, module, ScriptMode::Register, store); }
-    HRESULT Unregister(std::string_view script) { return RunScript(script, module, ScriptMode::Unregister, store); }
+    HRESULT Register(std::string_view script) {
+        return RunScript(script, module, ScriptMode::Register, store);
+    }
+    HRESULT Unregister(std::string_view script) {
+        return RunScript(script, module, ScriptMode::Unregister, store);
+    }
 
     std::wstring module = L"C:\\Service\\VantCommands.dll";
     FakeKeyStore store;
@@ -95,14 +99,17 @@ TEST_F(Script, FinalLineBreak_MakesNoDifference) {
 }
 TEST_F(Script, QuotedNames_MayHoldBlanksBracesAndKeywords) {
     EXPECT_EQ(Register("HKCR { 'val' { 'No Remove {x}' = s '' } }"), S_OK);
-    EXPECT_EQ(store.operations, (Operations{L"create val", L"create val\\No Remove {x}", L"set val\\No Remove {x} [] "}));
+    EXPECT_EQ(store.operations,
+              (Operations{L"create val", L"create val\\No Remove {x}", L"set val\\No Remove {x} [] "}));
 }
 TEST_F(Script, DoubledQuote_StandsForOne) {
     EXPECT_EQ(Register("HKCR { A = s 'it''s' }"), S_OK);
     EXPECT_EQ(store.keys[L"A"][L""], L"it's");
 }
 TEST_F(Script, SingleBytesAbove127_AreLatin1) {
-    EXPECT_EQ(Register("HKCR { A = s 'M\xFC" "ller' }"), S_OK);
+    EXPECT_EQ(Register("HKCR { A = s 'M\xFC"
+                       "ller' }"),
+              S_OK);
     EXPECT_EQ(store.keys[L"A"][L""], L"M\u00FCller");
 }
 TEST_F(Script, ModulePath_MayHoldQuotesBlanksForeignLettersAndThePlaceholder) {
@@ -124,10 +131,27 @@ TEST_F(Script, MalformedPlace_StopsThereAndKeepsWhatWasWritten) {
     EXPECT_EQ(store.operations, (Operations{L"create A", L"set A [] a"}));
 }
 TEST_F(Script, MalformedScripts_AreRefusedWithNothingWritten) {
-    for (const std::string_view script :
-         {"", "HKCR", "HKCR {", "HKCR { } }", "HKLM { }", "{ }", "HKCR { A", "HKCR { = s 'x' }", "HKCR { '' }",
-          "HKCR { A = 'x' }", "HKCR { A = d '1' }", "HKCR { A = s x }", "HKCR{ A }", "HKCR { A = s 'x }", "HKCR { val A = s 'x' }",
-          "HKCR { NoRemove }", "HKCR { 'A }", "'HKCR' { }", "HKCR { ForceRemove '\\' }", "HKCR { \\A }", "HKCR { A\\B }"}) {
+    for (const std::string_view script : {"",
+                                          "HKCR",
+                                          "HKCR {",
+                                          "HKCR { } }",
+                                          "HKLM { }",
+                                          "{ }",
+                                          "HKCR { A",
+                                          "HKCR { = s 'x' }",
+                                          "HKCR { '' }",
+                                          "HKCR { A = 'x' }",
+                                          "HKCR { A = d '1' }",
+                                          "HKCR { A = s x }",
+                                          "HKCR{ A }",
+                                          "HKCR { A = s 'x }",
+                                          "HKCR { val A = s 'x' }",
+                                          "HKCR { NoRemove }",
+                                          "HKCR { 'A }",
+                                          "'HKCR' { }",
+                                          "HKCR { ForceRemove '\\' }",
+                                          "HKCR { \\A }",
+                                          "HKCR { A\\B }"}) {
         FakeKeyStore untouched;
         EXPECT_EQ(RunScript(script, module, ScriptMode::Register, untouched), scriptMalformed) << script;
         EXPECT_EQ(untouched.keys.size(), script == "HKCR { A" ? 1U : 0U) << script;

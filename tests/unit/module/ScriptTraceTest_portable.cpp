@@ -3,7 +3,6 @@
 #include "tests/unit/module/FakeKeyStore.h"
 
 #include <gtest/gtest.h>
-
 #include <string>
 
 namespace vant {

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "host/procedure/Diagnostic.h"
+#include "host/record/Value.h"
+
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace vant {
+
+/// A text and where it stands in the procedure file.
+struct Located {
+    std::string text;
+    Position position;
+};
+
+struct Property {
+    Located name;
+    Located value;
+};
+
+struct Command {
+    Position position; ///< Of the command's id.
+    Located className;
+    std::vector<Property> properties; ///< In the file's order.
+};
+
+/// How a procedure ended.
+enum class Verdict { Passed, Failed, Aborted };
+
+/// A step runs commands and leads on to another step, or ends the procedure.
+struct Step {
+    Position position; ///< Of the step's id.
+    std::vector<Located> run;
+    std::optional<Located> next;
+    std::optional<Located> failed;
+    std::map<std::string, Located> on; ///< Transition id to step.
+    std::optional<Verdict> end;
+};
+
+/// A diagnostic procedure. Every name in it that refers to something exists; see docs/procedures.md for the
+/// meaning.
+struct Procedure {
+    std::string name;
+    Located start;
+    std::map<std::string, Value> data;
+    std::map<std::string, Command> commands;
+    std::map<std::string, Step> steps;
+};
+
+} // namespace vant

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "host/procedure/Diagnostic.h"
+#include "host/procedure/Procedure.h"
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace vant {
+
+/// The bytes of a file. Throws std::runtime_error with the system's reason where it cannot be read.
+std::string ReadFile(const std::filesystem::path& file);
+
+/// Reads a procedure from its TOML text. Every mistake goes into `found`; the result is a whole procedure
+/// only where `found` then has no errors. After a mistake of TOML's own syntax nothing further is looked at.
+Procedure ReadProcedure(std::string_view toml, Diagnostics& found);
+
+} // namespace vant

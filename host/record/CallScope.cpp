@@ -1,0 +1,44 @@
+#include "host/record/CallScope.h"
+
+#include <utility>
+
+namespace vant {
+
+namespace {
+
+// Plain pointers: the Windows compiler's runtime frees a thread's variables before it would destroy them.
+thread_local const CommandScope* innermostCommand = nullptr;
+thread_local const ThreadScope* innermostThread = nullptr;
+
+} // namespace
+
+CommandScope::CommandScope(std::string commandId)
+    : m_commandId(std::move(commandId)), m_outer(innermostCommand), m_depth(CommandDepth() + 1) {
+    innermostCommand = this;
+}
+
+CommandScope::~CommandScope() {
+    innermostCommand = m_outer;
+}
+
+ThreadScope::ThreadScope(std::string name) : m_name(std::move(name)), m_outer(innermostThread) {
+    innermostThread = this;
+}
+
+ThreadScope::~ThreadScope() {
+    innermostThread = m_outer;
+}
+
+std::string CurrentCommand() {
+    return innermostCommand ? innermostCommand->CommandId() : std::string();
+}
+
+std::size_t CommandDepth() noexcept {
+    return innermostCommand ? innermostCommand->Depth() : 0;
+}
+
+std::string CurrentThread() {
+    return innermostThread ? innermostThread->Name() : "main";
+}
+
+} // namespace vant

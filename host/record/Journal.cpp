@@ -1,0 +1,42 @@
+#include "host/record/Journal.h"
+
+#include "host/record/CallScope.h"
+
+#include <algorithm>
+#include <chrono>
+
+namespace vant {
+
+const Value* Record::Find(std::string_view name) const {
+    const auto found = std::find_if(arguments.begin(), arguments.end(),
+                                    [name](const Argument& argument) { return argument.name == name; });
+    return found == arguments.end() ? nullptr : &found->value;
+}
+
+std::string Record::Text(std::string_view name) const {
+    const Value* const value = Find(name);
+    const auto* const text = value ? std::get_if<std::string>(value) : nullptr;
+    return text ? *text : std::string();
+}
+
+Journal::Journal()
+    : Journal([start = std::chrono::steady_clock::now()] {
+          const auto passed = std::chrono::steady_clock::now() - start;
+          return static_cast<std::int64_t>(
+              std::chrono::duration_cast<std::chrono::milliseconds>(passed).count());
+      }) {}
+
+void Journal::Add(Record record) noexcept {
+    try {
+        record.thread = CurrentThread();
+        record.command = CurrentCommand();
+        const std::lock_guard lock(m_order);
+        record.time = m_clock();
+        for (const Observer& observer : m_observers)
+            observer(record);
+    } catch (...) {
+        m_complete = false;
+    }
+}
+
+} // namespace vant

@@ -1,0 +1,55 @@
+#include "host/record/Json.h"
+
+#include <array>
+#include <cmath>
+#include <cstdint>
+
+namespace vant {
+
+namespace {
+
+struct JsonMaker {
+    Json operator()(double number) const {
+        if (std::isnan(number))
+            return "NaN";
+        if (std::isinf(number))
+            return number > 0 ? "Infinity" : "-Infinity";
+        return number;
+    }
+    template <class Other>
+    Json operator()(const Other& value) const {
+        return value;
+    }
+};
+
+} // namespace
+
+Json ToJson(const Value& value) {
+    return std::visit(JsonMaker{}, value);
+}
+
+std::string ToText(HRESULT code) {
+    constexpr std::array digits = {'0', '1', '2', '3', '4', '5', '6', '7',
+                                   '8', '9', 'A', 'B', 'C', 'D', 'E', 'F'};
+    std::string result = "0x";
+    for (int shift = 28; shift >= 0; shift -= 4)
+        result.push_back(digits[static_cast<std::uint32_t>(code) >> shift & 0xF]);
+    return result;
+}
+
+Json ToJson(const Record& record) {
+    Json arguments = Json::object();
+    for (const Argument& argument : record.arguments)
+        arguments[argument.name] = ToJson(argument.value);
+    Json result;
+    result["time"] = record.time;
+    result["thread"] = record.thread;
+    result["command"] = record.command.empty() ? Json() : Json(record.command);
+    result["service"] = record.service;
+    result["operation"] = record.operation;
+    result["arguments"] = std::move(arguments);
+    result["result"] = record.result ? Json(ToText(*record.result)) : Json();
+    return result;
+}
+
+} // namespace vant

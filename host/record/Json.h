@@ -1,0 +1,38 @@
+#pragma once
+
+#include "host/record/Journal.h"
+
+#include <nlohmann/json.hpp>
+#include <ostream>
+#include <string>
+
+namespace vant {
+
+/// JSON whose keys keep the order in which they were added.
+using Json = nlohmann::ordered_json;
+
+/// A number, a text, true, false or null. Numbers that JSON cannot write become the texts "NaN", "Infinity"
+/// and
+/// "-Infinity".
+Json ToJson(const Value& value);
+
+/// "0x" and eight hexadecimal digits.
+std::string ToText(HRESULT code);
+
+/// The keys time, thread, command, service, operation, arguments, result, in this order. `command` and
+/// `result` are null where the record has none; a result is the text that ToText gives.
+Json ToJson(const Record& record);
+
+/// Writes each record as one line of JSON in UTF-8, ended by "\n". What the stream cannot take shows in the
+/// stream's state.
+class JsonLinesWriter {
+public:
+    /// The stream must outlive the writer and be open in binary mode.
+    explicit JsonLinesWriter(std::ostream& out) : m_out(out) {}
+    void operator()(const Record& record) { m_out << ToJson(record).dump() << '\n'; }
+
+private:
+    std::ostream& m_out;
+};
+
+} // namespace vant

@@ -1,0 +1,46 @@
+#include "host/runner/Module.h"
+
+#include "framework/interfaces/ClassIds.h"
+#include "platform/Utf8.h"
+
+namespace vant {
+
+std::vector<std::string> ClassNames() {
+    std::vector<std::string> names;
+    for (const ClassRow& row : classTable)
+        names.push_back(ToUtf8(row.name));
+    return names;
+}
+
+Module::Module(const std::filesystem::path& file)
+    : m_library(file), m_getClassObject(m_library.Find<GetClassObjectFunction>("DllGetClassObject")),
+      m_canUnloadNow(m_library.Find<PlainFunction>("DllCanUnloadNow")) {}
+
+HRESULT Module::Create(std::string_view className, CComPtr<IVantCommand>& command) const {
+    const std::wstring name = ToWide(className);
+    for (const ClassRow& row : classTable) {
+        if (name != row.name)
+            continue;
+        CComPtr<IClassFactory> factory;
+        const HRESULT code =
+            m_getClassObject(*row.classId, IID_IClassFactory, reinterpret_cast<void**>(&factory));
+        if (FAILED(code))
+            return code;
+        return factory->CreateInstance(nullptr, IID_IVantCommand, reinterpret_cast<void**>(&command));
+    }
+    return CLASS_E_CLASSNOTAVAILABLE;
+}
+
+bool Module::CanUnload() const {
+    return m_canUnloadNow() == S_OK;
+}
+
+HRESULT Module::Register() const {
+    return m_library.Find<PlainFunction>("DllRegisterServer")();
+}
+
+HRESULT Module::Unregister() const {
+    return m_library.Find<PlainFunction>("DllUnregisterServer")();
+}
+
+} // namespace vant

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "host/runner/CommandFactory.h"
+#include "platform/DynamicLibrary.h"
+#include "platform/system.h"
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace vant {
+
+/// The names of all command classes, whether the module has them yet or not.
+std::vector<std::string> ClassNames();
+
+/// The module of the command classes, loaded for as long as this object lives and used through its exported
+/// entry points alone.
+class Module final : public CommandFactory {
+public:
+    /// Throws std::runtime_error with the reason where the file cannot be loaded or is no such module.
+    explicit Module(const std::filesystem::path& file);
+
+    HRESULT Create(std::string_view className, CComPtr<IVantCommand>& command) const override;
+
+    /// Whether no command and no lock of the module is left.
+    bool CanUnload() const override;
+
+    /// Registers the module's classes with the system, or removes the registration; the module's own answer.
+    HRESULT Register() const;
+    HRESULT Unregister() const;
+
+private:
+    using GetClassObjectFunction = HRESULT STDAPICALLTYPE(REFCLSID classId, REFIID iid, void** out);
+    using PlainFunction = HRESULT STDAPICALLTYPE();
+
+    DynamicLibrary m_library;
+    GetClassObjectFunction* m_getClassObject;
+    PlainFunction* m_canUnloadNow;
+};
+
+} // namespace vant

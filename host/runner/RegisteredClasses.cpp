@@ -1,0 +1,50 @@
+#include "host/runner/RegisteredClasses.h"
+
+#include "framework/interfaces/ClassIds.h"
+#include "host/runner/Module.h"
+#include "platform/ClassRegistration.h"
+#include "platform/Utf8.h"
+
+#include <algorithm>
+#include <stdexcept>
+
+namespace vant {
+
+namespace {
+
+std::wstring ProgIdOf(std::wstring_view className) {
+    return std::wstring(L"VantCommands.").append(className);
+}
+
+} // namespace
+
+RegisteredClasses::RegisteredClasses() {
+    if (FAILED(CoInitializeEx(nullptr, COINIT_MULTITHREADED)))
+        throw std::runtime_error("the system's components cannot be used");
+}
+
+RegisteredClasses::~RegisteredClasses() {
+    CoUninitialize();
+}
+
+HRESULT RegisteredClasses::Create(std::string_view className, CComPtr<IVantCommand>& command) const {
+    const auto names = ClassNames();
+    if (std::find(names.begin(), names.end(), className) == names.end())
+        return CLASS_E_CLASSNOTAVAILABLE;
+    CLSID classId = {};
+    if (FAILED(CLSIDFromProgID(ProgIdOf(ToWide(className)).c_str(), &classId)))
+        return REGDB_E_CLASSNOTREG;
+    return CoCreateInstance(classId, nullptr, CLSCTX_INPROC_SERVER, IID_IVantCommand,
+                            reinterpret_cast<void**>(&command));
+}
+
+std::vector<RegisteredClass> ListRegisteredClasses() {
+    std::vector<RegisteredClass> found;
+    for (const ClassRow& row : classTable) {
+        if (const auto module = RegisteredModule(row.clsid))
+            found.push_back({ToUtf8(ProgIdOf(row.name)), ToUtf8(std::wstring(row.clsid)), ToUtf8(*module)});
+    }
+    return found;
+}
+
+} // namespace vant

@@ -1,0 +1,157 @@
+#include "host/runner/Runner.h"
+
+#include "host/record/CallScope.h"
+#include "host/services/Codes.h"
+
+#include <set>
+#include <utility>
+
+namespace vant {
+
+namespace {
+
+Value TextOrNull(const std::string& text) {
+    return text.empty() ? Value(nullptr) : Value(text);
+}
+
+const char* NameOf(Verdict verdict) {
+    switch (verdict) {
+    case Verdict::Passed:
+        return "passed";
+    case Verdict::Failed:
+        return "failed";
+    default:
+        return "aborted";
+    }
+}
+
+} // namespace
+
+Runner::Runner(const Procedure& procedure, const CommandFactory& factory, Journal& journal)
+    : m_procedure(procedure), m_factory(factory), m_journal(journal),
+      m_services(journal, [this](const std::string& id) { return RunCommand(id); }) {}
+
+Verdict Runner::Run() {
+    Tell("ProcedureStarted", {{"name", m_procedure.name}});
+    for (const auto& [name, value] : m_procedure.data) {
+        m_services.dataStore.Set(name, ToVariant(value));
+        Tell("DataGiven", {{"name", name}, {"value", value}});
+    }
+    const Ending ending = RunSteps();
+    for (const auto& [name, value] : m_services.dataStore.Entries())
+        Tell("DataLeft", {{"name", name}, {"value", value}});
+    Tell("ProcedureEnded", {{"verdict", NameOf(ending.verdict)}, {"reason", ending.reason}});
+    return ending.verdict;
+}
+
+Runner::Ending Runner::RunSteps() {
+    std::set<std::string> everyStep;
+    for (const auto& [id, step] : m_procedure.steps)
+        everyStep.insert(id);
+
+    std::string current = m_procedure.start.text;
+    while (!m_aborted) {
+        const Step& step = m_procedure.steps.at(current);
+        Tell("StepEntered", {{"step", current}});
+        if (step.end)
+            return {*step.end, "step '" + current + "'"};
+
+        std::set<std::string> transitions = everyStep;
+        for (const auto& [id, target] : step.on)
+            transitions.insert(id);
+        m_services.procedureController.EnterStep(std::move(transitions));
+
+        const std::optional<std::string> failedCommand = RunCommandsOf(step);
+        if (m_aborted)
+            break;
+        std::string key;
+        const std::string* const target = TargetOf(step, !failedCommand, key);
+        if (!target && failedCommand)
+            return {Verdict::Failed, "command '" + *failedCommand + "' failed in step '" + current + "'"};
+        if (!target)
+            return {Verdict::Failed, "no transition was chosen in step '" + current + "'"};
+        const std::optional<std::string> chosen = m_services.procedureController.Chosen();
+        Tell("TransitionFollowed", {{"from", current},
+                                    {"to", *target},
+                                    {"key", key},
+                                    {"transitionId", chosen ? Value(*chosen) : Value(nullptr)}});
+        current = *target;
+    }
+    return {Verdict::Aborted, "interrupted"};
+}
+
+std::optional<std::string> Runner::RunCommandsOf(const Step& step) {
+    for (const Located& id : step.run) {
+        if (m_aborted || m_services.procedureController.Chosen())
+            break;
+        if (FAILED(RunCommand(id.text)))
+            return id.text;
+    }
+    return std::nullopt;
+}
+
+const std::string* Runner::TargetOf(const Step& step, bool succeeded, std::string& key) const {
+    if (const std::optional<std::string> chosen = m_services.procedureController.Chosen()) {
+        key = "on";
+        const auto entry = step.on.find(*chosen);
+        return entry != step.on.end() ? &entry->second.text : &m_procedure.steps.find(*chosen)->first;
+    }
+    key = succeeded ? "next" : "failed";
+    const std::optional<Located>& target = succeeded ? step.next : step.failed;
+    return target ? &target->text : nullptr;
+}
+
+HRESULT Runner::RunCommand(const std::string& id) {
+    if (m_aborted)
+        return codeAborted;
+    const auto command = m_procedure.commands.find(id);
+    if (command == m_procedure.commands.end())
+        return E_INVALIDARG;
+    if (CommandDepth() >= maxCommandDepth)
+        return HRESULT_FROM_WIN32(ERROR_STACK_OVERFLOW);
+    const std::string caller = CurrentCommand();
+    const CommandScope scope(id);
+    const char* phase = "";
+    const HRESULT result = Perform(command->second, phase);
+    Tell("CommandEnded",
+         {{"class", command->second.className.text}, {"caller", TextOrNull(caller)}, {"phase", phase}},
+         result);
+    return result;
+}
+
+HRESULT Runner::Perform(const Command& command, const char*& phase) {
+    phase = "create";
+    CComPtr<IVantCommand> object;
+    HRESULT result = m_factory.Create(command.className.text, object);
+    Tell("CommandCreated", {{"class", command.className.text}}, result);
+    if (FAILED(result))
+        return result;
+
+    phase = "initialize";
+    result = object->Initialize(&m_services.context, &m_services.controller);
+    Tell("CommandInitialized", {}, result);
+    if (FAILED(result))
+        return result;
+
+    phase = "set property";
+    for (const auto& [name, value] : command.properties) {
+        result = object->SetProperty(CComBSTR(ToWide(name.text)).Get(), CComBSTR(ToWide(value.text)).Get());
+        Tell("PropertySet", {{"name", name.text}, {"value", value.text}}, result);
+        if (FAILED(result))
+            return result;
+    }
+
+    phase = "execute";
+    return object->Execute();
+}
+
+void Runner::Tell(const char* event, std::vector<Argument> arguments, std::optional<HRESULT> result) {
+    Record record;
+    record.service = "Runner";
+    record.operation = event;
+    record.arguments = std::move(arguments);
+    record.result = result;
+    m_journal.Add(std::move(record));
+}
+
+} // namespace vant

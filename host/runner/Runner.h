@@ -1,0 +1,63 @@
+#pragma once
+
+#include "host/procedure/Procedure.h"
+#include "host/record/Journal.h"
+#include "host/runner/CommandFactory.h"
+#include "host/services/Services.h"
+
+#include <atomic>
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace vant {
+
+/// So many commands may run inside one another on one thread; RunCommand answers
+/// HRESULT_FROM_WIN32(ERROR_STACK_OVERFLOW) to a request for one more.
+inline constexpr std::size_t maxCommandDepth = 32;
+
+/// Executes one procedure once. What happens is told through the journal alone: the calls of the commands,
+/// and as records of the service "Runner" the events ProcedureStarted, DataGiven, StepEntered,
+/// CommandCreated, CommandInitialized, PropertySet, CommandEnded, TransitionFollowed, DataLeft and
+/// ProcedureEnded.
+class Runner {
+public:
+    /// All three must outlive the runner. The procedure must be free of errors.
+    Runner(const Procedure& procedure, const CommandFactory& factory, Journal& journal);
+
+    /// Runs the procedure to its end on the calling thread. Once.
+    Verdict Run();
+
+    /// Asks the run to end before the next command or step; commands that are asked for after that are
+    /// refused with codeAborted. Any thread may call, and a signal handler too.
+    void Abort() noexcept { m_aborted.store(true); }
+
+    /// The names of the host's objects that commands still hold; after a run, a command that leaks.
+    std::vector<std::string> StillHeld() const { return m_services.StillHeld(); }
+
+private:
+    struct Ending {
+        Verdict verdict;
+        std::string reason;
+    };
+
+    Ending RunSteps();
+    /// Runs the commands of a step, up to the first that fails or after which a transition has been chosen.
+    /// The id of the one that failed, else nothing.
+    std::optional<std::string> RunCommandsOf(const Step& step);
+    /// The step to which `step` leads; null where it leads to none. `key` becomes the key that says so.
+    const std::string* TargetOf(const Step& step, bool succeeded, std::string& key) const;
+    HRESULT RunCommand(const std::string& id);
+    HRESULT Perform(const Command& command, const char*& phase);
+    void Tell(const char* event, std::vector<Argument> arguments, std::optional<HRESULT> result = {});
+
+    const Procedure& m_procedure;
+    const CommandFactory& m_factory;
+    Journal& m_journal;
+    Services m_services;
+    std::atomic<bool> m_aborted{false};
+    static_assert(std::atomic<bool>::is_always_lock_free);
+};
+
+} // namespace vant

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "framework/interfaces/HostServices.h"
+#include "host/services/HostObject.h"
+
+#include <functional>
+#include <string>
+#include <utility>
+
+namespace vant {
+
+/// Lets commands run other commands of the procedure.
+class CommandRunner final : public HostObject<ICommandRunner> {
+public:
+    /// Creates and executes the command of that id, on the calling thread, and answers its result.
+    using Run = std::function<HRESULT(const std::string& commandId)>;
+
+    CommandRunner(Journal& journal, Run run) : HostObject(journal, "CommandRunner"), m_run(std::move(run)) {}
+
+    HRESULT STDMETHODCALLTYPE RunCommand(BSTR commandId) override;
+    /// The same as RunCommand: the command runs on the thread that asks.
+    HRESULT STDMETHODCALLTYPE RunCommandFromThread(BSTR commandId) override;
+
+private:
+    const Run m_run;
+};
+
+} // namespace vant

@@ -1,0 +1,30 @@
+#include "host/services/ProcedureController.h"
+
+#include <utility>
+
+namespace vant {
+
+HRESULT ProcedureController::SetTransition(BSTR transitionId) {
+    return Answer("SetTransition", [&](Record& record) -> HRESULT {
+        std::string id = ToUtf8(TextOf(transitionId));
+        record.Add("transitionId", id);
+        const std::lock_guard lock(m_access);
+        if (!m_transitions.contains(id))
+            return E_INVALIDARG;
+        m_chosen = std::move(id);
+        return S_OK;
+    });
+}
+
+void ProcedureController::EnterStep(std::set<std::string> transitions) {
+    const std::lock_guard lock(m_access);
+    m_transitions = std::move(transitions);
+    m_chosen.reset();
+}
+
+std::optional<std::string> ProcedureController::Chosen() const {
+    const std::lock_guard lock(m_access);
+    return m_chosen;
+}
+
+} // namespace vant

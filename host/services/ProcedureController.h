@@ -1,0 +1,37 @@
+#pragma once
+
+#include "framework/interfaces/HostServices.h"
+#include "host/services/HostObject.h"
+
+#include <mutex>
+#include <optional>
+#include <set>
+#include <string>
+
+namespace vant {
+
+/// Keeps the transition that commands choose for the step at work. Any thread may call.
+class ProcedureController final : public HostObject<IProcedureController> {
+public:
+    explicit ProcedureController(Journal& journal) : HostObject(journal, "ProcedureController") {}
+
+    HRESULT STDMETHODCALLTYPE Reserved3() override { return Refuse("Reserved3"); }
+    HRESULT STDMETHODCALLTYPE Reserved4() override { return Refuse("Reserved4"); }
+    HRESULT STDMETHODCALLTYPE Reserved5() override { return Refuse("Reserved5"); }
+    HRESULT STDMETHODCALLTYPE Reserved6() override { return Refuse("Reserved6"); }
+    /// The last choice counts. E_INVALIDARG, and an earlier choice stays, for an id that leads nowhere from
+    /// this step.
+    HRESULT STDMETHODCALLTYPE SetTransition(BSTR transitionId) override;
+
+    /// Begins a step: forgets what was chosen, and from now on accepts these ids.
+    void EnterStep(std::set<std::string> transitions);
+    /// What was chosen since the step began.
+    std::optional<std::string> Chosen() const;
+
+private:
+    mutable std::mutex m_access;
+    std::set<std::string> m_transitions;
+    std::optional<std::string> m_chosen;
+};
+
+} // namespace vant

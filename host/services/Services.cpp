@@ -1,0 +1,34 @@
+#include "host/services/Services.h"
+
+#include <utility>
+
+namespace vant {
+
+Services::Services(Journal& journal, CommandRunner::Run run)
+    : commandRunner(journal, std::move(run)), componentService(journal), service3(journal, "Service3"),
+      dataStore(journal), presentationService(journal), threadService(journal), service7(journal, "Service7"),
+      procedureController(journal), parameterService(journal), controller(journal),
+      context(journal, {&procedureController, &commandRunner, &componentService, &service7, &service3,
+                        &presentationService, &dataStore, &threadService, &parameterService}) {}
+
+std::vector<std::string> Services::StillHeld() const {
+    std::vector<std::string> held;
+    const auto look = [&held](const auto& object) {
+        if (object.References() != 0)
+            held.push_back(object.Name());
+    };
+    look(context);
+    look(controller);
+    look(commandRunner);
+    look(componentService);
+    look(service3);
+    look(dataStore);
+    look(presentationService);
+    look(threadService);
+    look(service7);
+    look(procedureController);
+    look(parameterService);
+    return held;
+}
+
+} // namespace vant

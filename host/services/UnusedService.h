@@ -1,0 +1,16 @@
+#pragma once
+
+#include "host/services/HostObject.h"
+
+#include <string>
+#include <utility>
+
+namespace vant {
+
+/// A service that commands ask for and hold, but never call.
+class UnusedService final : public HostObject<IUnknown> {
+public:
+    UnusedService(Journal& journal, std::string name) : HostObject(journal, std::move(name)) {}
+};
+
+} // namespace vant

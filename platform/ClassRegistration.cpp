@@ -1,0 +1,58 @@
+#include "platform/ClassRegistration.h"
+
+#ifdef _WIN32
+#include <vector>
+#else
+#include "platform/portable/catalogue.h"
+
+#include <exception>
+#endif
+
+namespace vant {
+
+#ifdef _WIN32
+
+HRESULT RegisterForUserOnly() {
+    HKEY classes = nullptr;
+    LSTATUS status = RegCreateKeyExW(HKEY_CURRENT_USER, L"Software\\Classes", 0, nullptr, 0, KEY_ALL_ACCESS,
+                                     nullptr, &classes, nullptr);
+    if (status == ERROR_SUCCESS) {
+        status = RegOverridePredefKey(HKEY_CLASSES_ROOT, classes);
+        RegCloseKey(classes);
+    }
+    return HRESULT_FROM_WIN32(static_cast<DWORD>(status));
+}
+
+std::optional<std::wstring> RegisteredModule(const std::wstring& classIdText) {
+    const std::wstring key = L"CLSID\\" + classIdText + L"\\InprocServer32";
+    DWORD size = 0;
+    if (RegGetValueW(HKEY_CLASSES_ROOT, key.c_str(), nullptr, RRF_RT_REG_SZ, nullptr, nullptr, &size) !=
+        ERROR_SUCCESS)
+        return std::nullopt;
+    std::vector<wchar_t> text(size / sizeof(wchar_t) + 1);
+    if (RegGetValueW(HKEY_CLASSES_ROOT, key.c_str(), nullptr, RRF_RT_REG_SZ, nullptr, text.data(), &size) !=
+        ERROR_SUCCESS)
+        return std::nullopt;
+    return std::wstring(text.data());
+}
+
+#else
+
+HRESULT RegisterForUserOnly() {
+    return S_OK;
+}
+
+std::optional<std::wstring> RegisteredModule(const std::wstring& classIdText) {
+    try {
+        const Catalogue catalogue = Catalogue::Read(Catalogue::File());
+        const std::wstring* const module =
+            catalogue.Find(L"CLSID\\" + classIdText + L"\\InprocServer32", L"");
+        return module ? std::optional(*module) : std::nullopt;
+    } catch (const std::exception&) {
+        return std::nullopt;
+    }
+}
+
+#endif
+
+} // namespace vant

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "host/runner/Module.h"
+#include "platform/Process.h"
+
+namespace vant::test {
+
+/// The module that was built beside this test program.
+inline std::filesystem::path BuiltModuleFile() {
+    return ProgramFolder() / LibraryFileName("VantCommands");
+}
+
+} // namespace vant::test

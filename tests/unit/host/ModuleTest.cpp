@@ -1,0 +1,56 @@
+#include "framework/interfaces/ClassIds.h"
+#include "platform/Utf8.h"
+#include "tests/unit/host/BuiltModule.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <stdexcept>
+
+namespace vant {
+
+namespace {
+
+TEST(Module, EveryBuiltClass_IsCreatedByName) {
+    const Module module(test::BuiltModuleFile());
+    for (const ClassRow& row : classTable) {
+        CComPtr<IVantCommand> command;
+        const HRESULT expected = row.built ? S_OK : CLASS_E_CLASSNOTAVAILABLE;
+        EXPECT_EQ(module.Create(ToUtf8(row.name), command), expected) << ToUtf8(std::wstring_view(row.name));
+        EXPECT_EQ(static_cast<bool>(command), row.built);
+    }
+}
+
+TEST(Module, UnknownClass_IsNotAvailable) {
+    const Module module(test::BuiltModuleFile());
+    CComPtr<IVantCommand> command;
+    EXPECT_EQ(module.Create("calculator", command), CLASS_E_CLASSNOTAVAILABLE);
+    EXPECT_FALSE(command);
+}
+
+TEST(Module, LiveCommand_ForbidsUnloading) {
+    const Module module(test::BuiltModuleFile());
+    EXPECT_TRUE(module.CanUnload());
+    CComPtr<IVantCommand> command;
+    ASSERT_EQ(module.Create("Calculator", command), S_OK);
+    EXPECT_FALSE(module.CanUnload());
+    command.Release();
+    EXPECT_TRUE(module.CanUnload());
+}
+
+TEST(Module, FileThatIsMissing_Throws) {
+    EXPECT_THROW(Module(ProgramFolder() / "missing.library"), std::runtime_error);
+}
+
+TEST(Module, FileThatIsNoLibrary_Throws) {
+    EXPECT_THROW(Module{ProgramFolder()}, std::runtime_error);
+}
+
+TEST(ClassNames, AreThoseOfTheTable) {
+    const std::vector<std::string> names = ClassNames();
+    EXPECT_EQ(names.size(), std::size(classTable));
+    EXPECT_EQ(std::count(names.begin(), names.end(), "Calculator"), 1);
+}
+
+} // namespace
+
+} // namespace vant

@@ -1,0 +1,48 @@
+#include "host/record/ResultReport.h"
+
+#include <gtest/gtest.h>
+
+namespace vant {
+
+namespace {
+
+Record Event(const char* operation, std::vector<Argument> arguments) {
+    Record record;
+    record.service = "Runner";
+    record.operation = operation;
+    record.arguments = std::move(arguments);
+    return record;
+}
+
+TEST(ResultReport, IsMadeFromTheRunnersRecords) {
+    ResultReport report;
+    report(Event("ProcedureStarted", {{"name", "Check"}}));
+    report(Event("StepEntered", {{"step", "measure"}}));
+    Record ended =
+        Event("CommandEnded", {{"class", "Calculator"}, {"caller", nullptr}, {"phase", "execute"}});
+    ended.command = "drop";
+    ended.result = E_FAIL;
+    report(ended);
+    report(Event("TransitionFollowed", {{"from", "measure"}, {"to", "done"}}));
+    report(Event("StepEntered", {{"step", "done"}}));
+    report(Event("DataLeft", {{"name", "drop"}, {"value", "3"}}));
+    report(Event("ProcedureEnded", {{"verdict", "passed"}, {"reason", "step 'done'"}}));
+    EXPECT_EQ(report.Result().dump(),
+              R"({"procedure":"Check","verdict":"passed","reason":"step 'done'","steps":[{"step":"measure",)"
+              R"("commands":[{"command":"drop","class":"Calculator","caller":null,"phase":"execute",)"
+              R"("result":"0x80004005"}],"next":"done"},{"step":"done","commands":[],"next":null}],)"
+              R"("data":{"drop":"3"}})");
+}
+
+TEST(ResultReport, CallsOfCommands_AreNoPartOfIt) {
+    ResultReport report;
+    const Json before = report.Result();
+    Record call = Event("ProcedureEnded", {{"verdict", "passed"}});
+    call.service = "DataStore";
+    report(call);
+    EXPECT_EQ(report.Result(), before);
+}
+
+} // namespace
+
+} // namespace vant

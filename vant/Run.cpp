@@ -1,0 +1,187 @@
+#include "vant/Run.h"
+
+#include "host/procedure/ProcedureCheck.h"
+#include "host/procedure/ProcedureReader.h"
+#include "host/record/Json.h"
+#include "host/record/ResultReport.h"
+#include "host/runner/Module.h"
+#include "host/runner/RegisteredClasses.h"
+#include "host/runner/Runner.h"
+#include "platform/Process.h"
+#include "platform/Utf8.h"
+#include "vant/ConsoleReport.h"
+
+#include <atomic>
+#include <cerrno>
+#include <cstdlib>
+#include <fstream>
+#include <iostream>
+#include <memory>
+#include <stdexcept>
+#include <string_view>
+#include <system_error>
+
+namespace vant {
+
+namespace {
+
+/// Ends the run with an exit code and a message.
+class Stop : public std::runtime_error {
+public:
+    Stop(ExitCode code, const std::string& message) : std::runtime_error(message), m_code(code) {}
+    ExitCode Code() const noexcept { return m_code; }
+
+private:
+    ExitCode m_code;
+};
+
+std::atomic<Runner*> interruptible{nullptr};
+
+void Interrupt() {
+    if (Runner* const runner = interruptible)
+        runner->Abort();
+}
+
+/// Lets the user interrupt a run for as long as this object lives.
+class InterruptScope {
+public:
+    explicit InterruptScope(Runner& runner) {
+        interruptible = &runner;
+        OnFirstInterrupt(Interrupt);
+    }
+    ~InterruptScope() { interruptible = nullptr; }
+    InterruptScope(const InterruptScope&) = delete;
+    InterruptScope& operator=(const InterruptScope&) = delete;
+};
+
+void Print(const Diagnostics& found, const std::string& file) {
+    for (const Diagnostic& each : found.Sorted())
+        std::cerr << each.Text(file) << '\n';
+}
+
+std::string ReadInput(const std::string& file) {
+    try {
+        return ReadFile(PathFromUtf8(file));
+    } catch (const std::exception& failure) {
+        throw Stop(ExitCode::WrongInput, file + ": " + failure.what());
+    }
+}
+
+std::unique_ptr<CommandFactory> OpenCommands(const RunOptions& options) {
+    if (options.registered)
+        return std::make_unique<RegisteredClasses>();
+    try {
+        return std::make_unique<Module>(PathFromUtf8(options.module));
+    } catch (const std::exception& failure) {
+        throw Stop(ExitCode::Broken, "cannot load the module " + options.module + ": " + failure.what());
+    }
+}
+
+void OpenJournal(std::ofstream& out, const RunOptions& options) {
+    const std::filesystem::path file = PathFromUtf8(options.journal);
+    std::error_code unknown;
+    if (std::filesystem::equivalent(file, PathFromUtf8(options.procedure), unknown))
+        throw Stop(ExitCode::WrongInput, options.journal + ": the journal would overwrite the procedure");
+    errno = 0;
+    out.open(file, std::ios::binary | std::ios::trunc);
+    if (!out)
+        throw Stop(ExitCode::WrongInput, options.journal + ": cannot write the journal: " +
+                                             std::generic_category().message(errno ? errno : EIO));
+}
+
+bool WantsColour() {
+    const char* const noColour = std::getenv("NO_COLOR");
+    return OutputIsTerminal() && !(noColour && *noColour);
+}
+
+ExitCode ExitCodeOf(Verdict verdict) {
+    switch (verdict) {
+    case Verdict::Passed:
+        return ExitCode::Passed;
+    case Verdict::Failed:
+        return ExitCode::Failed;
+    default:
+        return ExitCode::Aborted;
+    }
+}
+
+/// What must hold after every run, however it ended.
+void CheckAfterwards(const Runner& runner, const CommandFactory& commands) {
+    if (const auto held = runner.StillHeld(); !held.empty()) {
+        std::string names;
+        for (const std::string& name : held)
+            names += (names.empty() ? "" : ", ") + name;
+        throw Stop(ExitCode::Broken, "commands still hold parts of the host after the run: " + names);
+    }
+    if (!commands.CanUnload())
+        throw Stop(ExitCode::Broken, "the module still has live objects after the run");
+}
+
+ExitCode RunChecked(const RunOptions& options, const Procedure& procedure, const CommandFactory& commands) {
+    std::ofstream journalFile;
+    Journal journal;
+    ResultReport result;
+    if (!options.journal.empty()) {
+        OpenJournal(journalFile, options);
+        journal.Observe(JsonLinesWriter(journalFile));
+    }
+    if (options.json)
+        journal.Observe([&result](const Record& record) { result(record); });
+    else
+        journal.Observe(ConsoleReport(std::cout, WantsColour()));
+
+    Runner runner(procedure, commands, journal);
+    Verdict verdict{};
+    {
+        const InterruptScope scope(runner);
+        verdict = runner.Run();
+    }
+    if (options.json)
+        std::cout << result.Result().dump(2) << '\n';
+    std::cout.flush();
+    journalFile.close();
+    CheckAfterwards(runner, commands);
+    if (!options.journal.empty() && (!journalFile || !journal.IsComplete()))
+        throw Stop(ExitCode::Broken, options.journal + ": the journal could not be written completely");
+    if (!std::cout)
+        throw Stop(ExitCode::Broken, "the report could not be written completely");
+    return ExitCodeOf(verdict);
+}
+
+ExitCode ReadAndRun(const RunOptions& options) {
+    Diagnostics found;
+    const std::string text = ReadInput(options.procedure);
+    const Procedure procedure = ReadProcedure(text, found);
+    std::unique_ptr<CommandFactory> commands;
+    try {
+        commands = OpenCommands(options);
+        CheckCommands(procedure, *commands, found);
+    } catch (const std::exception&) {
+        // The file's own mistakes are worth telling all the same.
+        Print(found, options.procedure);
+        throw;
+    }
+    Print(found, options.procedure);
+    if (found.HasErrors())
+        return ExitCode::WrongInput;
+    return RunChecked(options, procedure, *commands);
+}
+
+} // namespace
+
+ExitCode Run(const RunOptions& options) {
+    try {
+        return ReadAndRun(options);
+    } catch (const Stop& stop) {
+        std::cerr << "vant: " << stop.what() << '\n';
+        return stop.Code();
+    } catch (const std::exception& failure) {
+        std::cerr << "vant: " << failure.what() << '\n';
+        return ExitCode::Broken;
+    } catch (const CComException& failure) {
+        std::cerr << "vant: a platform call failed: " << ToText(failure.Code()) << '\n';
+        return ExitCode::Broken;
+    }
+}
+
+} // namespace vant

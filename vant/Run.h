@@ -1,0 +1,25 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+
+namespace vant {
+
+/// How the program ends.
+enum class ExitCode { Passed = 0, Failed = 1, WrongInput = 2, Broken = 3, Aborted = 130 };
+
+/// What `vant run` was asked to do; file names in UTF-8.
+struct RunOptions {
+    std::string procedure;
+    std::string journal; ///< Empty: none is written.
+    std::string module;
+    bool registered =
+        false; ///< Create the commands as they are registered with the system, not from `module`.
+    bool json = false;
+};
+
+/// Runs one procedure: the report goes to standard output, what is wrong to standard error.
+ExitCode Run(const RunOptions& options);
+
+} // namespace vant

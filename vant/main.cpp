@@ -1,0 +1,75 @@
+// The command-line program of the bench host.
+
+#include "platform/DynamicLibrary.h"
+#include "platform/Process.h"
+#include "platform/Utf8.h"
+#include "vant/Registration.h"
+#include "vant/Run.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <string>
+#include <vector>
+
+int main(int argc, char** argv) {
+    vant::PrepareConsole();
+
+    vant::RunOptions options;
+    options.module = vant::PathToUtf8(vant::ProgramFolder() / vant::LibraryFileName("VantCommands"));
+
+    CLI::App app("Runs diagnostic procedures on a bench host.", "vant");
+    app.set_version_flag("--version", "vant " VANT_VERSION);
+    app.require_subcommand(1);
+    // File names may begin with a slash on every system.
+    app.allow_windows_style_options(false);
+
+    CLI::App* const run = app.add_subcommand("run", "Run a procedure file");
+    run->allow_windows_style_options(false);
+    run->add_option("FILE", options.procedure, "The procedure, a TOML file")->required();
+    run->add_option("--journal", options.journal, "Write every host call to this file, as lines of JSON")
+        ->type_name("FILE");
+    run->add_option("--module", options.module, "The module of the command classes")
+        ->type_name("PATH")
+        ->capture_default_str();
+    run->add_flag("--json", options.json, "Print the result as JSON");
+    run->footer(
+        "Exit codes: 0 passed, 1 failed, 2 wrong usage or file, 3 module or host failure, 130 aborted.");
+
+    run->add_flag("--registered", options.registered,
+                  "Create the commands by their registered ProgIDs instead of loading a module")
+        ->excludes("--module");
+
+    vant::RegistrationOptions registration;
+    registration.module = options.module;
+    const auto addRegistration = [&](const char* name, const char* purpose) {
+        CLI::App* const command = app.add_subcommand(name, purpose);
+        command->allow_windows_style_options(false);
+        command->add_option("--module", registration.module, "The module of the command classes")
+            ->type_name("PATH")
+            ->capture_default_str();
+        command->add_flag("--user", registration.userOnly, "For the current user only");
+        command->footer("Exit codes: 0 done, 2 wrong usage, 3 the module could not do it.");
+        return command;
+    };
+    CLI::App* const registerModule =
+        addRegistration("register", "Register the module's classes with the system");
+    CLI::App* const unregisterModule = addRegistration("unregister", "Remove the registration");
+    CLI::App* const catalogue =
+        app.add_subcommand("catalogue", "List the registered classes and their modules");
+
+    std::vector<std::string> arguments = vant::ProcessArguments(argc, argv);
+    std::reverse(arguments.begin(), arguments.end()); // as the parser expects them
+    try {
+        app.parse(std::move(arguments));
+    } catch (const CLI::ParseError& stop) {
+        // Help and version are reported this way too.
+        return app.exit(stop) == 0 ? 0 : static_cast<int>(vant::ExitCode::WrongInput);
+    }
+    if (*registerModule)
+        return static_cast<int>(vant::Register(registration));
+    if (*unregisterModule)
+        return static_cast<int>(vant::Unregister(registration));
+    if (*catalogue)
+        return static_cast<int>(vant::PrintCatalogue());
+    return static_cast<int>(vant::Run(options));
+}
