@@ -1,0 +1,291 @@
+// The built commands, called by slot number, on a host of raw function tables. No interface declaration is
+// used here: numbers, identifiers and argument types are written out.
+
+#include "platform/Bstr.h"
+#include "tests/abi/RawHost.h"
+#include "tests/module/BuiltModule.h"
+
+#include <cstddef>
+#include <gtest/gtest.h>
+#include <initializer_list>
+#include <ostream>
+#include <string_view>
+#include <utility>
+
+namespace vant::abi {
+
+namespace {
+
+using Calls = std::vector<std::wstring>;
+
+constexpr IID iidCommand = {0x9D46497B, 0x8FA4, 0x44AD, {0x85, 0xBA, 0x5A, 0x0C, 0x99, 0x54, 0xE9, 0x10}};
+constexpr IID iidPersistentCommand = {
+    0x320D49F6, 0x7C7F, 0x4107, {0x99, 0x00, 0x6B, 0x70, 0x3C, 0x99, 0xE8, 0xEE}};
+constexpr IID iidSupportErrorInfo = {
+    0xDF0B3D60, 0x548F, 0x101B, {0x8E, 0x65, 0x08, 0x00, 0x2B, 0x2B, 0xD1, 0x19}};
+
+constexpr CLSID compositeCommand = {
+    0xBE598987, 0x3A37, 0x4BDB, {0xBA, 0x7D, 0x52, 0x46, 0xEB, 0xD3, 0xF6, 0xC9}};
+constexpr CLSID commandTerminator = {
+    0xE6F7F7B7, 0xC398, 0x4C33, {0xA9, 0xAC, 0x87, 0xE8, 0x39, 0xE7, 0x4C, 0xD9}};
+constexpr CLSID calculator = {0x1111BFC7, 0x28AF, 0x4B67, {0xB4, 0x26, 0xF2, 0x0A, 0xEB, 0x66, 0xF7, 0x82}};
+constexpr CLSID dataStoreWriter = {
+    0xA5869103, 0x14CC, 0x49C6, {0x9E, 0x8E, 0x9D, 0x98, 0x61, 0x56, 0x3A, 0xDE}};
+
+/// The requests that a command makes of the context, in their order.
+const Calls serviceRequests = {L"context 5()",  L"context 7()",  L"context 11()",
+                               L"context 15()", L"context 13()", L"context 17()",
+                               L"context 9()",  L"context 3()",  L"context 21()"};
+
+/// One command of the built module, known by its function table alone.
+class RawCommand {
+public:
+    explicit RawCommand(const CLSID& classId) {
+        EXPECT_EQ(m_module.Create(classId, iidCommand, &m_object), S_OK);
+    }
+    RawCommand(const RawCommand&) = delete;
+    RawCommand& operator=(const RawCommand&) = delete;
+    ~RawCommand() { EXPECT_EQ(CallSlot<ULONG>(m_object, 2), 0U); }
+
+    void* Object() const { return m_object; }
+    const BuiltModule& Module() const { return m_module; }
+
+    HRESULT QueryInterface(const IID& iid, void** out) { return CallSlot<HRESULT>(m_object, 0, &iid, out); }
+    HRESULT Initialize(void* context, void* controller) {
+        return CallSlot<HRESULT>(m_object, 3, context, controller);
+    }
+    HRESULT Initialize(RawHost& host) { return Initialize(&host.context, &host.controller); }
+    HRESULT Execute() { return CallSlot<HRESULT>(m_object, 4); }
+    HRESULT SetProperty(std::wstring_view name, std::wstring_view value) {
+        return CallSlot<HRESULT>(m_object, 5, CComBSTR(name).Get(), CComBSTR(value).Get());
+    }
+    HRESULT GetIsValid(VARIANT_BOOL* out) { return CallSlot<HRESULT>(m_object, 6, out); }
+    HRESULT GetLabel(BSTR* out) { return CallSlot<HRESULT>(m_object, 7, out); }
+    HRESULT PutLabel(BSTR label) { return CallSlot<HRESULT>(m_object, 8, label); }
+
+private:
+    BuiltModule m_module;
+    void* m_object = nullptr;
+};
+
+struct NamedClass {
+    const char* name;
+    const CLSID* id;
+    const wchar_t* property; ///< a property that it declares
+
+    friend std::ostream& operator<<(std::ostream& out, const NamedClass& value) { return out << value.name; }
+};
+
+class EveryBuiltCommand : public testing::TestWithParam<NamedClass> {};
+
+INSTANTIATE_TEST_SUITE_P(Abi, EveryBuiltCommand,
+                         testing::Values(NamedClass{"CompositeCommand", &compositeCommand, L"commandIDList"},
+                                         NamedClass{"CommandTerminator", &commandTerminator, L"commandID"},
+                                         NamedClass{"Calculator", &calculator, L"operation"},
+                                         NamedClass{"DataStoreWriter", &dataStoreWriter, L"value"}),
+                         [](const auto& instance) { return std::string(instance.param.name); });
+
+/// Whatever a command asked of the host: nothing undocumented, and nothing kept.
+void ExpectCleanEnd(RawHost& host) {
+    EXPECT_EQ(host.Trapped(), Calls());
+    EXPECT_EQ(host.References(), 0);
+}
+
+/// Initialises and executes a command and returns what it asked of the services.
+Calls CallsOf(const CLSID& classId,
+              std::initializer_list<std::pair<const wchar_t*, const wchar_t*>> properties, RawHost& host,
+              HRESULT expected = S_OK) {
+    {
+        RawCommand command(classId);
+        EXPECT_EQ(command.Initialize(host), S_OK);
+        for (const auto& [name, value] : properties)
+            EXPECT_EQ(command.SetProperty(name, value), S_OK);
+        host.calls.clear();
+        EXPECT_EQ(command.Execute(), expected);
+    }
+    ExpectCleanEnd(host);
+    return host.calls;
+}
+
+TEST_P(EveryBuiltCommand, Slot0_UnknownAndCommand_AnswersTheObjectItself) {
+    RawCommand command(*GetParam().id);
+    for (const IID* iid : {&IID_IUnknown, &iidCommand}) {
+        void* out = nullptr;
+        EXPECT_EQ(command.QueryInterface(*iid, &out), S_OK);
+        EXPECT_EQ(out, command.Object());
+        EXPECT_EQ(CallSlot<ULONG>(out, 2), 1U);
+    }
+}
+
+TEST_P(EveryBuiltCommand, Slot0_AnyOtherInterface_AnswersNoInterfaceAndNull) {
+    RawCommand command(*GetParam().id);
+    for (const IID* iid : {&IID_IDispatch, &iidSupportErrorInfo, &iidPersistentCommand, &IID_NULL}) {
+        void* out = &command;
+        EXPECT_EQ(command.QueryInterface(*iid, &out), E_NOINTERFACE);
+        EXPECT_EQ(out, nullptr);
+    }
+}
+
+TEST_P(EveryBuiltCommand, Slots1And2_CountReferences) {
+    RawCommand command(*GetParam().id);
+    EXPECT_EQ(CallSlot<ULONG>(command.Object(), 1), 2U);
+    EXPECT_EQ(CallSlot<ULONG>(command.Object(), 1), 3U);
+    EXPECT_EQ(CallSlot<ULONG>(command.Object(), 2), 2U);
+    EXPECT_EQ(CallSlot<ULONG>(command.Object(), 2), 1U);
+}
+
+TEST_P(EveryBuiltCommand, Slot3_RequestsNineServicesInOrderAndKeepsThem) {
+    RawHost host;
+    {
+        RawCommand command(*GetParam().id);
+        EXPECT_EQ(command.Initialize(host), S_OK);
+        EXPECT_EQ(host.calls, serviceRequests);
+        for (const RawObject* object :
+             {&host.commandRunner, &host.componentService, &host.service3, &host.dataStore, &host.controller,
+              &host.presentationService, &host.threadService, &host.service7, &host.procedureController,
+              &host.parameterService})
+            EXPECT_EQ(object->References(), 1) << "of one object";
+        EXPECT_EQ(host.context.References(), 0);
+    }
+    ExpectCleanEnd(host);
+}
+
+TEST_P(EveryBuiltCommand, Slot3_ASecondTime_AnswersUnexpectedAndAsksNothing) {
+    RawHost host;
+    RawHost other;
+    {
+        RawCommand command(*GetParam().id);
+        EXPECT_EQ(command.Initialize(host), S_OK);
+        EXPECT_EQ(command.Initialize(other), E_UNEXPECTED);
+        EXPECT_EQ(command.Initialize(nullptr, nullptr), E_UNEXPECTED);
+        EXPECT_EQ(other.calls, Calls());
+        EXPECT_EQ(host.References(), 10);
+    }
+    ExpectCleanEnd(host);
+    ExpectCleanEnd(other);
+}
+
+TEST_P(EveryBuiltCommand, Slot3_NullContext_AnswersPointer) {
+    RawHost host;
+    RawCommand command(*GetParam().id);
+    EXPECT_EQ(command.Initialize(nullptr, &host.controller), E_POINTER);
+    ExpectCleanEnd(host);
+    EXPECT_EQ(command.Initialize(&host.context, nullptr), S_OK) << "a refused context leaves nothing behind";
+}
+
+TEST_P(EveryBuiltCommand, Slot3_RefusedRequest_AnswersItsCodeAndMayBeTriedAgain) {
+    for (const bool givesAllTheSame : {false, true}) {
+        for (std::size_t request = 0; request < serviceRequests.size(); ++request) {
+            SCOPED_TRACE(request);
+            RawHost host;
+            host.refusedRequest = serviceRequests[request];
+            host.givesWhenRefusing = givesAllTheSame;
+            {
+                RawCommand command(*GetParam().id);
+                EXPECT_EQ(command.Initialize(host), static_cast<HRESULT>(0x80041234));
+                EXPECT_EQ(host.calls,
+                          Calls(serviceRequests.begin(),
+                                serviceRequests.begin() + static_cast<std::ptrdiff_t>(request) + 1));
+                EXPECT_EQ(host.controller.References(), 0);
+                EXPECT_EQ(host.References(), static_cast<int>(request) + (givesAllTheSame ? 1 : 0));
+                host.refusedRequest.clear();
+                EXPECT_EQ(command.Initialize(host), S_OK);
+                EXPECT_EQ(host.References(), 10);
+                EXPECT_EQ(command.Initialize(host), E_UNEXPECTED);
+            }
+            ExpectCleanEnd(host);
+        }
+    }
+}
+
+TEST_P(EveryBuiltCommand, Slot4_NothingSet_AnswersUnexpectedAndRunsNothing) {
+    RawHost host;
+    EXPECT_EQ(CallsOf(*GetParam().id, {}, host, E_UNEXPECTED), Calls());
+}
+
+TEST_P(EveryBuiltCommand, Slot5_RefusesUndeclaredNames) {
+    RawCommand command(*GetParam().id);
+    EXPECT_EQ(command.SetProperty(GetParam().property, L"x"), S_OK);
+    EXPECT_EQ(command.SetProperty(L"Undeclared", L"x"), E_INVALIDARG);
+    EXPECT_EQ(CallSlot<HRESULT>(command.Object(), 5, BSTR{}, BSTR{}), E_INVALIDARG);
+}
+
+TEST_P(EveryBuiltCommand, Slot6_NothingSet_AnswersFalseAndNullPointerIsRefused) {
+    RawCommand command(*GetParam().id);
+    VARIANT_BOOL valid = VARIANT_TRUE;
+    EXPECT_EQ(command.GetIsValid(&valid), S_OK);
+    EXPECT_EQ(valid, VARIANT_FALSE);
+    EXPECT_EQ(command.GetIsValid(nullptr), E_POINTER);
+}
+
+TEST_P(EveryBuiltCommand, Slots7And8_KeepTheLabelWhole) {
+    RawCommand command(*GetParam().id);
+    const CComBSTR label(std::wstring_view(L"one\0two", 7));
+    CComBSTR read;
+    EXPECT_EQ(command.GetLabel(nullptr), E_POINTER);
+    EXPECT_EQ(command.GetLabel(&read), S_OK);
+    EXPECT_EQ(read.Get(), nullptr);
+    EXPECT_EQ(command.PutLabel(label.Get()), S_OK);
+    EXPECT_EQ(command.GetLabel(&read), S_OK);
+    EXPECT_EQ(read.Text(), label.Text());
+    EXPECT_NE(read.Get(), label.Get());
+    read.Attach(nullptr);
+    EXPECT_EQ(command.PutLabel(nullptr), S_OK);
+    EXPECT_EQ(command.GetLabel(&read), S_OK);
+    EXPECT_EQ(read.Get(), nullptr);
+}
+
+TEST_P(EveryBuiltCommand, LiveObject_KeepsTheModule) {
+    RawCommand command(*GetParam().id);
+    EXPECT_EQ(command.Module().CanUnloadNow(), S_FALSE);
+}
+
+TEST(BuiltCommand, CompositeCommand_RunsEachIdentifierThroughSlot3OfTheRunner) {
+    RawHost host;
+    EXPECT_EQ(CallsOf(compositeCommand, {{L"commandIDList", L"A  B"}}, host),
+              (Calls{L"commandRunner 3(A)", L"commandRunner 3()", L"commandRunner 3(B)"}));
+}
+
+TEST(BuiltCommand, CompositeCommand_RefusedRun_AnswersFailAndRunsNoMore) {
+    RawHost host;
+    host.answer = E_INVALIDARG;
+    EXPECT_EQ(CallsOf(compositeCommand, {{L"commandIDList", L"A B"}}, host, E_FAIL),
+              (Calls{L"commandRunner 3(A)"}));
+}
+
+TEST(BuiltCommand, CommandTerminator_TerminatesThroughSlot3OfTheController) {
+    RawHost host;
+    EXPECT_EQ(CallsOf(commandTerminator, {{L"commandID", L"T1"}}, host), (Calls{L"controller 3(T1)"}));
+}
+
+TEST(BuiltCommand, DataStoreWriter_WritesATextThroughSlot10OfTheStore) {
+    RawHost host;
+    EXPECT_EQ(CallsOf(dataStoreWriter, {{L"value", L"12"}, {L"dsLocation", L"here"}}, host),
+              (Calls{L"dataStore 10(here, text 12)"}));
+}
+
+TEST(BuiltCommand, Calculator_ReadsThroughSlot9AndWritesThroughSlot10OfTheStore) {
+    RawHost host;
+    host.entries = {{L"first", L"12.5"}, {L"second", L"9.5"}};
+    EXPECT_EQ(CallsOf(calculator,
+                      {{L"operation", L"subtract"},
+                       {L"dsSourceA", L"first"},
+                       {L"dsSourceB", L"second"},
+                       {L"dsResult", L"difference"}},
+                      host),
+              (Calls{L"dataStore 9(first, type 0)", L"dataStore 9(second, type 0)",
+                     L"dataStore 10(difference, text 3)"}));
+}
+
+TEST(BuiltCommand, Calculator_RefusedReadThatGivesAValueAllTheSame_WritesNothing) {
+    RawHost host;
+    host.entries = {{L"first", L"12.5"}};
+    host.answer = E_FAIL;
+    EXPECT_EQ(
+        CallsOf(calculator, {{L"operation", L"negate"}, {L"dsSourceA", L"first"}, {L"dsResult", L"x"}}, host),
+        (Calls{L"dataStore 9(first, type 0)"}));
+}
+
+} // namespace
+
+} // namespace vant::abi

@@ -1,0 +1,68 @@
+// What the module does when memory runs out, and what it leaves behind. Only the portable platform lets a
+// test refuse the module's allocations and count its strings.
+
+#include "framework/interfaces/ClassIds.h"
+#include "framework/interfaces/VantCommand.h"
+#include "platform/portable/testing.h"
+#include "tests/module/BuiltModule.h"
+#include "tests/module/LifeOfEveryClass.h"
+#include "tests/torture/AllocationFailure.h"
+
+#include <gtest/gtest.h>
+
+namespace vant {
+
+namespace {
+
+/// What an operation answers whose first allocation fails.
+template <class Operation>
+HRESULT WithoutMemory(Operation operation) {
+    test::PlanAllocationFailure(1);
+    const test::AllocationsCounted counted;
+    const HRESULT code = operation();
+    EXPECT_EQ(test::AllocationCount(), 1U) << "it must not go on after the failure";
+    return code;
+}
+
+TEST(ModuleMemory, ReloadedManyTimes_LeavesNoString) {
+    const std::size_t before = testing::LiveBstrCount();
+    for (int round = 0; round < 20; ++round)
+        LiveOnceInEveryClass(BuiltModule());
+    EXPECT_EQ(testing::LiveBstrCount(), before);
+}
+
+TEST(ModuleMemory, NoMemoryForTheClassObject_AnswersOutOfMemory_AndTheNextRequestSucceeds) {
+    for (const ClassRow& row : classTable) {
+        if (!row.built)
+            continue;
+        const BuiltModule module; // freshly loaded, so that no class object stands yet
+        void* out = &out;
+        const HRESULT code = WithoutMemory([&] {
+            return module.GetClassObject(*row.classId, IID_IClassFactory, &out); //
+        });
+        EXPECT_EQ(code, E_OUTOFMEMORY);
+        EXPECT_EQ(out, nullptr);
+        EXPECT_TRUE(module.ClassObject(*row.classId));
+        EXPECT_EQ(module.CanUnloadNow(), S_OK);
+    }
+}
+
+TEST(ModuleMemory, NoMemoryForTheObject_AnswersOutOfMemory_AndLeavesNoLock) {
+    const BuiltModule module;
+    for (const ClassRow& row : classTable) {
+        if (!row.built)
+            continue;
+        const auto factory = module.ClassObject(*row.classId);
+        void* out = &out;
+        const HRESULT code = WithoutMemory([&] {
+            return factory->CreateInstance(nullptr, IID_IVantCommand, &out); //
+        });
+        EXPECT_EQ(code, E_OUTOFMEMORY);
+        EXPECT_EQ(out, nullptr);
+        EXPECT_EQ(module.CanUnloadNow(), S_OK);
+    }
+}
+
+} // namespace
+
+} // namespace vant
