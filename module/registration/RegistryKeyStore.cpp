@@ -90,8 +90,8 @@ bool RegistryKeyStore::Exists(const std::wstring& path) {
 }
 
 bool LiesInUsersPart(const wchar_t* path) {
-    // Nothing else tells a redirected root: the root itself has only its predefined handle, but the system's own
-    // name of a key below it begins where that key really lies.
+    // Nothing else tells a redirected root: the root itself has only its predefined handle, but the system's
+    // own name of a key below it begins where that key really lies.
     using QueryKey = NTSTATUS NTAPI(HANDLE, int, void*, ULONG, ULONG*);
     constexpr int keyNameInformation = 3;
     constexpr std::wstring_view userPart = L"\\REGISTRY\\USER\\";

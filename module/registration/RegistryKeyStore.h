@@ -18,8 +18,8 @@ public:
     static bool Exists(const std::wstring& path);
 };
 
-/// Whether that key of the classes root lies in a user's part of the registry. For a key that this process has
-/// written, this tells whether per-user registration is in force.
+/// Whether that key of the classes root lies in a user's part of the registry. For a key that this process
+/// has written, this tells whether per-user registration is in force.
 bool LiesInUsersPart(const wchar_t* path);
 
 } // namespace vant

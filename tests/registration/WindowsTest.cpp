@@ -1,0 +1,267 @@
+// What only Windows has: the type library, resources, per-user registration, a registry that refuses.
+
+#include "platform/Bstr.h"
+#include "tests/registration/RegistrationFixture.h"
+
+#include <cstring>
+#include <iterator>
+#include <string>
+#include <string_view>
+#include <winver.h>
+
+namespace vant {
+
+namespace {
+
+constexpr GUID libraryId = {0x3BE2B2AE, 0x1EB4, 0x4FE6, {0xBC, 0xBD, 0xF4, 0x5D, 0x8D, 0x79, 0xFE, 0x5D}};
+
+/// The module as an instance whose resources can be read; the fixture keeps it loaded.
+HMODULE Instance() {
+    return GetModuleHandleW(BuiltModule::File().c_str());
+}
+
+std::string_view Resource(UINT number, const wchar_t* type) {
+    const HRSRC found = FindResourceW(Instance(), MAKEINTRESOURCEW(number), type);
+    const HGLOBAL loaded = found ? LoadResource(Instance(), found) : nullptr;
+    const auto* const bytes = static_cast<const char*>(loaded ? LockResource(loaded) : nullptr);
+    return bytes ? std::string_view(bytes, SizeofResource(Instance(), found)) : std::string_view();
+}
+
+TEST_F(Registration, ScriptResourcesOfEveryClass_AreTheStatedText) {
+    for (const StatedClass& stated : StatedClasses())
+        EXPECT_EQ(Resource(stated.resource, L"REGISTRY"), ScriptOf(stated)) << stated.resource;
+    EXPECT_EQ(FindResourceW(Instance(), MAKEINTRESOURCEW(100), L"REGISTRY"), nullptr);
+}
+
+TEST_F(Registration, ProjectName_IsString100) {
+    wchar_t text[64] = {};
+    EXPECT_EQ(LoadStringW(Instance(), 100, text, static_cast<int>(std::size(text))), 12);
+    EXPECT_STREQ(text, L"VantCommands");
+}
+
+TEST_F(Registration, VersionResource_NamesTheModuleAndItsVersion) {
+    DWORD ignored = 0;
+    std::string block(GetFileVersionInfoSizeW(file.c_str(), &ignored), '\0');
+    ASSERT_TRUE(GetFileVersionInfoW(file.c_str(), 0, static_cast<DWORD>(block.size()), block.data()));
+    void* data = nullptr;
+    UINT size = 0;
+    ASSERT_TRUE(VerQueryValueW(block.data(), L"\\", &data, &size));
+    const auto* const fixed = static_cast<const VS_FIXEDFILEINFO*>(data);
+    EXPECT_EQ(HIWORD(fixed->dwFileVersionMS), 1);
+    EXPECT_EQ(fixed->dwFileType, static_cast<DWORD>(VFT_DLL));
+    ASSERT_TRUE(VerQueryValueW(block.data(), L"\\StringFileInfo\\040904B0\\OriginalFilename", &data, &size));
+    EXPECT_STREQ(static_cast<const wchar_t*>(data), L"VantCommands.dll");
+}
+
+TEST_F(Registration, TypeLibrary_LoadsByItsIdentifierWithAllCoclasses) {
+    CComPtr<ITypeLib> library;
+    EXPECT_TRUE(FAILED(LoadRegTypeLib(libraryId, 1, 0, 0, &library)));
+    ASSERT_EQ(module.RegisterServer(), S_OK);
+    ASSERT_EQ(LoadRegTypeLib(libraryId, 1, 0, 0, &library), S_OK);
+
+    CComBSTR name;
+    CComBSTR help;
+    ASSERT_EQ(library->GetDocumentation(MEMBERID_NIL, &name, &help, nullptr, nullptr), S_OK);
+    EXPECT_EQ(name.Text(), L"VantCommands");
+    EXPECT_EQ(help.Text(), L"VantCommands 1.0 Type Library");
+
+    ASSERT_EQ(library->GetTypeInfoCount(), StatedClasses().size());
+    for (const StatedClass& stated : StatedClasses()) {
+        CLSID classId;
+        ASSERT_EQ(CLSIDFromString(stated.clsid, &classId), S_OK);
+        CComPtr<ITypeInfo> info;
+        ASSERT_EQ(library->GetTypeInfoOfGuid(classId, &info), S_OK) << stated.resource;
+        CComBSTR className;
+        CComBSTR classHelp;
+        ASSERT_EQ(info->GetDocumentation(MEMBERID_NIL, &className, &classHelp, nullptr, nullptr), S_OK);
+        EXPECT_EQ(className.Text(), stated.name);
+        EXPECT_EQ(classHelp.Text(), std::wstring(stated.name) + L" Class");
+        TYPEATTR* attributes = nullptr;
+        ASSERT_EQ(info->GetTypeAttr(&attributes), S_OK);
+        EXPECT_EQ(attributes->typekind, TKIND_COCLASS);
+        info->ReleaseTypeAttr(attributes);
+    }
+}
+
+TEST_F(Registration, ClassIdentifiersKey_StaysAfterUnregistering) {
+    ASSERT_EQ(module.RegisterServer(), S_OK);
+    ASSERT_EQ(module.UnregisterServer(), S_OK);
+    HKEY key = nullptr;
+    EXPECT_EQ(RegOpenKeyExW(HKEY_CLASSES_ROOT, L"CLSID", 0, KEY_READ, &key), ERROR_SUCCESS);
+    RegCloseKey(key);
+}
+
+TEST_F(Registration, KeyThatMayNotBeWritten_EndsItAndWhatWasWrittenStays) {
+    const auto built = BuiltClasses();
+    ASSERT_GE(built.size(), 3U);
+    const std::size_t failing = built.size() / 2;
+    const std::wstring versioned = ProgId(built[failing]) + L".1";
+    // Below a volatile key the system refuses any that is to last.
+    HKEY key = nullptr;
+    ASSERT_EQ(RegCreateKeyExW(HKEY_CLASSES_ROOT, versioned.c_str(), 0, nullptr, REG_OPTION_VOLATILE,
+                              KEY_WRITE, nullptr, &key, nullptr),
+              ERROR_SUCCESS);
+    RegCloseKey(key);
+
+    EXPECT_EQ(module.RegisterServer(), HRESULT_FROM_WIN32(ERROR_CHILD_MUST_BE_VOLATILE));
+    Subtree expected;
+    for (std::size_t i = 0; i < failing; ++i)
+        expected.merge(EntriesOf(built[i], file));
+    expected[versioned][L""] = std::wstring(built[failing].name) + L" Class";
+    EXPECT_EQ(root.OfTheModule(), expected);
+}
+
+/// Makes a key below the user's own stand for the classes root in this process, as per-user registration
+/// does.
+class UserClasses {
+public:
+    UserClasses() {
+        RegCreateKeyExW(HKEY_CURRENT_USER, path, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &m_key, nullptr);
+        status = RegOverridePredefKey(HKEY_CLASSES_ROOT, m_key);
+    }
+    ~UserClasses() {
+        RegOverridePredefKey(HKEY_CLASSES_ROOT, nullptr);
+        RegCloseKey(m_key);
+        RegDeleteTreeW(HKEY_CURRENT_USER, path);
+    }
+    UserClasses(const UserClasses&) = delete;
+    UserClasses& operator=(const UserClasses&) = delete;
+
+    LSTATUS status;
+
+private:
+    static constexpr const wchar_t* path = L"Software\\VantCommands registration test";
+    HKEY m_key = nullptr;
+};
+
+TEST_F(Registration, PerUser_WritesEverythingForTheUserAloneAndRemovesIt) {
+    const Subtree machine = root.Whole();
+    {
+        const UserClasses redirected;
+        ASSERT_EQ(redirected.status, ERROR_SUCCESS);
+        EXPECT_EQ(module.RegisterServer(), S_OK);
+        EXPECT_EQ(ClassEntries(root.OfTheModule()), ClassEntries(EntriesOfAll(file)));
+        EXPECT_EQ(module.UnregisterServer(), S_OK);
+        EXPECT_EQ(root.OfTheModule(), Subtree());
+        EXPECT_EQ(module.RegisterServer(), S_OK);
+    }
+    EXPECT_EQ(root.Whole(), machine);
+}
+
+/// Makes a function of the system answer a code and do nothing else.
+class ReplacedFunction {
+public:
+    ReplacedFunction(const wchar_t* library, const char* name, HRESULT answer)
+        : m_code(reinterpret_cast<unsigned char*>(
+              reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(library), name)))) {
+        if (!m_code)
+            return;
+        unsigned char code[] = {0xB8, 0, 0, 0, 0, 0xC3}; // mov eax, answer; ret
+        std::memcpy(code + 1, &answer, sizeof(answer));
+        std::memcpy(m_old, m_code, sizeof(m_old));
+        Write(code);
+    }
+    ~ReplacedFunction() {
+        if (m_code)
+            Write(m_old);
+    }
+    ReplacedFunction(const ReplacedFunction&) = delete;
+    ReplacedFunction& operator=(const ReplacedFunction&) = delete;
+
+    bool Exists() const { return m_code != nullptr; }
+
+private:
+    void Write(const unsigned char (&bytes)[6]) {
+        DWORD protection = 0;
+        VirtualProtect(m_code, sizeof(bytes), PAGE_EXECUTE_READWRITE, &protection);
+        std::memcpy(m_code, bytes, sizeof(bytes));
+        VirtualProtect(m_code, sizeof(bytes), protection, &protection);
+        FlushInstructionCache(GetCurrentProcess(), m_code, sizeof(bytes));
+    }
+
+    unsigned char* m_code;
+    unsigned char m_old[6] = {};
+};
+
+constexpr HRESULT replaced = static_cast<HRESULT>(0x8004F001);
+
+TEST_F(Registration, PerUser_UsesThePerUserCallsForTheTypeLibrary) {
+    const UserClasses redirected;
+    {
+        const ReplacedFunction perUser(L"oleaut32.dll", "RegisterTypeLibForUser", replaced);
+        ASSERT_TRUE(perUser.Exists());
+        EXPECT_EQ(module.RegisterServer(), replaced);
+        EXPECT_EQ(ClassEntries(root.OfTheModule()), ClassEntries(EntriesOfAll(file)))
+            << "what was written stays";
+    }
+    EXPECT_EQ(module.RegisterServer(), S_OK);
+    {
+        const ReplacedFunction perUser(L"oleaut32.dll", "UnRegisterTypeLibForUser", replaced);
+        ASSERT_TRUE(perUser.Exists());
+        EXPECT_EQ(module.UnregisterServer(), replaced);
+        EXPECT_EQ(ClassEntries(root.OfTheModule()), Subtree());
+    }
+    EXPECT_EQ(module.UnregisterServer(), S_OK);
+    EXPECT_EQ(root.OfTheModule(), Subtree());
+}
+
+TEST_F(Registration, ForTheMachine_UsesTheMachineWideCallsForTheTypeLibrary) {
+    {
+        const ReplacedFunction perUser(L"oleaut32.dll", "RegisterTypeLibForUser", replaced);
+        EXPECT_EQ(module.RegisterServer(), S_OK);
+    }
+    const ReplacedFunction perUser(L"oleaut32.dll", "UnRegisterTypeLibForUser", replaced);
+    EXPECT_EQ(module.UnregisterServer(), S_OK);
+}
+
+/// An activation context made from the manifest beside the module, active while the object lives.
+class ActiveManifest {
+public:
+    ActiveManifest() {
+        const std::filesystem::path manifest = ProgramFolder() / "VantCommands.manifest";
+        ACTCTXW context = {};
+        context.cbSize = sizeof(context);
+        context.lpSource = manifest.c_str();
+        m_context = CreateActCtxW(&context);
+        active = m_context != INVALID_HANDLE_VALUE && ActivateActCtx(m_context, &m_cookie);
+    }
+    ~ActiveManifest() {
+        if (active)
+            DeactivateActCtx(0, m_cookie);
+        if (m_context != INVALID_HANDLE_VALUE)
+            ReleaseActCtx(m_context);
+    }
+    ActiveManifest(const ActiveManifest&) = delete;
+    ActiveManifest& operator=(const ActiveManifest&) = delete;
+
+    bool active = false;
+
+private:
+    HANDLE m_context = INVALID_HANDLE_VALUE;
+    ULONG_PTR m_cookie = 0;
+};
+
+TEST_F(Registration, Manifest_MakesEveryBuiltClassCreatableWithoutRegistration) {
+    for (const StatedClass& stated : BuiltClasses())
+        ASSERT_EQ(CreateByProgId(ProgId(stated)), CO_E_CLASSSTRING) << stated.resource;
+    {
+        const ActiveManifest manifest;
+        ASSERT_TRUE(manifest.active) << GetLastError();
+        for (const StatedClass& stated : BuiltClasses()) {
+            EXPECT_EQ(CreateByProgId(ProgId(stated)), S_OK) << stated.resource;
+            EXPECT_EQ(CreateByProgId(ProgId(stated) + L".1"), S_OK) << stated.resource;
+        }
+        for (const StatedClass& stated : StatedClasses()) {
+            const bool built = CreateByProgId(ProgId(stated)) == S_OK;
+            CLSID classId;
+            EXPECT_EQ(SUCCEEDED(CLSIDFromProgID(ProgId(stated).c_str(), &classId)), built) << stated.resource;
+        }
+        CComPtr<ITypeLib> library;
+        EXPECT_EQ(LoadRegTypeLib(libraryId, 1, 0, 0, &library), S_OK);
+    }
+    EXPECT_EQ(CreateByProgId(ProgId(BuiltClasses().front())), CO_E_CLASSSTRING);
+}
+
+} // namespace
+
+} // namespace vant
