@@ -1,4 +1,5 @@
 #include "platform/DynamicLibrary.h"
+
 #include "platform/Process.h"
 
 #include <fstream>
