@@ -7,6 +7,7 @@ namespace vant {
 void CCompositeCommand::ExecuteCommand() {
     CCheckedResult result;
     const CComBSTR list = GetProperty(L"commandIDList");
+    // Each identifier is cut when its turn comes, so that a long list takes no memory.
     // Every single space separates: adjacent, leading and trailing ones give empty identifiers, which the
     // host gets like any other.
     std::wstring_view rest = list.Text();

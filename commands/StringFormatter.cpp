@@ -32,7 +32,8 @@ LONG Truncate(double number) {
 
 /// Cuts the further decimals off; deliberately no rounding to the nearest.
 CComBSTR Round(const CComBSTR& text, LONG decimals) {
-    const double scale = std::pow(10.0, decimals);
+    // In extended precision: some runtimes are off by a digit for small powers in double.
+    const auto scale = static_cast<double>(std::pow(10.0L, decimals));
     CComVariant rounded(Truncate(ToDouble(text) * scale) / scale);
     return SUCCEEDED(rounded.ChangeType(VT_BSTR)) ? CComBSTR::Copy(StringMember(rounded.Get())) : CComBSTR();
 }
@@ -89,7 +90,9 @@ CComBSTR CStringFormatter::ReadEntryAsText(const CComBSTR& entry) const {
     CCheckedResult result;
     CComVariant value;
     result = GetDataStoreValue(entry, value);
-    result = value.ChangeType(VT_BSTR);
+    // What has no text counts as an empty one; running out of memory is a failure all the same.
+    if (const HRESULT converted = value.ChangeType(VT_BSTR); converted == E_OUTOFMEMORY)
+        result = converted;
     return CComBSTR::Copy(StringMember(value.Get()));
 }
 

@@ -22,24 +22,24 @@ HRESULT CModule::GetClassObject(REFCLSID classId, REFIID iid, void** out) noexce
                                   [&classId](const ObjectMapRow& each) { return *each.classId == classId; });
     if (row == map.end())
         return CLASS_E_CLASSNOTAVAILABLE;
-    if (!row->classObject.load(std::memory_order_acquire)) {
-        if (const HRESULT code = CreateClassObject(*row); FAILED(code))
-            return code;
-    }
-    return row->classObject.load(std::memory_order_acquire)->QueryInterface(iid, out);
+    CClassFactory* classObject = row->classObject.load(std::memory_order_acquire);
+    if (!classObject)
+        classObject = CreateClassObject(*row);
+    return classObject ? classObject->QueryInterface(iid, out) : E_OUTOFMEMORY;
 }
 
-HRESULT CModule::CreateClassObject(ObjectMapRow& row) noexcept {
+CClassFactory* CModule::CreateClassObject(ObjectMapRow& row) noexcept {
     try {
         const std::lock_guard lock(m_classObjects);
-        if (!row.classObject.load(std::memory_order_relaxed)) {
-            auto* const created = new CClassFactory(row.creator);
-            created->AddRef();
-            row.classObject.store(created, std::memory_order_release);
+        CClassFactory* classObject = row.classObject.load(std::memory_order_relaxed);
+        if (!classObject) {
+            classObject = new CClassFactory(row.creator);
+            classObject->AddRef();
+            row.classObject.store(classObject, std::memory_order_release);
         }
-        return S_OK;
+        return classObject;
     } catch (...) {
-        return E_OUTOFMEMORY;
+        return nullptr;
     }
 }
 

@@ -28,7 +28,8 @@ public:
     void ReleaseClassObjects() noexcept;
 
 private:
-    HRESULT CreateClassObject(ObjectMapRow& row) noexcept;
+    /// The row's class object, created if nobody has done so yet; null where memory runs out.
+    CClassFactory* CreateClassObject(ObjectMapRow& row) noexcept;
 
     std::mutex m_classObjects; // serialises their creation
 };

@@ -5,13 +5,19 @@
 
 #ifdef _WIN32
 
-extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID processEnds) {
-    if (reason == DLL_PROCESS_ATTACH)
-        DisableThreadLibraryCalls(instance);
+namespace __gnu_cxx {
+/// The C++ runtime's own: frees what it keeps for as long as it is loaded. It is linked in, so that is as
+/// long as we are.
+void __freeres();
+} // namespace __gnu_cxx
+
+extern "C" BOOL WINAPI DllMain(HINSTANCE /*instance*/, DWORD reason, LPVOID processEnds) {
     // At the end of the process its other threads are gone, wherever they stood; nothing is left to release
     // for.
-    if (reason == DLL_PROCESS_DETACH && !processEnds)
+    if (reason == DLL_PROCESS_DETACH && !processEnds) {
         vant::Module().ReleaseClassObjects();
+        __gnu_cxx::__freeres();
+    }
     return TRUE;
 }
 

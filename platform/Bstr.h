@@ -16,7 +16,7 @@ namespace vant {
 /// BSTR has it, in the 32 bits before the text: this is asked for too often for a call into another library.
 inline std::wstring_view TextOf(BSTR text) noexcept {
     if (!text)
-        return {L"", 0};
+        return L"";
     std::uint32_t byteLength = 0;
     std::memcpy(&byteLength, reinterpret_cast<const char*>(text) - sizeof(byteLength), sizeof(byteLength));
     return {text, byteLength / sizeof(OLECHAR)};

@@ -45,20 +45,26 @@ private:
 template <class Class, const CLSID* classId>
 class CComCoClass {
 public:
-    static const CLSID& GetObjectCLSID() noexcept { return *classId; }
+    static constexpr const CLSID& GetObjectCLSID() noexcept { return *classId; }
 
 protected:
     ~CComCoClass() = default;
 };
 
+/// Keeps the module loaded for as long as it exists.
+class ModuleLockHolder {
+public:
+    ModuleLockHolder() noexcept { ModuleLock::Add(); }
+    ~ModuleLockHolder() { ModuleLock::Release(); }
+    ModuleLockHolder(const ModuleLockHolder&) = delete;
+    ModuleLockHolder& operator=(const ModuleLockHolder&) = delete;
+};
+
 /// The object that is really instantiated: adds IUnknown to a class that answers
 /// `void* FindInterface(REFIID)`, and holds one module lock for as long as it lives.
 template <class Base>
-class CComObject final : public Base {
+class CComObject final : private ModuleLockHolder, public Base {
 public:
-    CComObject() { ModuleLock::Add(); }
-    ~CComObject() override { ModuleLock::Release(); }
-
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override {
         if (!out)
             return E_POINTER;

@@ -1,5 +1,7 @@
 #include "platform/Process.h"
 
+#include <atomic>
+
 #ifdef _WIN32
 #include <io.h>
 #include <shellapi.h>
@@ -15,13 +17,12 @@ namespace vant {
 
 namespace {
 
-void (*interruptHandler)() = nullptr;
+std::atomic<void (*)()> interruptHandler{nullptr};
 
 BOOL WINAPI HandleConsoleEvent(DWORD event) {
     if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT)
         return FALSE;
-    const auto handler = interruptHandler;
-    interruptHandler = nullptr;
+    const auto handler = interruptHandler.exchange(nullptr);
     if (!handler)
         return FALSE;
     handler();
@@ -80,11 +81,11 @@ void OnFirstInterrupt(void (*handler)()) {
 
 namespace {
 
-void (*interruptHandler)() = nullptr;
+std::atomic<void (*)()> interruptHandler{nullptr};
 
 extern "C" void HandleInterrupt(int signal) {
     std::signal(signal, SIG_DFL);
-    interruptHandler();
+    interruptHandler.load()();
 }
 
 } // namespace

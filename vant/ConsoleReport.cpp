@@ -18,8 +18,8 @@ std::string Padded(std::string text, std::size_t width) {
 
 void ConsoleReport::operator()(const Record& record) {
     if (record.service != "Runner")
-        return;
-    if (record.operation == "ProcedureStarted")
+        WriteShown(record);
+    else if (record.operation == "ProcedureStarted")
         m_out << record.Text("name") << '\n';
     else if (record.operation == "StepEntered")
         m_out << "\nstep " << record.Text("step") << '\n';
@@ -32,6 +32,16 @@ void ConsoleReport::operator()(const Record& record) {
     else if (record.operation == "ProcedureEnded")
         WriteVerdict(record);
     m_out.flush();
+}
+
+void ConsoleReport::WriteShown(const Record& record) {
+    if (!record.result || FAILED(*record.result))
+        return;
+    if (record.operation == "ShowInstruction")
+        m_out << "  instruction: " << record.Text("text") << '\n';
+    else if (record.operation == "SetComponentProperty")
+        m_out << "  display: " << record.Text("componentId") << '.' << record.Text("name") << " = "
+              << Json(record.Text("value")).dump() << '\n';
 }
 
 void ConsoleReport::WriteCommand(const Record& record) {

@@ -14,6 +14,8 @@ public:
     void operator()(const Record& record);
 
 private:
+    /// What a command shows to the technician, where the call is one that does.
+    void WriteShown(const Record& record);
     void WriteCommand(const Record& record);
     void WriteEntry(const Record& record);
     void WriteVerdict(const Record& record);

@@ -1,5 +1,6 @@
 #include "vant/Run.h"
 
+#include "host/procedure/EngineReader.h"
 #include "host/procedure/ProcedureCheck.h"
 #include "host/procedure/ProcedureReader.h"
 #include "host/record/Json.h"
@@ -10,6 +11,7 @@
 #include "platform/Process.h"
 #include "platform/Utf8.h"
 #include "vant/ConsoleReport.h"
+#include "vant/MessagePrompt.h"
 
 #include <atomic>
 #include <cerrno>
@@ -67,6 +69,29 @@ std::string ReadInput(const std::string& file) {
     }
 }
 
+/// An engine that stands in a file of its own.
+struct EngineFile {
+    std::string name; ///< Empty where there is none.
+    Diagnostics found;
+};
+
+/// Reads the engine file that the procedure names, if it does. One that cannot be read is the procedure's
+/// mistake.
+EngineFile ReadEngineFile(const std::string& procedureFile, Procedure& procedure, Diagnostics& found) {
+    EngineFile engine;
+    if (!procedure.engineFile)
+        return engine;
+    const auto& [name, position] = *procedure.engineFile;
+    const std::filesystem::path path = PathFromUtf8(procedureFile).parent_path() / PathFromUtf8(name);
+    try {
+        procedure.engine = ReadEngine(ReadFile(path), engine.found);
+        engine.name = ToUtf8(path.generic_wstring());
+    } catch (const std::exception& failure) {
+        found.Error(position, "cannot read the engine '" + name + "': " + failure.what());
+    }
+    return engine;
+}
+
 std::unique_ptr<CommandFactory> OpenCommands(const RunOptions& options) {
     if (options.registered)
         return std::make_unique<RegisteredClasses>();
@@ -77,11 +102,13 @@ std::unique_ptr<CommandFactory> OpenCommands(const RunOptions& options) {
     }
 }
 
-void OpenJournal(std::ofstream& out, const RunOptions& options) {
+void OpenJournal(std::ofstream& out, const RunOptions& options, const std::string& engineFile) {
     const std::filesystem::path file = PathFromUtf8(options.journal);
     std::error_code unknown;
     if (std::filesystem::equivalent(file, PathFromUtf8(options.procedure), unknown))
         throw Stop(ExitCode::WrongInput, options.journal + ": the journal would overwrite the procedure");
+    if (!engineFile.empty() && std::filesystem::equivalent(file, PathFromUtf8(engineFile), unknown))
+        throw Stop(ExitCode::WrongInput, options.journal + ": the journal would overwrite the engine");
     errno = 0;
     out.open(file, std::ios::binary | std::ios::trunc);
     if (!out)
@@ -117,12 +144,13 @@ void CheckAfterwards(const Runner& runner, const CommandFactory& commands) {
         throw Stop(ExitCode::Broken, "the module still has live objects after the run");
 }
 
-ExitCode RunChecked(const RunOptions& options, const Procedure& procedure, const CommandFactory& commands) {
+ExitCode RunChecked(const RunOptions& options, const Procedure& procedure, const std::string& engineFile,
+                    const CommandFactory& commands) {
     std::ofstream journalFile;
     Journal journal;
     ResultReport result;
     if (!options.journal.empty()) {
-        OpenJournal(journalFile, options);
+        OpenJournal(journalFile, options, engineFile);
         journal.Observe(JsonLinesWriter(journalFile));
     }
     if (options.json)
@@ -133,6 +161,8 @@ ExitCode RunChecked(const RunOptions& options, const Procedure& procedure, const
     Runner runner(procedure, commands, journal);
     Verdict verdict{};
     {
+        // What a program reads from standard output stays JSON.
+        const MessagePrompt prompt(options.json ? std::cerr : std::cout, std::cin, options.answersMessages);
         const InterruptScope scope(runner);
         verdict = runner.Run();
     }
@@ -151,20 +181,25 @@ ExitCode RunChecked(const RunOptions& options, const Procedure& procedure, const
 ExitCode ReadAndRun(const RunOptions& options) {
     Diagnostics found;
     const std::string text = ReadInput(options.procedure);
-    const Procedure procedure = ReadProcedure(text, found);
+    Procedure procedure = ReadProcedure(text, found);
+    const EngineFile engine = ReadEngineFile(options.procedure, procedure, found);
+    const auto printAll = [&] {
+        Print(found, options.procedure);
+        Print(engine.found, engine.name);
+    };
     std::unique_ptr<CommandFactory> commands;
     try {
         commands = OpenCommands(options);
         CheckCommands(procedure, *commands, found);
     } catch (const std::exception&) {
-        // The file's own mistakes are worth telling all the same.
-        Print(found, options.procedure);
+        // The files' own mistakes are worth telling all the same.
+        printAll();
         throw;
     }
-    Print(found, options.procedure);
-    if (found.HasErrors())
+    printAll();
+    if (found.HasErrors() || engine.found.HasErrors())
         return ExitCode::WrongInput;
-    return RunChecked(options, procedure, *commands);
+    return RunChecked(options, procedure, engine.name, *commands);
 }
 
 } // namespace

@@ -17,6 +17,7 @@ struct RunOptions {
     bool registered =
         false; ///< Create the commands as they are registered with the system, not from `module`.
     bool json = false;
+    bool answersMessages = false; ///< Messages are closed without waiting for the user.
 };
 
 /// Runs one procedure: the report goes to standard output, what is wrong to standard error.

@@ -8,10 +8,14 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cstdio>
+#include <exception>
 #include <string>
 #include <vector>
 
-int main(int argc, char** argv) {
+namespace {
+
+int RunProgram(int argc, char** argv) {
     vant::PrepareConsole();
 
     vant::RunOptions options;
@@ -32,6 +36,7 @@ int main(int argc, char** argv) {
         ->type_name("PATH")
         ->capture_default_str();
     run->add_flag("--json", options.json, "Print the result as JSON");
+    run->add_flag("--yes", options.answersMessages, "Close every message without waiting for Enter");
     run->footer(
         "Exit codes: 0 passed, 1 failed, 2 wrong usage or file, 3 module or host failure, 130 aborted.");
 
@@ -72,4 +77,15 @@ int main(int argc, char** argv) {
     if (*catalogue)
         return static_cast<int>(vant::PrintCatalogue());
     return static_cast<int>(vant::Run(options));
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return RunProgram(argc, argv);
+    } catch (const std::exception& failure) {
+        std::fprintf(stderr, "vant: %s\n", failure.what());
+        return static_cast<int>(vant::ExitCode::Broken);
+    }
 }

@@ -56,6 +56,17 @@ struct IDataServiceOld : IDispatch {
                                                    IUnknown** parameter) = 0;
 };
 
+/// One unit of measurement.
+struct IUnit : IDispatch {
+    virtual HRESULT STDMETHODCALLTYPE Reserved7() = 0;
+    virtual HRESULT STDMETHODCALLTYPE get_Text(BSTR* text) = 0; // slot 8
+};
+
+/// The units of the parameters, by their keys.
+struct IUnitsTable : IDispatch {
+    virtual HRESULT STDMETHODCALLTYPE GetUnit(BSTR unitsKey, IUnit** unit) = 0; // slot 7
+};
+
 /// The host's engine services, answered by the host object that is also the thread service.
 struct IECMServicesOld : IDispatch {
     virtual HRESULT STDMETHODCALLTYPE Reserved7() = 0;
@@ -63,7 +74,9 @@ struct IECMServicesOld : IDispatch {
     virtual HRESULT STDMETHODCALLTYPE Reserved9() = 0;
     virtual HRESULT STDMETHODCALLTYPE Reserved10() = 0;
     virtual HRESULT STDMETHODCALLTYPE Reserved11() = 0;
-    virtual HRESULT STDMETHODCALLTYPE GetUnits(IUnknown** unitsTable) = 0; // slot 12
+    /// Slot 12. `unitsTable` is an IUnitsTable; it is used as it comes, without being asked for the
+    /// interface.
+    virtual HRESULT STDMETHODCALLTYPE GetUnits(IUnknown** unitsTable) = 0;
 };
 
 // The protocol source chain: four steps from a control module's identifier to the kind of protocol that it

@@ -13,8 +13,6 @@
 #include "framework/interfaces/VantCommand.h"
 #include "platform/system.h"
 
-#include <cstdint>
-
 namespace vant {
 
 /// Runs other commands of the procedure.

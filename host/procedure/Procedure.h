@@ -1,7 +1,9 @@
 #pragma once
 
+#include "host/engine/EngineDescription.h"
 #include "host/procedure/Diagnostic.h"
 #include "host/record/Value.h"
+#include "host/services/ComponentService.h"
 
 #include <map>
 #include <optional>
@@ -48,6 +50,10 @@ struct Procedure {
     std::map<std::string, Value> data;
     std::map<std::string, Command> commands;
     std::map<std::string, Step> steps;
+    Components components;
+    /// The file that holds the engine, relative to the procedure's folder; whoever reads it fills `engine`.
+    std::optional<Located> engineFile;
+    std::optional<EngineDescription> engine;
 };
 
 } // namespace vant

@@ -1,12 +1,13 @@
 #include "host/procedure/ProcedureReader.h"
 
+#include "host/procedure/EngineReader.h"
 #include "host/procedure/ProcedureNames.h"
+#include "host/procedure/TableReader.h"
 #include "host/text/Suggestion.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <fstream>
-#include <limits>
+#include <set>
 #include <sstream>
 #include <stdexcept>
 #include <system_error>
@@ -17,48 +18,14 @@ namespace vant {
 
 namespace {
 
-Position PositionOf(const toml::source_region& region) {
-    return {std::max(region.begin.line, 1U), std::max(region.begin.column, 1U)};
-}
-
-Position PositionOf(const toml::key& key) {
-    return PositionOf(key.source());
-}
-
-Position PositionOf(const toml::node& node) {
-    return PositionOf(node.source());
-}
-
-std::string Quoted(std::string_view text) {
-    return std::string(1, '\'').append(text).append(1, '\'');
-}
-
-/// What a value is, as messages name it.
-const char* KindOf(const toml::node& node) {
-    switch (node.type()) {
-    case toml::node_type::table:
-        return "a table";
-    case toml::node_type::array:
-        return "a list";
-    case toml::node_type::string:
-        return "a string";
-    case toml::node_type::integer:
-    case toml::node_type::floating_point:
-        return "a number";
-    case toml::node_type::boolean:
-        return "true or false";
-    default:
-        return "a date or time";
-    }
-}
-
 /// Goes through the TOML tables and builds the procedure, noting each mistake and going on.
-class Reader {
+class Reader : private TableReader {
 public:
-    explicit Reader(Diagnostics& found) : m_found(found) {}
+    explicit Reader(Diagnostics& found) : TableReader(found) {}
 
     Procedure Read(const toml::table& root) {
-        CheckKeys(root, "a procedure", {"name", "start", "data", "commands", "steps"});
+        CheckKeys(root, "a procedure",
+                  {"name", "start", "data", "components", "engine", "commands", "steps"});
         if (const auto name = RequiredText(root, "name", {1, 1}))
             m_procedure.name = name->text;
         if (auto start = RequiredText(root, "start", {1, 1}))
@@ -66,6 +33,10 @@ public:
         ForEach(root, "data", [this](const toml::key& key, const toml::node& node) { ReadData(key, node); });
         ForEach(root, "commands",
                 [this](const toml::key& key, const toml::node& node) { ReadCommand(key, node); });
+        ForEach(root, "components",
+                [this](const toml::key& key, const toml::node& node) { ReadComponent(key, node); });
+        if (const toml::node* const engine = root.get("engine"))
+            ReadEngineKey(*engine);
         ForEach(root, "steps", [this](const toml::key& key, const toml::node& node) { ReadStep(key, node); });
         if (m_procedure.steps.empty() && !root.contains("steps"))
             m_found.Error({1, 1}, "'steps' is missing: a procedure needs a step that ends it");
@@ -75,25 +46,8 @@ public:
 private:
     void ReadData(const toml::key& key, const toml::node& node) {
         Value& value = m_procedure.data[std::string(key.str())];
-        if (const auto text = node.value_exact<std::string>()) {
-            value = *text;
-        } else if (const auto number = node.value_exact<std::int64_t>()) {
-            value = *number;
-            if (*number < std::numeric_limits<std::int32_t>::min() ||
-                *number > std::numeric_limits<std::int32_t>::max())
-                m_found.Error(
-                    PositionOf(node),
-                    "a whole number must lie between -2147483648 and 2147483647; write it in quotes "
-                    "to keep it as text");
-        } else if (const auto real = node.value_exact<double>()) {
-            value = *real;
-        } else if (const auto truth = node.value_exact<bool>()) {
-            value = *truth;
-        } else {
-            m_found.Error(PositionOf(node), "data entry " + Quoted(key.str()) +
-                                                " must be a string, a number, true or false, not " +
-                                                KindOf(node));
-        }
+        if (auto read = Scalar(node, "data entry " + Quoted(key.str())))
+            value = std::move(*read);
     }
 
     void ReadCommand(const toml::key& key, const toml::node& node) {
@@ -128,6 +82,41 @@ private:
         });
         ReadEnd(*table, step);
         CheckShape(key, *table);
+    }
+
+    void ReadComponent(const toml::key& key, const toml::node& node) {
+        std::set<std::string>& properties = m_procedure.components[std::string(key.str())];
+        const toml::table* const table = AsTable(node, "component " + Quoted(key.str()));
+        if (!table)
+            return;
+        CheckKeys(*table, "a component", {"properties"});
+        const toml::node* const names = table->get("properties");
+        if (!names)
+            return;
+        const toml::array* const list = names->as_array();
+        if (!list || list->empty()) {
+            m_found.Error(PositionOf(*names),
+                          "'properties' must be a list of property names" +
+                              (list ? std::string(", not an empty one; leave it out where "
+                                                  "the component accepts every property")
+                                    : std::string(", not ") + KindOf(*names)));
+            return;
+        }
+        for (const toml::node& each : *list) {
+            if (const auto name = Text(each, "a property name"))
+                properties.insert(name->text);
+        }
+    }
+
+    /// An engine stands in the procedure itself or in a file of its own.
+    void ReadEngineKey(const toml::node& node) {
+        if (node.is_table())
+            m_procedure.engine = ReadEngineTable(*node.as_table(), m_found);
+        else if (const auto file = node.value_exact<std::string>())
+            m_procedure.engineFile = Located{*file, PositionOf(node)};
+        else
+            m_found.Error(PositionOf(node),
+                          std::string("'engine' must be a table or the name of a file, not ") + KindOf(node));
     }
 
     void ReadRun(const toml::node& node, Step& step) {
@@ -177,61 +166,6 @@ private:
                               " leads nowhere: give it 'next', or 'end', or 'run' with 'on'");
     }
 
-    // What every table needs.
-
-    void CheckKeys(const toml::table& table, const std::string& owner,
-                   const std::vector<std::string>& known) {
-        for (const auto& [key, node] : table) {
-            if (std::find(known.begin(), known.end(), key.str()) == known.end())
-                m_found.Error(PositionOf(key),
-                              owner + " has no key " + Quoted(key.str()) + DidYouMean(key.str(), known));
-        }
-    }
-
-    const toml::table* AsTable(const toml::node& node, const std::string& what) {
-        const toml::table* const table = node.as_table();
-        if (!table)
-            m_found.Error(PositionOf(node), what + " must be a table, not " + KindOf(node));
-        return table;
-    }
-
-    /// Visits the entries of a table that may be absent, in the file's order.
-    template <class Visit>
-    void ForEach(const toml::table& owner, std::string_view name, Visit visit) {
-        const toml::node* const node = owner.get(name);
-        const toml::table* const table = node ? AsTable(*node, Quoted(name)) : nullptr;
-        if (!table)
-            return;
-        std::vector<std::pair<const toml::key*, const toml::node*>> entries;
-        for (const auto& [key, value] : *table)
-            entries.emplace_back(&key, &value);
-        std::sort(entries.begin(), entries.end(),
-                  [](const auto& a, const auto& b) { return PositionOf(*a.first) < PositionOf(*b.first); });
-        for (const auto& [key, value] : entries)
-            visit(*key, *value);
-    }
-
-    std::optional<Located> Text(const toml::node& node, const std::string& what) {
-        if (const auto text = node.value_exact<std::string>())
-            return Located{*text, PositionOf(node)};
-        const bool quotable = !node.is_table() && !node.is_array();
-        m_found.Error(PositionOf(node), what + " must be a string, not " + KindOf(node) +
-                                            (quotable ? ": write it in quotes" : ""));
-        return std::nullopt;
-    }
-
-    std::optional<Located> OptionalText(const toml::table& table, std::string_view key) {
-        const toml::node* const node = table.get(key);
-        return node ? Text(*node, Quoted(key)) : std::nullopt;
-    }
-
-    std::optional<Located> RequiredText(const toml::table& table, std::string_view key, Position owner) {
-        if (!table.contains(key))
-            m_found.Error(owner, Quoted(key) + " is missing");
-        return OptionalText(table, key);
-    }
-
-    Diagnostics& m_found;
     Procedure m_procedure;
 };
 

@@ -29,7 +29,9 @@ const char* NameOf(Verdict verdict) {
 
 Runner::Runner(const Procedure& procedure, const CommandFactory& factory, Journal& journal)
     : m_procedure(procedure), m_factory(factory), m_journal(journal),
-      m_services(journal, [this](const std::string& id) { return RunCommand(id); }) {}
+      m_services(
+          journal, [this](const std::string& id) { return RunCommand(id); }, procedure.engine,
+          procedure.components) {}
 
 Verdict Runner::Run() {
     Tell("ProcedureStarted", {{"name", m_procedure.name}});

@@ -1,14 +1,25 @@
 #include "host/services/ComponentService.h"
 
+#include "host/services/Codes.h"
+
 namespace vant {
 
 HRESULT ComponentService::SetComponentProperty(BSTR componentId, BSTR name, BSTR value) {
     return Answer("SetComponentProperty", [&](Record& record) {
-        record.Add("componentId", ToUtf8(TextOf(componentId)));
-        record.Add("name", ToUtf8(TextOf(name)));
+        const std::string component = ToUtf8(TextOf(componentId));
+        const std::string property = ToUtf8(TextOf(name));
+        record.Add("componentId", component);
+        record.Add("name", property);
         record.Add("value", ToUtf8(TextOf(value)));
-        return S_OK;
+        return Exists(component, property) ? S_OK : codeNotFound;
     });
+}
+
+bool ComponentService::Exists(const std::string& componentId, const std::string& name) const {
+    if (m_components.empty())
+        return true;
+    const auto component = m_components.find(componentId);
+    return component != m_components.end() && (component->second.empty() || component->second.contains(name));
 }
 
 } // namespace vant

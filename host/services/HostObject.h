@@ -28,7 +28,7 @@ public:
         *out = FindInterface(iid);
         if (!*out)
             return E_NOINTERFACE;
-        AddRef();
+        static_cast<IUnknown*>(*out)->AddRef();
         return S_OK;
     }
     ULONG STDMETHODCALLTYPE AddRef() override {
@@ -47,7 +47,8 @@ protected:
     HostObject(Journal& journal, std::string name) : m_journal(journal), m_name(std::move(name)) {}
     ~HostObject() = default;
 
-    /// The interface of that identifier; null where the object has none.
+    /// The interface of that identifier; null where the object has none. It may be that of another host
+    /// object which forms one COM object with this one.
     virtual void* FindInterface(REFIID iid) noexcept {
         return iid == IID_IUnknown ? static_cast<IUnknown*>(this) : nullptr;
     }

@@ -1,39 +1,57 @@
 #include "host/services/ParameterService.h"
 
-#include "host/services/Codes.h"
+#include "host/services/HandOut.h"
 
 namespace vant {
 
 namespace {
 
-template <class Interface>
-HRESULT NothingFound(Interface** out) {
-    if (!out)
-        return E_POINTER;
-    *out = nullptr;
-    return codeNotFound;
-}
+// What the callers' number means here.
+constexpr LONG parameterKind = 1;
+constexpr LONG faultArrayKind = 2;
 
 } // namespace
 
 HRESULT ParameterService::GetConnection(IConnectionOld** connection) {
-    return Answer("GetConnection", [&](Record&) { return NothingFound(connection); });
+    return Answer("GetConnection", [&](Record&) {
+        return HandOut(m_engine ? &m_engine->TheConnection() : nullptr, connection);
+    });
 }
 
 HRESULT ParameterService::GetParameter(BSTR id, LONG kind, IUnknown** parameter) {
-    return Answer("GetParameter", [&](Record& record) {
-        record.Add("id", ToUtf8(TextOf(id)));
+    return Answer("GetParameter", [&](Record& record) -> HRESULT {
+        const std::string idText = ToUtf8(TextOf(id));
+        record.Add("id", idText);
         record.Add("kind", std::int64_t{kind});
-        return NothingFound(parameter);
+        if (!parameter)
+            return E_POINTER;
+        *parameter = nullptr;
+        if (!m_engine)
+            return codeNotFound;
+        if (kind == parameterKind)
+            return HandOut(m_engine->FindParameter(idText), parameter);
+        if (kind == faultArrayKind)
+            return HandOut(m_engine->FindFaultArray(idText), parameter);
+        return E_INVALIDARG;
     });
 }
 
 HRESULT ParameterService::SetParameter(BSTR id, LONG kind, VARIANT value, IUnknown** parameter) {
-    return Answer("SetParameter", [&](Record& record) {
-        record.Add("id", ToUtf8(TextOf(id)));
+    return Answer("SetParameter", [&](Record& record) -> HRESULT {
+        const std::string idText = ToUtf8(TextOf(id));
+        record.Add("id", idText);
         record.Add("kind", std::int64_t{kind});
         record.Add("value", ToValue(value));
-        return NothingFound(parameter);
+        if (parameter)
+            *parameter = nullptr;
+        if (!m_engine)
+            return codeNotFound;
+        if (kind != parameterKind)
+            return E_INVALIDARG;
+        const HRESULT code = m_engine->Model().Write(idText, value);
+        if (FAILED(code) || !parameter)
+            return code;
+        return HandOut(m_engine->FindParameter(idText), parameter);
     });
 }
 

@@ -1,25 +1,32 @@
 #pragma once
 
 #include "ecm/interfaces/EngineData.h"
+#include "host/engine/EngineObjects.h"
 #include "host/services/HostObject.h"
 
 namespace vant {
 
-/// The parameters of the engine control module. The bench has no engine, so no parameter exists.
+/// The parameters of the engine control module. Without an engine nothing exists.
 class ParameterService final : public HostDispatch<IDataServiceOld> {
 public:
-    explicit ParameterService(Journal& journal) : HostDispatch(journal, "ParameterService") {}
+    /// `engine` may be null and must outlive the service.
+    ParameterService(Journal& journal, EngineObjects* engine)
+        : HostDispatch(journal, "ParameterService"), m_engine(engine) {}
 
     HRESULT STDMETHODCALLTYPE Reserved7() override { return Refuse("Reserved7"); }
     HRESULT STDMETHODCALLTYPE Reserved8() override { return Refuse("Reserved8"); }
     HRESULT STDMETHODCALLTYPE Reserved9() override { return Refuse("Reserved9"); }
-    /// There is no connection: codeNotFound, null out.
     HRESULT STDMETHODCALLTYPE GetConnection(IConnectionOld** connection) override;
     HRESULT STDMETHODCALLTYPE Reserved11() override { return Refuse("Reserved11"); }
-    /// codeNotFound, null out, for every id; E_POINTER for a null `parameter`.
+    /// Kind 1 gives a parameter, kind 2 a fault array: codeNotFound, null out, for an unknown id;
+    /// E_INVALIDARG for another kind; E_POINTER for a null `parameter`.
     HRESULT STDMETHODCALLTYPE GetParameter(BSTR id, LONG kind, IUnknown** parameter) override;
-    /// As GetParameter; nothing is written.
+    /// Writes a parameter (kind 1) and gives it, unless `parameter` is null. Refusals are those of
+    /// GetParameter and of Engine::Write; null out then.
     HRESULT STDMETHODCALLTYPE SetParameter(BSTR id, LONG kind, VARIANT value, IUnknown** parameter) override;
+
+private:
+    EngineObjects* const m_engine;
 };
 
 } // namespace vant

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/engine/EngineObjects.h"
 #include "host/services/CommandRunner.h"
 #include "host/services/ComponentService.h"
 #include "host/services/Context.h"
@@ -11,6 +12,7 @@
 #include "host/services/ThreadService.h"
 #include "host/services/UnusedService.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,7 +20,10 @@ namespace vant {
 
 /// All host objects of one run.
 struct Services {
-    Services(Journal& journal, CommandRunner::Run run);
+    /// Without an engine nothing of one exists.
+    Services(Journal& journal, CommandRunner::Run run,
+             const std::optional<EngineDescription>& engineDescription = std::nullopt,
+             const Components& components = {});
 
     /// The names of the objects that commands still hold; none once every command is gone, unless one leaks.
     std::vector<std::string> StillHeld() const;
@@ -29,6 +34,7 @@ struct Services {
     DataStore dataStore;
     PresentationService presentationService;
     ThreadService threadService;
+    std::optional<EngineObjects> engine;
     UnusedService service7;
     ProcedureController procedureController;
     ParameterService parameterService;

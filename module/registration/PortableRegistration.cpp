@@ -6,13 +6,34 @@
 #include <exception>
 #include <filesystem>
 #include <new>
+#include <stdexcept>
+#include <string>
 
 namespace vant {
 
+namespace {
+
+/// Where the module was loaded from. Asked at load time, because the name may be relative to the folder of
+/// that moment.
+std::string FindModulePath() noexcept {
+    try {
+        Dl_info info = {};
+        dladdr(reinterpret_cast<void*>(&ModulePath), &info);
+        return std::filesystem::weakly_canonical(info.dli_fname).string();
+    } catch (...) {
+        return {};
+    }
+}
+
+const std::string modulePath = FindModulePath();
+
+} // namespace
+
 std::wstring ModulePath() {
-    Dl_info info = {};
-    dladdr(reinterpret_cast<void*>(&ModulePath), &info);
-    return ToWide(std::filesystem::absolute(info.dli_fname).string());
+    std::wstring path = ToWide(modulePath);
+    if (path.empty() || ToUtf8(path) != modulePath)
+        throw std::runtime_error("the module's path cannot be written as text");
+    return path;
 }
 
 HRESULT RegisterWithSystem(ScriptMode mode) {

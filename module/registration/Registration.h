@@ -3,7 +3,6 @@
 #include "module/registration/Script.h"
 #include "platform/system.h"
 
-#include <filesystem>
 #include <string>
 #include <string_view>
 
@@ -21,7 +20,8 @@ std::string_view EmbeddedScript(UINT resource);
 /// Full path of the module's own file, of any length.
 std::wstring ModulePath();
 
-/// Runs every script through `run` against the system's store, then registers or removes the type library.
+/// Runs every script against the system's store, then registers or removes the type library where there is
+/// one.
 HRESULT RegisterWithSystem(ScriptMode mode);
 
 /// Runs the scripts of all classes of the object map against `store`, stopping at the first failure.

@@ -1,9 +1,5 @@
 #include "module/registration/RegistryKeyStore.h"
 
-#include <memory>
-#include <type_traits>
-#include <utility>
-#include <vector>
 #include <winternl.h>
 
 namespace vant {

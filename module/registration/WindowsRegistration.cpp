@@ -40,13 +40,14 @@ Function* Choose(const char* perUserName, Function* machineWide) {
 std::wstring LoadablePath(const std::wstring& path) {
     if (path.size() < MAX_PATH)
         return path;
-    const std::wstring unlimited = L"\\\\?\\" + path;
+    constexpr std::wstring_view prefix = L"\\\\?\\"; // lifts the limit of the call
+    const std::wstring unlimited = path.starts_with(prefix) ? path : std::wstring(prefix) + path;
     std::wstring shortPath(unlimited.size() + 1, L'\0');
     const DWORD length =
         GetShortPathNameW(unlimited.c_str(), shortPath.data(), static_cast<DWORD>(shortPath.size()));
     if (length == 0 || length >= shortPath.size())
         return path;
-    return shortPath.substr(unlimited.size() - path.size(), length - (unlimited.size() - path.size()));
+    return shortPath.substr(prefix.size(), length - prefix.size());
 }
 
 HRESULT RegisterTypeLibrary() {
@@ -63,7 +64,7 @@ HRESULT RegisterTypeLibrary() {
 
 HRESULT UnregisterTypeLibrary() {
     if (!RegistryKeyStore::Exists(std::wstring(libraryKey) + fileSubkey))
-        return S_OK;
+        return RegistryKeyStore().DeleteKey(libraryKey); // a registration that failed may have left it empty
     const auto unregisterLibrary = Choose<UnregisterFunction>("UnRegisterTypeLibForUser", &UnRegisterTypeLib);
     return unregisterLibrary(libraryId, libraryMajor, libraryMinor, libraryLocale, system);
 }

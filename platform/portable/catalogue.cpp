@@ -138,7 +138,7 @@ std::filesystem::path Catalogue::File() {
         const char* const value = std::getenv(name);
         return value ? value : "";
     };
-    if (const auto file = variable("VANT_CATALOGUE"); !file.empty())
+    if (auto file = variable("VANT_CATALOGUE"); !file.empty())
         return file;
     auto folder = variable("XDG_DATA_HOME");
     if (folder.empty()) {

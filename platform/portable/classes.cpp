@@ -35,6 +35,18 @@ std::wstring TextOf(REFCLSID classId) {
     return text;
 }
 
+/// Whether the text is made of braces, hyphens and hexadecimal digits at their places, and ends there.
+bool HasTheFormOfAClassId(const wchar_t* text) {
+    constexpr std::wstring_view form = L"{########-####-####-####-############}";
+    for (std::size_t i = 0; i < form.size(); ++i) {
+        const bool digit = (text[i] >= L'0' && text[i] <= L'9') || (text[i] >= L'A' && text[i] <= L'F') ||
+                           (text[i] >= L'a' && text[i] <= L'f');
+        if (form[i] == L'#' ? !digit : text[i] != form[i])
+            return false; // also at the end of a shorter text
+    }
+    return text[form.size()] == L'\0';
+}
+
 std::optional<std::wstring> Registered(const std::wstring& key) {
     const auto catalogue = vant::Catalogue::Read(vant::Catalogue::File());
     const std::wstring* const value = catalogue.Find(key, L"");
@@ -95,7 +107,7 @@ HRESULT CLSIDFromString(LPCOLESTR text, CLSID* classId) {
     *classId = {};
     unsigned field[11] = {};
     int length = 0;
-    if (!text ||
+    if (!text || !HasTheFormOfAClassId(text) ||
         std::swscanf(text, L"{%8x-%4x-%4x-%2x%2x-%2x%2x%2x%2x%2x%2x}%n", &field[0], &field[1], &field[2],
                      &field[3], &field[4], &field[5], &field[6], &field[7], &field[8], &field[9], &field[10],
                      &length) != 11 ||

@@ -31,6 +31,24 @@ constexpr CLSID commandTerminator = {
 constexpr CLSID calculator = {0x1111BFC7, 0x28AF, 0x4B67, {0xB4, 0x26, 0xF2, 0x0A, 0xEB, 0x66, 0xF7, 0x82}};
 constexpr CLSID dataStoreWriter = {
     0xA5869103, 0x14CC, 0x49C6, {0x9E, 0x8E, 0x9D, 0x98, 0x61, 0x56, 0x3A, 0xDE}};
+constexpr CLSID parameterWriter = {
+    0xCD14CC20, 0xEF6F, 0x42DE, {0x91, 0x72, 0xD5, 0xDD, 0xEE, 0xF2, 0xD4, 0x5C}};
+constexpr CLSID parameterLoader = {
+    0x77B01702, 0x0B37, 0x4870, {0x93, 0x55, 0x6F, 0x47, 0x4A, 0x1F, 0x36, 0xD1}};
+constexpr CLSID faultArrayChecker = {
+    0xA177EC7B, 0x206B, 0x477D, {0xAC, 0xAC, 0x68, 0x79, 0xDA, 0xFE, 0x94, 0x99}};
+constexpr CLSID propertySetter = {
+    0xCD14CC20, 0xEF6F, 0x42DE, {0x91, 0x72, 0xD5, 0xDD, 0xEE, 0xF2, 0xD2, 0x3D}};
+constexpr CLSID messageDisplayer = {
+    0xE2DBCBB4, 0xA640, 0x45D1, {0xAE, 0x0B, 0x18, 0x3C, 0x7A, 0xCD, 0xC9, 0x12}};
+constexpr CLSID errorDisplayer = {
+    0xF920F82B, 0x8BDD, 0x4F6F, {0xB9, 0x07, 0x4D, 0x57, 0x2A, 0x30, 0xBD, 0x4A}};
+constexpr CLSID helpDisplayer = {
+    0x3D038A1D, 0x5F8D, 0x43A9, {0xB6, 0xA6, 0xCA, 0x74, 0x9B, 0xFD, 0xC3, 0x3C}};
+constexpr CLSID diagnosticTestInstruction = {
+    0xA96AA96E, 0x4EF3, 0x41B8, {0xB5, 0xCD, 0x49, 0xEA, 0x81, 0xA6, 0xD7, 0xE4}};
+constexpr CLSID stringFormatter = {
+    0xA5BB457B, 0xF7B3, 0x47A6, {0x8B, 0x8E, 0xEA, 0xC2, 0x75, 0x33, 0x54, 0xAF}};
 
 /// The requests that a command makes of the context, in their order.
 const Calls serviceRequests = {L"context 5()",  L"context 7()",  L"context 11()",
@@ -82,7 +100,17 @@ INSTANTIATE_TEST_SUITE_P(Abi, EveryBuiltCommand,
                          testing::Values(NamedClass{"CompositeCommand", &compositeCommand, L"commandIDList"},
                                          NamedClass{"CommandTerminator", &commandTerminator, L"commandID"},
                                          NamedClass{"Calculator", &calculator, L"operation"},
-                                         NamedClass{"DataStoreWriter", &dataStoreWriter, L"value"}),
+                                         NamedClass{"DataStoreWriter", &dataStoreWriter, L"value"},
+                                         NamedClass{"ParameterWriter", &parameterWriter, L"parameterID"},
+                                         NamedClass{"ParameterLoader", &parameterLoader, L"parameterID"},
+                                         NamedClass{"FaultArrayChecker", &faultArrayChecker, L"arrayID"},
+                                         NamedClass{"PropertySetter", &propertySetter, L"componentID"},
+                                         NamedClass{"MessageDisplayer", &messageDisplayer, L"dsString"},
+                                         NamedClass{"ErrorDisplayer", &errorDisplayer, L"dsString"},
+                                         NamedClass{"HelpDisplayer", &helpDisplayer, L"helpFile"},
+                                         NamedClass{"DiagnosticTestInstruction", &diagnosticTestInstruction,
+                                                    L"dsValue"},
+                                         NamedClass{"StringFormatter", &stringFormatter, L"operation"}),
                          [](const auto& instance) { return std::string(instance.param.name); });
 
 /// Whatever a command asked of the host: nothing undocumented, and nothing kept.
@@ -284,6 +312,135 @@ TEST(BuiltCommand, Calculator_RefusedReadThatGivesAValueAllTheSame_WritesNothing
     EXPECT_EQ(
         CallsOf(calculator, {{L"operation", L"negate"}, {L"dsSourceA", L"first"}, {L"dsResult", L"x"}}, host),
         (Calls{L"dataStore 9(first, type 0)"}));
+}
+
+TEST(BuiltCommand, ParameterWriter_WritesATextThroughSlot13OfTheParameterService) {
+    RawHost host;
+    EXPECT_EQ(CallsOf(parameterWriter, {{L"parameterID", L"190"}, {L"value", L"5"}}, host),
+              (Calls{L"parameterService 13(190, 1, text 5)"}));
+}
+
+TEST(BuiltCommand, ParameterWriter_ReadsReferencesThroughSlot9OfTheStoreAndIgnoresTheAnswers) {
+    RawHost host;
+    host.entries = {{L"id", L"190"}};
+    host.answer = E_FAIL;
+    EXPECT_EQ(CallsOf(parameterWriter, {{L"dsParameterID", L"id"}, {L"dsValue", L"missing"}}, host),
+              (Calls{L"dataStore 9(id, type 0)", L"dataStore 9(missing, type 0)",
+                     L"parameterService 13(190, 1, type 0)"}));
+}
+
+TEST(BuiltCommand, ParameterLoader_ReadsThroughSlot10OfTheParameterAndStoresAText) {
+    RawHost host;
+    EXPECT_EQ(CallsOf(parameterLoader, {{L"parameterID", L"190"}, {L"dsLocation", L"speed"}}, host),
+              (Calls{L"parameterService 12(190, 1)", L"parameter 10()", L"dataStore 10(speed, text 800)"}));
+}
+
+/// Runs a FaultArrayChecker with all of its properties.
+Calls CallsOfFaultCheck(RawHost& host) {
+    return CallsOf(faultArrayChecker,
+                   {{L"arrayID", L"faults"},
+                    {L"successTransitionID", L"good"},
+                    {L"failTransitionID", L"bad"},
+                    {L"dsFaultCode", L"code"}},
+                   host);
+}
+
+TEST(BuiltCommand, FaultArrayChecker_WalksTheArrayByIndexesFrom1AndStoresTheActiveCode) {
+    RawHost host;
+    host.faults = {{{L"199009", L"Inactive"}}, {{L"199008", L"P0123"}, {L"199009", L"Active"}}};
+    EXPECT_EQ(CallsOfFaultCheck(host), (Calls{L"parameterService 12(faults, 2)",
+                                              L"faultArray 8()",
+                                              L"faultRecordList 8()",
+                                              L"faultRecordList 7(number 1)",
+                                              L"faultRecord 8()",
+                                              L"faultRecord 7(number 1)",
+                                              L"faultField 7()",
+                                              L"faultField 9()",
+                                              L"faultRecordList 7(number 2)",
+                                              L"faultRecord 8()",
+                                              L"faultRecord 7(number 1)",
+                                              L"faultField 7()",
+                                              L"faultRecord 7(number 2)",
+                                              L"faultField 7()",
+                                              L"faultField 9()",
+                                              L"faultRecord 8()",
+                                              L"faultRecord 7(number 1)",
+                                              L"faultField 7()",
+                                              L"faultField 9()",
+                                              L"dataStore 10(code, text P0123)",
+                                              L"procedureController 7(bad)"}));
+}
+
+TEST(BuiltCommand, FaultArrayChecker_EmptyArray_TakesTheSuccessTransitionThroughSlot7) {
+    RawHost host;
+    EXPECT_EQ(CallsOfFaultCheck(host), (Calls{L"parameterService 12(faults, 2)", L"faultArray 8()",
+                                              L"faultRecordList 8()", L"procedureController 7(good)"}));
+}
+
+TEST(BuiltCommand, PropertySetter_ReadsReferencesThroughSlot9OfTheParameterAndSetsThroughSlot10) {
+    RawHost host;
+    EXPECT_EQ(CallsOf(propertySetter,
+                      {{L"propertyName", L"text"}, {L"componentID", L"gauge"}, {L"value", L"<$p(190)>"}},
+                      host),
+              (Calls{L"parameterService 12(190, 1)", L"parameter 9()",
+                     L"componentService 10(gauge, text, <parameter text 9>)"}));
+}
+
+TEST(BuiltCommand, PropertySetter_RefusedProperty_AnswersFail) {
+    RawHost host;
+    host.answer = E_INVALIDARG;
+    EXPECT_EQ(CallsOf(propertySetter, {{L"propertyName", L"text"}, {L"componentID", L"gauge"}}, host, E_FAIL),
+              (Calls{L"componentService 10(gauge, text, )"}));
+}
+
+TEST(BuiltCommand, MessageDisplayer_ReadsThroughSlot9OfTheStore) {
+    if (GetForegroundWindow())
+        GTEST_SKIP() << "a window has the foreground; the message would wait for somebody to close it";
+    RawHost host;
+    EXPECT_EQ(CallsOf(messageDisplayer, {{L"dsString", L"missing"}}, host),
+              (Calls{L"dataStore 9(missing, type 0)"}));
+}
+
+TEST(BuiltCommand, ErrorAndHelpDisplayers_AskNothing) {
+    RawHost host;
+    EXPECT_EQ(CallsOf(errorDisplayer, {{L"dsString", L"entry"}}, host), Calls());
+    EXPECT_EQ(CallsOf(helpDisplayer, {{L"helpFile", L"manual"}, {L"helpIndex", L"3"}}, host), Calls());
+}
+
+TEST(BuiltCommand, DiagnosticTestInstruction_ShowsThroughSlot7AndIgnoresTheAnswers) {
+    RawHost host;
+    host.entries = {{L"text", L"hold $p(190)"}};
+    host.answer = E_FAIL;
+    EXPECT_EQ(CallsOf(diagnosticTestInstruction, {{L"dsValue", L"text"}}, host),
+              (Calls{L"dataStore 9(text, type 0)", L"parameterService 12(190, 1)", L"parameter 9()",
+                     L"presentationService 7(hold parameter text 9)"}));
+}
+
+TEST(BuiltCommand, StringFormatter_SubstitutesParametersThenEntries) {
+    RawHost host;
+    host.entries = {{L"text", L"$d(first) of $p(190)"}, {L"first", L"12.5"}};
+    EXPECT_EQ(
+        CallsOf(stringFormatter,
+                {{L"operation", L"substitute"}, {L"dsSourceString", L"text"}, {L"dsTargetString", L"result"}},
+                host),
+        (Calls{L"dataStore 9(text, type 0)", L"parameterService 12(190, 1)", L"parameter 9()",
+               L"dataStore 9(first, type 0)", L"dataStore 10(result, text 12.5 of parameter text 9)"}));
+}
+
+TEST(BuiltCommand, StringFormatter_RoundsAndTellsTime) {
+    RawHost host;
+    host.entries = {{L"number", L"3661.9"}, {L"seconds", L"3661"}};
+    EXPECT_EQ(
+        CallsOf(stringFormatter,
+                {{L"operation", L"round"}, {L"dsSourceString", L"number"}, {L"dsTargetString", L"result"}},
+                host),
+        (Calls{L"dataStore 9(number, type 0)", L"dataStore 10(result, text 3661)"}));
+    EXPECT_EQ(
+        CallsOf(
+            stringFormatter,
+            {{L"operation", L"numToHMS"}, {L"dsSourceString", L"seconds"}, {L"dsTargetString", L"result"}},
+            host),
+        (Calls{L"dataStore 9(seconds, type 0)", L"dataStore 10(result, text 01:01:01)"}));
 }
 
 } // namespace

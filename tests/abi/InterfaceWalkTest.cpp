@@ -170,6 +170,123 @@ TEST(InterfaceWalk, EcmServices) {
                     {12, [](I* i) { i->GetUnits(nullptr); }}});
 }
 
+TEST(InterfaceWalk, Unit) {
+    using I = IUnit;
+    ExpectSlots<I>({{7, [](I* i) { i->Reserved7(); }}, {8, [](I* i) { i->get_Text(nullptr); }}});
+}
+
+TEST(InterfaceWalk, UnitsTable) {
+    using I = IUnitsTable;
+    ExpectSlots<I>({{7, [](I* i) { i->GetUnit(nullptr, nullptr); }}});
+}
+
+TEST(InterfaceWalk, SessionManager) {
+    using I = IECMSessionManager;
+    ExpectSlots<I>({{7, [](I* i) { i->Reserved7(); }},
+                    {8, [](I* i) { i->Reserved8(); }},
+                    {9, [](I* i) { i->GetDirectory(nullptr); }},
+                    {10, [](I* i) { i->GetProtocolSource(nullptr); }}});
+}
+
+TEST(InterfaceWalk, Directory) {
+    using I = IECMDirectory;
+    ExpectSlots<I>({{7, [](I* i) { i->Reserved7(); }},
+                    {8, [](I* i) { i->Reserved8(); }},
+                    {9, [](I* i) { i->OpenECM(0, nullptr); }},
+                    {10, [](I* i) { i->CloseECM(0); }}});
+}
+
+TEST(InterfaceWalk, Session) {
+    using I = IECMSession;
+    ExpectSlots<I>({{7, [](I* i) { i->Register(nullptr); }},
+                    {8, [](I* i) { i->Reserved8(); }},
+                    {9, [](I* i) { i->Reserved9(); }},
+                    {10, [](I* i) { i->Reserved10(); }},
+                    {11, [](I* i) { i->ReadParameter(0, 1, nullptr); }}});
+}
+
+TEST(InterfaceWalk, SessionItem) {
+    using I = IECMSessionItem;
+    ExpectSlots<I>({{7, [](I* i) { i->Reserved7(); }},
+                    {8, [](I* i) { i->Reserved8(); }},
+                    {9, [](I* i) { i->Reserved9(); }},
+                    {10, [](I* i) { i->Reserved10(); }},
+                    {11, [](I* i) { i->Reserved11(); }},
+                    {12, [](I* i) { i->get_Value(nullptr); }}});
+}
+
+TEST(InterfaceWalk, ProtocolSource) {
+    using I = IProtocolSource;
+    ExpectSlots<I>({{7, [](I* i) { i->Reserved7(); }},
+                    {8, [](I* i) { i->Reserved8(); }},
+                    {9, [](I* i) { i->GetA(0, nullptr); }}});
+}
+
+TEST(InterfaceWalk, ProtocolSourceA) {
+    using I = IProtocolSourceA;
+    ExpectSlots<I>({{7, [](I* i) { i->Reserved7(); }},
+                    {8, [](I* i) { i->Reserved8(); }},
+                    {9, [](I* i) { i->Reserved9(); }},
+                    {10, [](I* i) { i->Reserved10(); }},
+                    {11, [](I* i) { i->Reserved11(); }},
+                    {12, [](I* i) { i->Reserved12(); }},
+                    {13, [](I* i) { i->Reserved13(); }},
+                    {14, [](I* i) { i->GetB(nullptr); }}});
+}
+
+TEST(InterfaceWalk, ProtocolSourceB) {
+    using I = IProtocolSourceB;
+    ExpectSlots<I>({{7, [](I* i) { i->Reserved7(); }}, {8, [](I* i) { i->GetC(nullptr, nullptr); }}});
+}
+
+TEST(InterfaceWalk, ProtocolSourceC) {
+    using I = IProtocolSourceC;
+    ExpectSlots<I>({{7, [](I* i) { i->Reserved7(); }},
+                    {8, [](I* i) { i->Reserved8(); }},
+                    {9, [](I* i) { i->Reserved9(); }},
+                    {10, [](I* i) { i->Reserved10(); }},
+                    {11, [](I* i) { i->Reserved11(); }},
+                    {12, [](I* i) { i->GetD(nullptr, nullptr); }}});
+}
+
+TEST(InterfaceWalk, ProtocolSourceD) {
+    using I = IProtocolSourceD;
+    ExpectSlots<I>({{7, [](I* i) { i->Reserved7(); }},
+                    {8, [](I* i) { i->Reserved8(); }},
+                    {9, [](I* i) { i->Reserved9(); }},
+                    {10, [](I* i) { i->Reserved10(); }},
+                    {11, [](I* i) { i->Reserved11(); }},
+                    {12, [](I* i) { i->Reserved12(); }},
+                    {13, [](I* i) { i->Reserved13(); }},
+                    {14, [](I* i) { i->Reserved14(); }},
+                    {15, [](I* i) { i->Reserved15(); }},
+                    {16, [](I* i) { i->get_Kind(nullptr); }}});
+}
+
+TEST(InterfaceWalk, FaultArray) {
+    using I = IFaultArray;
+    ExpectSlots<I>({{7, [](I* i) { i->Reserved7(); }}, {8, [](I* i) { i->get_Records(nullptr); }}});
+}
+
+TEST(InterfaceWalk, FaultRecordList) {
+    using I = IFaultRecordList;
+    ExpectSlots<I>(
+        {{7, [](I* i) { i->get_Item(VARIANT{}, nullptr); }}, {8, [](I* i) { i->get_Count(nullptr); }}});
+}
+
+TEST(InterfaceWalk, FaultRecord) {
+    using I = IFaultRecord;
+    ExpectSlots<I>(
+        {{7, [](I* i) { i->get_Item(VARIANT{}, nullptr); }}, {8, [](I* i) { i->get_Count(nullptr); }}});
+}
+
+TEST(InterfaceWalk, FaultField) {
+    using I = IFaultField;
+    ExpectSlots<I>({{7, [](I* i) { i->get_Name(nullptr); }},
+                    {8, [](I* i) { i->Reserved8(); }},
+                    {9, [](I* i) { i->get_Value(nullptr); }}});
+}
+
 TEST(InterfaceWalk, ThreadService) {
     using I = IThreadService;
     ExpectSlots<I>({{7, [](I* i) { i->Reserved7(); }},
@@ -294,7 +411,7 @@ TEST_F(InterfaceArguments, DataServiceAndConnection) {
     connection->get_ConnectionIdentifier(&identifier);
     EXPECT_EQ(static_cast<void*>(read.Get()), &host.parameter);
     EXPECT_EQ(static_cast<void*>(written.Get()), &host.parameter);
-    EXPECT_EQ(identifier.Text(), L"connection text 7");
+    EXPECT_EQ(identifier.Text(), L"42");
     EXPECT_EQ(host.calls, (Calls{L"parameterService 12(a, 1)", L"parameterService 13(b, 2, number -5)",
                                  L"parameterService 10()", L"connection 7()"}));
 }
@@ -315,6 +432,16 @@ TEST_F(InterfaceArguments, Parameter_FoundByItsIdentifier) {
     EXPECT_EQ(value.Get().vt, VT_I4);
     EXPECT_EQ(value.Get().lVal, 800);
     EXPECT_EQ(units.Text(), L"parameter text 11");
+}
+
+TEST_F(InterfaceArguments, UnitsTableAndUnit) {
+    CComPtr<IUnit> unit;
+    CComBSTR name;
+    ASSERT_EQ(As<IUnitsTable>(host.unitsTable)->GetUnit(a.Get(), &unit), S_OK);
+    EXPECT_EQ(static_cast<void*>(unit.Get()), &host.unit);
+    EXPECT_EQ(unit->get_Text(&name), S_OK);
+    EXPECT_EQ(name.Text(), L"unit text 8");
+    EXPECT_EQ(host.calls, (Calls{L"unitsTable 7(a)", L"unit 8()"}));
 }
 
 TEST_F(InterfaceArguments, ThreadServiceAndEcmServices_FoundByTheirIdentifiersOnOneObject) {

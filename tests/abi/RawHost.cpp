@@ -43,25 +43,23 @@ void Note(const RawObject& object, int slot, const Arguments&... arguments) {
     object.Host().calls.push_back(call + L')');
 }
 
-template <RawObject RawHost::*wanted, int slot>
-HRESULT STDMETHODCALLTYPE GiveObject(RawObject* self, void** out) {
-    Note(*self, slot);
-    RawHost& host = self->Host();
-    const bool refused = host.calls.back() == host.refusedRequest;
-    if (!refused || host.givesWhenRefusing)
-        *out = (host.*wanted).Give();
-    return refused ? static_cast<HRESULT>(0x80041234) : S_OK;
-}
+/// An operation that gives an object of the host for arguments of these types.
+template <RawObject RawHost::*wanted, int slot, class... Arguments>
+struct Give {
+    static HRESULT STDMETHODCALLTYPE Object(RawObject* self, Arguments... arguments, void** out) {
+        Note(*self, slot, arguments...);
+        RawHost& host = self->Host();
+        const bool refused = host.calls.back() == host.refusedRequest;
+        if (!refused || host.givesWhenRefusing)
+            *out = (host.*wanted).Give();
+        return refused ? static_cast<HRESULT>(0x80041234) : S_OK;
+    }
+};
 
-template <int slot>
-HRESULT STDMETHODCALLTYPE TakeText(RawObject* self, BSTR text) {
-    Note(*self, slot, text);
-    return self->Host().answer;
-}
-
-template <int slot>
-HRESULT STDMETHODCALLTYPE TakeCookie(RawObject* self, std::uint32_t cookie) {
-    Note(*self, slot, cookie);
+/// An operation that takes one argument and gives nothing.
+template <int slot, class Argument>
+HRESULT STDMETHODCALLTYPE Take(RawObject* self, Argument argument) {
+    Note(*self, slot, argument);
     return self->Host().answer;
 }
 
@@ -93,7 +91,8 @@ HRESULT STDMETHODCALLTYPE SetValue(RawObject* self, BSTR name, VARIANT value) {
 
 HRESULT STDMETHODCALLTYPE GetParameter(RawObject* self, BSTR id, LONG kind, void** out) {
     Note(*self, 12, id, kind);
-    *out = self->Host().parameter.Give();
+    RawHost& host = self->Host();
+    *out = (kind == 2 ? host.faultArray : host.parameter).Give();
     return S_OK;
 }
 
@@ -103,9 +102,72 @@ HRESULT STDMETHODCALLTYPE SetParameter(RawObject* self, BSTR id, LONG kind, VARI
     return S_OK;
 }
 
-HRESULT STDMETHODCALLTYPE ParameterValue(RawObject* self, VARIANT* out) {
-    Note(*self, 10);
-    *out = CComVariant(LONG{800}).Detach();
+template <int slot, LONG value>
+HRESULT STDMETHODCALLTYPE GiveNumberValue(RawObject* self, VARIANT* out) {
+    Note(*self, slot);
+    *out = CComVariant(value).Detach();
+    return S_OK;
+}
+
+HRESULT STDMETHODCALLTYPE ConnectionIdentifier(RawObject* self, BSTR* out) {
+    Note(*self, 7);
+    *out = CComBSTR(L"42").Detach();
+    return S_OK;
+}
+
+HRESULT STDMETHODCALLTYPE RegisterSession(RawObject* self, LONG* handle) {
+    Note(*self, 7);
+    *handle = 7;
+    return S_OK;
+}
+
+HRESULT STDMETHODCALLTYPE ProtocolKind(RawObject* self, LONG* kind) {
+    Note(*self, 16);
+    *kind = self->Host().protocolKind;
+    return S_OK;
+}
+
+const RawFaultRecord& CurrentRecord(const RawHost& host) {
+    return host.faults.at(host.currentRecord);
+}
+
+HRESULT STDMETHODCALLTYPE RecordItem(RawObject* self, VARIANT index, void** out) {
+    Note(*self, 7, index);
+    RawHost& host = self->Host();
+    host.currentRecord = static_cast<std::size_t>(index.lVal - 1);
+    *out = host.faultRecord.Give();
+    return S_OK;
+}
+
+HRESULT STDMETHODCALLTYPE RecordCount(RawObject* self, LONG* count) {
+    Note(*self, 8);
+    *count = static_cast<LONG>(self->Host().faults.size());
+    return S_OK;
+}
+
+HRESULT STDMETHODCALLTYPE FieldItem(RawObject* self, VARIANT index, void** out) {
+    Note(*self, 7, index);
+    RawHost& host = self->Host();
+    host.currentField = static_cast<std::size_t>(index.lVal - 1);
+    *out = host.faultField.Give();
+    return S_OK;
+}
+
+HRESULT STDMETHODCALLTYPE FieldCount(RawObject* self, LONG* count) {
+    Note(*self, 8);
+    *count = static_cast<LONG>(CurrentRecord(self->Host()).size());
+    return S_OK;
+}
+
+HRESULT STDMETHODCALLTYPE FieldName(RawObject* self, BSTR* out) {
+    Note(*self, 7);
+    *out = CComBSTR(CurrentRecord(self->Host()).at(self->Host().currentField).first).Detach();
+    return S_OK;
+}
+
+HRESULT STDMETHODCALLTYPE FieldValue(RawObject* self, BSTR* out) {
+    Note(*self, 9);
+    *out = CComBSTR(CurrentRecord(self->Host()).at(self->Host().currentField).second).Detach();
     return S_OK;
 }
 
@@ -124,47 +186,84 @@ HRESULT STDMETHODCALLTYPE RegisterCallback(RawObject* self, void* callback, cons
 } // namespace
 
 RawHost::RawHost() {
-    context.Place(3, &GiveObject<&RawHost::procedureController, 3>);
-    context.Place(5, &GiveObject<&RawHost::commandRunner, 5>);
-    context.Place(7, &GiveObject<&RawHost::componentService, 7>);
-    context.Place(9, &GiveObject<&RawHost::service7, 9>);
-    context.Place(11, &GiveObject<&RawHost::service3, 11>);
-    context.Place(13, &GiveObject<&RawHost::presentationService, 13>);
-    context.Place(15, &GiveObject<&RawHost::dataStore, 15>);
-    context.Place(17, &GiveObject<&RawHost::threadService, 17>);
-    context.Place(21, &GiveObject<&RawHost::parameterService, 21>);
+    context.Place(3, &Give<&RawHost::procedureController, 3>::Object);
+    context.Place(5, &Give<&RawHost::commandRunner, 5>::Object);
+    context.Place(7, &Give<&RawHost::componentService, 7>::Object);
+    context.Place(9, &Give<&RawHost::service7, 9>::Object);
+    context.Place(11, &Give<&RawHost::service3, 11>::Object);
+    context.Place(13, &Give<&RawHost::presentationService, 13>::Object);
+    context.Place(15, &Give<&RawHost::dataStore, 15>::Object);
+    context.Place(17, &Give<&RawHost::threadService, 17>::Object);
+    context.Place(21, &Give<&RawHost::parameterService, 21>::Object);
 
-    commandRunner.Place(3, &TakeText<3>);
-    commandRunner.Place(4, &TakeText<4>);
+    commandRunner.Place(3, &Take<3, BSTR>);
+    commandRunner.Place(4, &Take<4, BSTR>);
     componentService.Place(10, &SetComponentProperty);
     dataStore.Place(9, &GetValue);
     dataStore.Place(10, &SetValue);
-    presentationService.Place(7, &TakeText<7>);
-    procedureController.Place(7, &TakeText<7>);
-    controller.Place(3, &TakeText<3>);
+    presentationService.Place(7, &Take<7, BSTR>);
+    procedureController.Place(7, &Take<7, BSTR>);
+    controller.Place(3, &Take<3, BSTR>);
     controller.Place(6, &CommandStopped);
 
-    parameterService.Place(10, &GiveObject<&RawHost::connection, 10>);
+    parameterService.Place(10, &Give<&RawHost::connection, 10>::Object);
     parameterService.Place(12, &GetParameter);
     parameterService.Place(13, &SetParameter);
-    connection.Place(7, &GiveText<7>);
+    connection.Place(7, &ConnectionIdentifier);
     parameter.Place(8, &GiveText<8>);
     parameter.Place(9, &GiveText<9>);
-    parameter.Place(10, &ParameterValue);
+    parameter.Place(10, &GiveNumberValue<10, 800>);
     parameter.Place(11, &GiveText<11>);
 
     threadService.AlsoAnswers(iidEcmServices, ecmServices);
-    threadService.Place(8, &TakeCookie<8>);
-    threadService.Place(11, &TakeCookie<11>);
-    threadService.Place(12, &TakeCookie<12>);
+    threadService.Place(8, &Take<8, std::uint32_t>);
+    threadService.Place(11, &Take<11, std::uint32_t>);
+    threadService.Place(12, &Take<12, std::uint32_t>);
     threadService.Place(13, &RegisterCallback);
-    ecmServices.Place(12, &GiveObject<&RawHost::unitsTable, 12>);
+    ecmServices.Place(12, &Give<&RawHost::unitsTable, 12>::Object);
+    unitsTable.Place(7, &Give<&RawHost::unit, 7, BSTR>::Object);
+    unit.Place(8, &GiveText<8>);
+
+    ecmServices.AlsoAnswers(iidSessionManager, sessionManager);
+    sessionManager.Place(9, &Give<&RawHost::directory, 9>::Object);
+    sessionManager.Place(10, &Give<&RawHost::source, 10>::Object);
+    directory.Place(9, &Give<&RawHost::openedEcm, 9, LONG>::Object);
+    directory.Place(10, &Take<10, LONG>);
+    openedEcm.AlsoAnswers(iidSession, session);
+    session.Place(7, &RegisterSession);
+    session.Place(11, &Give<&RawHost::sessionItem, 11, LONG, LONG>::Object);
+    sessionItem.Place(12, &GiveNumberValue<12, 750>);
+    source.Place(9, &Give<&RawHost::sourceA, 9, LONG>::Object);
+    sourceA.Place(14, &Give<&RawHost::sourceB, 14>::Object);
+    sourceB.Place(8, &Give<&RawHost::sourceC, 8, void*>::Object);
+    sourceC.Place(12, &Give<&RawHost::sourceD, 12, void*>::Object);
+    sourceD.Place(16, &ProtocolKind);
+
+    faultArray.Place(8, &Give<&RawHost::faultRecordList, 8>::Object);
+    faultRecordList.Place(7, &RecordItem);
+    faultRecordList.Place(8, &RecordCount);
+    faultRecord.Place(7, &FieldItem);
+    faultRecord.Place(8, &FieldCount);
+    faultField.Place(7, &FieldName);
+    faultField.Place(9, &FieldValue);
 }
 
 std::vector<RawObject*> RawHost::Objects() {
-    return {&context,     &commandRunner,    &componentService,    &service3,   &dataStore,
-            &service7,    &threadService,    &presentationService, &controller, &procedureController,
-            &ecmServices, &parameterService, &parameter,           &connection, &unitsTable};
+    return {&context,          &commandRunner,
+            &componentService, &service3,
+            &dataStore,        &service7,
+            &threadService,    &presentationService,
+            &controller,       &procedureController,
+            &ecmServices,      &parameterService,
+            &parameter,        &connection,
+            &unitsTable,       &unit,
+            &sessionManager,   &directory,
+            &openedEcm,        &session,
+            &sessionItem,      &source,
+            &sourceA,          &sourceB,
+            &sourceC,          &sourceD,
+            &faultArray,       &faultRecordList,
+            &faultRecord,      &faultField};
 }
 
 int RawHost::References() {

@@ -2,8 +2,10 @@
 
 #include "tests/abi/RawObject.h"
 
+#include <cstddef>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace vant::abi {
@@ -15,6 +17,18 @@ inline constexpr IID iidEcmServices = {
 inline constexpr IID iidThreadService = {
     0x3920C9CE, 0x1878, 0x49C8, {0xBA, 0x82, 0x41, 0xCA, 0xA3, 0x6E, 0x71, 0x68}};
 
+inline constexpr IID iidSessionManager = {
+    0x57A1688E, 0x42C8, 0x4143, {0xBD, 0x1B, 0x40, 0x6B, 0x57, 0xAB, 0xFB, 0xA2}};
+inline constexpr IID iidSession = {
+    0xE4E23B57, 0xAAFF, 0x4E8D, {0xBC, 0x18, 0xF5, 0x64, 0xB1, 0x49, 0xB8, 0x40}};
+inline constexpr IID iidFaultArray = {
+    0xF63B87AA, 0x911A, 0x456E, {0xBD, 0xF6, 0x2F, 0xF6, 0x1B, 0x87, 0x4E, 0xCD}};
+inline constexpr IID iidFaultRecordList = {
+    0xF610F5AF, 0xA42A, 0x45C3, {0x89, 0x46, 0x8D, 0x30, 0x63, 0x30, 0x0B, 0x67}};
+
+/// A field's name and value.
+using RawFaultRecord = std::vector<std::pair<std::wstring, std::wstring>>;
+
 /// A host of raw function tables: each documented operation stands in its slot, every other slot is a trap.
 /// It knows no interface declaration. Whatever is called, is noted.
 class RawHost {
@@ -25,6 +39,10 @@ public:
     std::vector<std::wstring> calls;
     /// The data store's texts.
     std::map<std::wstring, std::wstring> entries;
+    /// The fault array, whatever its identifier.
+    std::vector<RawFaultRecord> faults;
+    /// What the end of the protocol source chain answers.
+    LONG protocolKind = 0;
     /// What the operations of the services and of the controller answer, whatever else they do.
     HRESULT answer = S_OK;
     /// A request of the context, as `calls` has it, that answers 0x80041234 and leaves its argument alone,
@@ -46,11 +64,29 @@ public:
     RawObject parameter{*this, L"parameter", &iidParameter};
     RawObject connection{*this, L"connection"};
     RawObject unitsTable{*this, L"unitsTable"};
+    RawObject unit{*this, L"unit"};
+    RawObject sessionManager{*this, L"sessionManager", &iidSessionManager};
+    RawObject directory{*this, L"directory"};
+    RawObject openedEcm{*this, L"openedEcm"};
+    RawObject session{*this, L"session", &iidSession};
+    RawObject sessionItem{*this, L"sessionItem"};
+    RawObject source{*this, L"source"};
+    RawObject sourceA{*this, L"sourceA"};
+    RawObject sourceB{*this, L"sourceB"};
+    RawObject sourceC{*this, L"sourceC"};
+    RawObject sourceD{*this, L"sourceD"};
+    RawObject faultArray{*this, L"faultArray", &iidFaultArray};
+    RawObject faultRecordList{*this, L"faultRecordList", &iidFaultRecordList};
+    RawObject faultRecord{*this, L"faultRecord"};
+    RawObject faultField{*this, L"faultField"};
     RawObject controller{*this, L"controller"};
 
     std::vector<RawObject*> Objects();
     /// References that somebody still holds on any object.
     int References();
+    /// The record and the field that were last asked for, counted from 0.
+    std::size_t currentRecord = 0;
+    std::size_t currentField = 0;
     /// The traps that were called, as "object slot".
     std::vector<std::wstring> Trapped();
 };

@@ -3,6 +3,7 @@
 #include "tests/support/HostObject.h"
 
 #include <deque>
+#include <new>
 #include <utility>
 
 namespace vant::test {
@@ -19,7 +20,7 @@ public:
     ULONG STDMETHODCALLTYPE Release() override {
         const ULONG left = DualHostObject<Interface>::Release();
         if (left == 0)
-            m_released.push_back(m_name);
+            Note();
         return left;
     }
 
@@ -33,6 +34,14 @@ protected:
     }
 
 private:
+    void Note() {
+        try {
+            m_released.push_back(m_name);
+        } catch (const std::bad_alloc&) {
+            // A Release cannot fail, so the note is lost.
+        }
+    }
+
     std::vector<std::string>& m_released;
     std::string m_name;
 };

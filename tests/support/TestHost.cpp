@@ -209,7 +209,10 @@ private:
     static void Assign(HostParameter& parameter, const VARIANT& value) {
         parameter.value = CComVariant::Copy(value);
         CComVariant text(parameter.value);
-        if (SUCCEEDED(text.ChangeType(VT_BSTR)))
+        const HRESULT code = text.ChangeType(VT_BSTR);
+        if (code == E_OUTOFMEMORY)
+            throw std::bad_alloc();
+        if (SUCCEEDED(code))
             parameter.text = TextOf(StringMember(text.Get()));
     }
 

@@ -21,8 +21,8 @@ public:
 
     /// Opportunities so far.
     virtual std::size_t Opportunities(const TestHost& host) const = 0;
-    /// Where it has just struck in a call of the host: how many of the host's calls had gone well before.
-    virtual std::size_t CallsBefore(const TestHost& host) const = 0;
+    /// Which of the host's calls it strikes, counted from 0; nothing where only the outcome can tell.
+    virtual std::optional<std::size_t> StruckCall() const = 0;
     /// What a host's call answers in which it strikes; nothing where the call throws.
     virtual std::optional<HRESULT> Code() const = 0;
     /// Stand before and after each operation of the command. Outside, nothing is an opportunity.
@@ -30,6 +30,7 @@ public:
     virtual void Disable() {}
 
 protected:
+    std::size_t Number() const { return m_number; }
     virtual void DoPlan(TestHost& host, std::size_t number) = 0;
 
 private:
@@ -41,7 +42,7 @@ class FailedCall final : public Fault {
 public:
     explicit FailedCall(HRESULT code) : m_code(code) {}
     std::size_t Opportunities(const TestHost& host) const override { return host.CallCount(); }
-    std::size_t CallsBefore(const TestHost& host) const override { return host.CallCount() - 1; }
+    std::optional<std::size_t> StruckCall() const override { return Number() - 1; }
     std::optional<HRESULT> Code() const override { return m_code; }
 
 private:
@@ -54,7 +55,7 @@ private:
 class ThrowingCall final : public Fault {
 public:
     std::size_t Opportunities(const TestHost& host) const override { return host.CallCount(); }
-    std::size_t CallsBefore(const TestHost& host) const override { return host.CallCount() - 1; }
+    std::optional<std::size_t> StruckCall() const override { return Number() - 1; }
     std::optional<HRESULT> Code() const override { return std::nullopt; }
 
 private:

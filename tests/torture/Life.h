@@ -4,20 +4,32 @@
 
 #include <cstddef>
 #include <iosfwd>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
 namespace vant::test {
 
+using Calls = std::vector<std::string>;
+
+/// A call whose failure does not end the execution.
+struct IgnoredCall {
+    std::size_t number;     ///< among the scenario's calls, counted from 0
+    Calls then;             ///< the calls that follow its failure
+    HRESULT execute = S_OK; ///< what Execute then answers
+};
+
 /// A command with all that it needs for one execution.
 struct Scenario {
     const char* name;
     const CLSID* classId;
     std::vector<std::pair<std::wstring, std::wstring>> properties;
-    std::vector<std::string> calls; ///< what Execute asks of the host, as TestHost notes it
-    std::wstring result;            ///< the data-store entry "result" after Execute; it is "old" before
-    HRESULT failedExecute;          ///< what Execute answers where something in it goes wrong
+    Calls calls;           ///< what Execute asks of the host, as TestHost notes it
+    HRESULT failedExecute; ///< what Execute answers where something ends it early
+    std::vector<IgnoredCall> ignored = {};
+    /// All calls, where a conversion without memory gives no text, which ends nothing.
+    std::optional<Calls> withoutText = std::nullopt;
 
     friend std::ostream& operator<<(std::ostream& out, const Scenario& scenario);
 };

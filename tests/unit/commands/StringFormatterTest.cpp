@@ -1,6 +1,7 @@
 #include "commands/StringFormatter.h"
 
 #include "framework/ReferenceExpansion.h"
+#include "platform/Utf8.h"
 #include "tests/support/Commands.h"
 
 #include <optional>
@@ -86,12 +87,12 @@ TEST_F(StringFormatter, EmptySource_IsAnEmptyText) {
     EXPECT_EQ("\"\"", Format(L"substitute", CComVariant(CComBSTR())));
 }
 
-TEST_F(StringFormatter, SourceThatHasNoText_IsAFailedRead) {
+TEST_F(StringFormatter, SourceThatHasNoText_CountsAsAnEmptyText) {
     CComVariant source;
     VARIANT* const raw = &source;
     raw->vt = VT_UNKNOWN;
     raw->punkVal = nullptr;
-    EXPECT_EQ(unchanged, Format(L"substitute", std::move(source)));
+    EXPECT_EQ("\"\"", Format(L"substitute", std::move(source)));
 }
 
 // Substitute
@@ -192,9 +193,23 @@ TEST_F(StringFormatter, Round_AddsNoZeros) {
     EXPECT_EQ("\"7\"", Round(L"7.000", L"3"));
 }
 
+/// The platform's own text for 0 divided by 0, quoted.
+std::string TextOfNotANumber() {
+    volatile double zero = 0.0; // so that the division is made when the test runs
+    CComVariant value(zero / zero);
+    EXPECT_EQ(value.ChangeType(VT_BSTR), S_OK);
+    return "\"" + ToUtf8(TextOf(StringMember(value.Get()))) + "\"";
+}
+
 TEST_F(StringFormatter, NegativeDecimals_CutBeforeThePoint) {
     EXPECT_EQ("\"1200\"", Round(L"1234.5", L"-2"));
     EXPECT_EQ("\"0\"", Round(L"99", L"-2"));
+    EXPECT_EQ("\"1230000\"", Round(L"1234567", L"-4"));
+}
+
+TEST_F(StringFormatter, DecimalsBeyondAllNumbers_GiveWhatTheArithmeticGives) {
+    EXPECT_EQ("\"0\"", Round(L"1", L"400"));             // the smallest integer divided by an infinity
+    EXPECT_EQ(TextOfNotANumber(), Round(L"1", L"-400")); // 0 divided by 0
 }
 
 TEST_F(StringFormatter, ProductThatDoesNotFit_CountsAsTheSmallestInteger) {

@@ -1,0 +1,195 @@
+#include "host/procedure/EngineReader.h"
+
+#include "host/procedure/TableReader.h"
+#include "host/text/Suggestion.h"
+
+#include <array>
+
+namespace vant {
+
+namespace {
+
+/// By their order in ProtocolStep.
+const std::array<std::string, 6> protocolStepNames = {"GetProtocolSource", "GetA", "GetB", "GetC", "GetD",
+                                                      "get_Kind"};
+constexpr LONG lastProtocolKind = 6;
+
+bool IsNumber(const Value& value) {
+    return std::holds_alternative<std::int64_t>(value) || std::holds_alternative<double>(value);
+}
+
+double NumberIn(const Value& value) {
+    const auto* const whole = std::get_if<std::int64_t>(&value);
+    return whole ? static_cast<double>(*whole) : std::get<double>(value);
+}
+
+class Reader : private TableReader {
+public:
+    explicit Reader(Diagnostics& found) : TableReader(found) {}
+
+    EngineDescription Read(const toml::table& table) {
+        CheckKeys(table, "an engine",
+                  {"connection", "protocol", "protocolFails", "parameters", "units", "faults"});
+        if (const auto connection = OptionalText(table, "connection"))
+            m_engine.connection = connection->text;
+        if (const toml::node* const protocol = table.get("protocol"))
+            ReadProtocol(*protocol);
+        if (const auto step = OptionalText(table, "protocolFails"))
+            ReadProtocolStep(*step);
+        ForEach(table, "parameters",
+                [this](const toml::key& key, const toml::node& node) { ReadParameter(key, node); });
+        ForEach(table, "units", [this](const toml::key& key, const toml::node& node) {
+            if (const auto text = Text(node, "unit " + Quoted(key.str())))
+                m_engine.units.emplace(std::string(key.str()), text->text);
+        });
+        ForEach(table, "faults",
+                [this](const toml::key& key, const toml::node& node) { ReadFaultArray(key, node); });
+        return std::move(m_engine);
+    }
+
+private:
+    void ReadProtocol(const toml::node& node) {
+        const auto kind = node.value_exact<std::int64_t>();
+        if (kind && *kind >= 0 && *kind <= lastProtocolKind)
+            m_engine.protocol = static_cast<LONG>(*kind);
+        else
+            m_found.Error(PositionOf(node), "'protocol' must be a whole number from 0 to 6");
+    }
+
+    void ReadProtocolStep(const Located& step) {
+        const auto found = std::find(protocolStepNames.begin(), protocolStepNames.end(), step.text);
+        if (found == protocolStepNames.end())
+            m_found.Error(step.position, "there is no protocol step " + Quoted(step.text) +
+                                             DidYouMean(step.text, protocolStepNames));
+        else
+            m_engine.protocolFails = static_cast<ProtocolStep>(found - protocolStepNames.begin());
+    }
+
+    void ReadParameter(const toml::key& key, const toml::node& node) {
+        const toml::table* const table = AsTable(node, "parameter " + Quoted(key.str()));
+        if (!table)
+            return;
+        CheckKeys(*table, "a parameter",
+                  {"name", "value", "text", "units", "readOnly", "fails", "min", "max"});
+        EngineParameter& parameter = m_engine.parameters[std::string(key.str())];
+        parameter.value = std::string();
+        if (const auto name = OptionalText(*table, "name"))
+            parameter.name = name->text;
+        if (const auto text = OptionalText(*table, "text"))
+            parameter.text = text->text;
+        if (const auto units = OptionalText(*table, "units"))
+            parameter.unitsKey = units->text;
+        parameter.readOnly = OptionalTruth(*table, "readOnly");
+        parameter.fails = OptionalTruth(*table, "fails");
+        const toml::node* const value = table->get("value");
+        if (!value) {
+            m_found.Error(PositionOf(key), "'value' is missing");
+            return;
+        }
+        auto read = Scalar(*value, "'value'");
+        if (!read)
+            return;
+        parameter.value = std::move(*read);
+        parameter.min = OptionalLimit(*table, "min", parameter.value);
+        parameter.max = OptionalLimit(*table, "max", parameter.value);
+        CheckLimits(parameter, *table);
+    }
+
+    bool OptionalTruth(const toml::table& table, std::string_view key) {
+        const toml::node* const node = table.get(key);
+        if (!node)
+            return false;
+        if (const auto truth = node->value_exact<bool>())
+            return *truth;
+        m_found.Error(PositionOf(*node), Quoted(key) + " must be true or false, not " + KindOf(*node));
+        return false;
+    }
+
+    std::optional<double> OptionalLimit(const toml::table& table, std::string_view key, const Value& value) {
+        const toml::node* const node = table.get(key);
+        if (!node)
+            return std::nullopt;
+        if (!node->is_number()) {
+            m_found.Error(PositionOf(*node), Quoted(key) + " must be a number, not " + KindOf(*node));
+            return std::nullopt;
+        }
+        if (!IsNumber(value)) {
+            m_found.Error(PositionOf(*node), "only a parameter whose value is a number has limits");
+            return std::nullopt;
+        }
+        return node->value<double>();
+    }
+
+    void CheckLimits(const EngineParameter& parameter, const toml::table& table) {
+        if (parameter.min && parameter.max && *parameter.min > *parameter.max)
+            m_found.Error(PositionOf(*table.get("max")), "'max' is less than 'min'");
+        else if ((parameter.min && NumberIn(parameter.value) < *parameter.min) ||
+                 (parameter.max && NumberIn(parameter.value) > *parameter.max))
+            m_found.Error(PositionOf(*table.get("value")), "'value' lies outside 'min' and 'max'");
+    }
+
+    /// A list of records, each a list of fields, whose order counts and whose names may come again.
+    void ReadFaultArray(const toml::key& key, const toml::node& node) {
+        auto& records = m_engine.faultArrays[std::string(key.str())];
+        const toml::array* const list =
+            AsList(node, "fault array " + Quoted(key.str()) + " must be a list of records");
+        if (!list)
+            return;
+        for (const toml::node& each : *list)
+            ReadFaultRecord(each, records.emplace_back());
+    }
+
+    void ReadFaultRecord(const toml::node& node, FaultRecordDescription& record) {
+        const toml::table* const table = AsTable(node, "a fault record");
+        if (!table)
+            return;
+        CheckKeys(*table, "a fault record", {"fields"});
+        const toml::node* const fields = table->get("fields");
+        if (!fields) {
+            m_found.Error(PositionOf(node), "'fields' is missing");
+            return;
+        }
+        const toml::array* const list = AsList(*fields, "'fields' must be a list of fields");
+        if (!list)
+            return;
+        for (const toml::node& each : *list)
+            ReadFaultField(each, record);
+    }
+
+    void ReadFaultField(const toml::node& node, FaultRecordDescription& record) {
+        const toml::table* const table = AsTable(node, "a field");
+        if (!table)
+            return;
+        CheckKeys(*table, "a field", {"name", "value"});
+        const auto name = RequiredText(*table, "name", PositionOf(node));
+        const auto value = RequiredText(*table, "value", PositionOf(node));
+        if (name && value)
+            record.push_back({name->text, value->text});
+    }
+
+    const toml::array* AsList(const toml::node& node, const std::string& must) {
+        const toml::array* const list = node.as_array();
+        if (!list)
+            m_found.Error(PositionOf(node), must + ", not " + KindOf(node));
+        return list;
+    }
+
+    EngineDescription m_engine;
+};
+
+} // namespace
+
+EngineDescription ReadEngine(std::string_view toml, Diagnostics& found) {
+    try {
+        return ReadEngineTable(toml::parse(toml), found);
+    } catch (const toml::parse_error& mistake) {
+        found.Error(PositionOf(mistake.source()), std::string(mistake.description()));
+        return {};
+    }
+}
+
+EngineDescription ReadEngineTable(const toml::table& table, Diagnostics& found) {
+    return Reader(found).Read(table);
+}
+
+} // namespace vant

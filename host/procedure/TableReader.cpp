@@ -1,0 +1,100 @@
+#include "host/procedure/TableReader.h"
+
+#include "host/text/Suggestion.h"
+
+#include <limits>
+
+namespace vant {
+
+Position PositionOf(const toml::source_region& region) {
+    return {std::max(region.begin.line, 1U), std::max(region.begin.column, 1U)};
+}
+
+Position PositionOf(const toml::key& key) {
+    return PositionOf(key.source());
+}
+
+Position PositionOf(const toml::node& node) {
+    return PositionOf(node.source());
+}
+
+std::string Quoted(std::string_view text) {
+    return std::string(1, '\'').append(text).append(1, '\'');
+}
+
+const char* KindOf(const toml::node& node) {
+    switch (node.type()) {
+    case toml::node_type::table:
+        return "a table";
+    case toml::node_type::array:
+        return "a list";
+    case toml::node_type::string:
+        return "a string";
+    case toml::node_type::integer:
+    case toml::node_type::floating_point:
+        return "a number";
+    case toml::node_type::boolean:
+        return "true or false";
+    default:
+        return "a date or time";
+    }
+}
+
+void TableReader::CheckKeys(const toml::table& table, const std::string& owner,
+                            const std::vector<std::string>& known) {
+    for (const auto& [key, node] : table) {
+        if (std::find(known.begin(), known.end(), key.str()) == known.end())
+            m_found.Error(PositionOf(key),
+                          owner + " has no key " + Quoted(key.str()) + DidYouMean(key.str(), known));
+    }
+}
+
+const toml::table* TableReader::AsTable(const toml::node& node, const std::string& what) {
+    const toml::table* const table = node.as_table();
+    if (!table)
+        m_found.Error(PositionOf(node), what + " must be a table, not " + KindOf(node));
+    return table;
+}
+
+std::optional<Located> TableReader::Text(const toml::node& node, const std::string& what) {
+    if (const auto text = node.value_exact<std::string>())
+        return Located{*text, PositionOf(node)};
+    const bool quotable = !node.is_table() && !node.is_array();
+    m_found.Error(PositionOf(node),
+                  what + " must be a string, not " + KindOf(node) + (quotable ? ": write it in quotes" : ""));
+    return std::nullopt;
+}
+
+std::optional<Located> TableReader::OptionalText(const toml::table& table, std::string_view key) {
+    const toml::node* const node = table.get(key);
+    return node ? Text(*node, Quoted(key)) : std::nullopt;
+}
+
+std::optional<Located> TableReader::RequiredText(const toml::table& table, std::string_view key,
+                                                 Position owner) {
+    if (!table.contains(key))
+        m_found.Error(owner, Quoted(key) + " is missing");
+    return OptionalText(table, key);
+}
+
+std::optional<Value> TableReader::Scalar(const toml::node& node, const std::string& what) {
+    if (const auto text = node.value_exact<std::string>())
+        return *text;
+    if (const auto number = node.value_exact<std::int64_t>()) {
+        if (*number >= std::numeric_limits<std::int32_t>::min() &&
+            *number <= std::numeric_limits<std::int32_t>::max())
+            return *number;
+        m_found.Error(PositionOf(node),
+                      "a whole number must lie between -2147483648 and 2147483647; write it in quotes "
+                      "to keep it as text");
+        return std::nullopt;
+    }
+    if (const auto real = node.value_exact<double>())
+        return *real;
+    if (const auto truth = node.value_exact<bool>())
+        return *truth;
+    m_found.Error(PositionOf(node), what + " must be a string, a number, true or false, not " + KindOf(node));
+    return std::nullopt;
+}
+
+} // namespace vant

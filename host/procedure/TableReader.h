@@ -1,0 +1,62 @@
+#pragma once
+
+#include "host/procedure/Diagnostic.h"
+#include "host/procedure/Procedure.h"
+
+#include <algorithm>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <toml++/toml.h>
+#include <utility>
+#include <vector>
+
+namespace vant {
+
+Position PositionOf(const toml::source_region& region);
+Position PositionOf(const toml::key& key);
+Position PositionOf(const toml::node& node);
+
+std::string Quoted(std::string_view text);
+
+/// What a value is, as messages name it.
+const char* KindOf(const toml::node& node);
+
+/// What every reader of TOML tables needs. Each mistake is noted, and reading goes on.
+class TableReader {
+protected:
+    explicit TableReader(Diagnostics& found) : m_found(found) {}
+    ~TableReader() = default;
+
+    void CheckKeys(const toml::table& table, const std::string& owner, const std::vector<std::string>& known);
+
+    /// Null, and a mistake, for what is no table; `what` names it.
+    const toml::table* AsTable(const toml::node& node, const std::string& what);
+
+    /// Visits the entries of a table that may be absent, in the file's order.
+    template <class Visit>
+    void ForEach(const toml::table& owner, std::string_view name, Visit visit) {
+        const toml::node* const node = owner.get(name);
+        const toml::table* const table = node ? AsTable(*node, Quoted(name)) : nullptr;
+        if (!table)
+            return;
+        std::vector<std::pair<const toml::key*, const toml::node*>> entries;
+        for (const auto& [key, value] : *table)
+            entries.emplace_back(&key, &value);
+        std::sort(entries.begin(), entries.end(),
+                  [](const auto& a, const auto& b) { return PositionOf(*a.first) < PositionOf(*b.first); });
+        for (const auto& [key, value] : entries)
+            visit(*key, *value);
+    }
+
+    std::optional<Located> Text(const toml::node& node, const std::string& what);
+    std::optional<Located> OptionalText(const toml::table& table, std::string_view key);
+    /// `owner` is where a missing key is reported.
+    std::optional<Located> RequiredText(const toml::table& table, std::string_view key, Position owner);
+    /// A string, a number, true or false; `what` names it.
+    std::optional<Value> Scalar(const toml::node& node, const std::string& what);
+
+    Diagnostics& m_found;
+};
+
+} // namespace vant

@@ -1,0 +1,33 @@
+#include "host/services/ComponentService.h"
+
+#include "host/services/Codes.h"
+
+#include <gtest/gtest.h>
+
+namespace vant {
+
+namespace {
+
+HRESULT Set(ComponentService& service, const wchar_t* component, const wchar_t* name) {
+    return service.SetComponentProperty(CComBSTR(component).Get(), CComBSTR(name).Get(),
+                                        CComBSTR(L"value").Get());
+}
+
+TEST(ComponentService, WithoutComponents_AcceptsEveryOne) {
+    Journal journal;
+    ComponentService service(journal);
+    EXPECT_EQ(Set(service, L"any", L"thing"), S_OK);
+}
+
+TEST(ComponentService, WithComponents_RefusesOthersAndUnknownProperties) {
+    Journal journal;
+    ComponentService service(journal, {{"gauge", {"text"}}, {"lamp", {}}});
+    EXPECT_EQ(Set(service, L"gauge", L"text"), S_OK);
+    EXPECT_EQ(Set(service, L"gauge", L"value"), codeNotFound);
+    EXPECT_EQ(Set(service, L"lamp", L"anything"), S_OK);
+    EXPECT_EQ(Set(service, L"Lamp", L"anything"), codeNotFound);
+}
+
+} // namespace
+
+} // namespace vant

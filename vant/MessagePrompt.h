@@ -1,0 +1,31 @@
+#pragma once
+
+#include "platform/MessagePresenter.h"
+
+#include <istream>
+#include <mutex>
+#include <ostream>
+
+namespace vant {
+
+/// While it lives, the message boxes of this process appear on a stream as caption and text, and each one
+/// waits for Enter; the end of the input counts as Enter. Where the system shows messages itself, it does
+/// nothing.
+class MessagePrompt {
+public:
+    /// `answers`: messages are shown and closed without waiting. The streams must outlive the prompt.
+    MessagePrompt(std::ostream& out, std::istream& in, bool answers);
+    ~MessagePrompt();
+    MessagePrompt(const MessagePrompt&) = delete;
+    MessagePrompt& operator=(const MessagePrompt&) = delete;
+
+private:
+    void Show(const std::wstring& text, const std::wstring& caption);
+
+    std::mutex m_oneAtATime;
+    std::ostream& m_out;
+    std::istream& m_in;
+    const bool m_answers;
+};
+
+} // namespace vant
