@@ -108,5 +108,33 @@ TEST(MessageBox, EntryWithText_ShowsItWithCaptionIconAndOneButtonUntilItIsClosed
     EXPECT_EQ(FindWindowW(dialogClass, L"TORVEX"), nullptr);
 }
 
+/// Runs `work` on a thread whose desktop is a new one, on which no window has the foreground.
+template <class Work>
+void OnEmptyDesktop(Work work) {
+    const HDESK desktop = CreateDesktopW(L"empty", nullptr, nullptr, 0, GENERIC_ALL, nullptr);
+    ASSERT_NE(desktop, nullptr);
+    std::thread([&] {
+        EXPECT_TRUE(SetThreadDesktop(desktop));
+        work();
+    }).join();
+    CloseDesktop(desktop);
+}
+
+TEST(MessageBox, NoForegroundWindow_ShowsNothingAndReturnsAtOnce) {
+    const BuiltModule module;
+    TestHost host;
+    host.dataStore[L"message"] = CComVariant(CComBSTR(L"Key on"));
+    OnEmptyDesktop([&] {
+        ASSERT_EQ(GetForegroundWindow(), nullptr);
+        CComPtr<IVantCommand> command;
+        ASSERT_EQ(module.Create(CLSID_MessageDisplayer, IID_IVantCommand, reinterpret_cast<void**>(&command)),
+                  S_OK);
+        ASSERT_EQ(command->Initialize(host.Context(), host.Controller()), S_OK);
+        SetProperties(*command.Get(), {{L"dsString", L"message"}});
+        EXPECT_EQ(command->Execute(), S_OK);
+        EXPECT_EQ(FindWindowW(dialogClass, L"TORVEX"), nullptr);
+    });
+}
+
 } // namespace
 } // namespace vant::test
