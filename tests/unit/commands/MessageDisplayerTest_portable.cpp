@@ -1,9 +1,13 @@
 // What MessageDisplayer shows, through a presenter as only the portable platform has it.
 
+#include "commands/ErrorDisplayer.h"
+#include "commands/HelpDisplayer.h"
 #include "commands/MessageDisplayer.h"
 #include "platform/MessagePresenter.h"
 #include "tests/support/Commands.h"
 
+#include <chrono>
+#include <future>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -57,13 +61,26 @@ TEST_F(ShownMessage, References_AreNotExpanded) {
 }
 
 TEST_F(ShownMessage, Command_ReturnsWhenTheMessageIsClosed) {
-    bool returned = false;
-    bool returnedWhileShown = true;
-    whileShown = [&] { returnedWhileShown = returned; };
-    EXPECT_EQ(S_OK, Display());
-    returned = true;
-    EXPECT_EQ(1u, shown.size());
-    EXPECT_FALSE(returnedWhileShown);
+    std::promise<void> appeared;
+    std::promise<void> closing;
+    whileShown = [&] {
+        appeared.set_value();
+        closing.get_future().wait();
+    };
+    auto execution = std::async(std::launch::async, [this] { return Display(); });
+    appeared.get_future().wait();
+    EXPECT_EQ(std::future_status::timeout, execution.wait_for(std::chrono::seconds(0)));
+    closing.set_value();
+    EXPECT_EQ(S_OK, execution.get());
+}
+
+TEST_F(ShownMessage, ErrorAndHelpDisplayer_ShowNothing) {
+    Store(CComVariant(CComBSTR(L"Key on")));
+    EXPECT_EQ(S_OK, CreateCommand<CErrorDisplayer>(host, {{L"dsString", L"entry"}})->Execute());
+    EXPECT_EQ(
+        S_OK,
+        CreateCommand<CHelpDisplayer>(host, {{L"helpFile", L"entry"}, {L"helpIndex", L"1"}})->Execute());
+    EXPECT_TRUE(shown.empty());
 }
 
 TEST_F(ShownMessage, PresenterThatThrows_IsNoFailureOfTheCommand) {

@@ -67,6 +67,26 @@ TEST_F(HostPointers, BuiltFromAnObjectThatFailsOtherwise_ThrowsItsCode) {
     EXPECT_EQ(0, Added());
 }
 
+/// Answers success to every request for an interface and gives none.
+struct EmptyHanded final : IUnknown {
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void** out) override {
+        *out = nullptr;
+        return S_OK;
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
+    ULONG STDMETHODCALLTYPE Release() override { return 1; }
+};
+
+TEST_F(HostPointers, BuiltFromAnObjectThatSucceedsWithNothing_ThrowsNoInterface) {
+    EmptyHanded emptyHanded;
+    try {
+        const TComParameterPtr<CCheckedResult> pointer(static_cast<IUnknown*>(&emptyHanded));
+        FAIL() << "it holds nothing";
+    } catch (const CComErrorHandlerException& failure) {
+        EXPECT_EQ(failure.Code(), E_NOINTERFACE);
+    }
+}
+
 TEST_F(HostPointers, BuiltFromNull_ThrowsPointer) {
     EXPECT_EQ(E_POINTER, CodeOfBuilding<ParameterPtr>(nullptr));
     EXPECT_EQ(E_POINTER, CodeOfBuilding<ECMServicesPtr>(nullptr));
