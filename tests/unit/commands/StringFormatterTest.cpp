@@ -198,7 +198,10 @@ std::string TextOfNotANumber() {
     volatile double zero = 0.0; // so that the division is made when the test runs
     CComVariant value(zero / zero);
     EXPECT_EQ(value.ChangeType(VT_BSTR), S_OK);
-    return "\"" + ToUtf8(TextOf(StringMember(value.Get()))) + "\"";
+    std::string quoted(1, '"');
+    quoted += ToUtf8(TextOf(StringMember(value.Get())));
+    quoted += '"';
+    return quoted;
 }
 
 TEST_F(StringFormatter, NegativeDecimals_CutBeforeThePoint) {
