@@ -23,17 +23,25 @@ HRESULT RegisterForUserOnly() {
     return HRESULT_FROM_WIN32(static_cast<DWORD>(status));
 }
 
-std::optional<std::wstring> RegisteredModule(const std::wstring& classIdText) {
-    const std::wstring key = L"CLSID\\" + classIdText + L"\\InprocServer32";
+namespace {
+
+std::optional<std::wstring> TextIn(HKEY root, const std::wstring& key) {
     DWORD size = 0;
-    if (RegGetValueW(HKEY_CLASSES_ROOT, key.c_str(), nullptr, RRF_RT_REG_SZ, nullptr, nullptr, &size) !=
-        ERROR_SUCCESS)
+    if (RegGetValueW(root, key.c_str(), nullptr, RRF_RT_REG_SZ, nullptr, nullptr, &size) != ERROR_SUCCESS)
         return std::nullopt;
     std::vector<wchar_t> text(size / sizeof(wchar_t) + 1);
-    if (RegGetValueW(HKEY_CLASSES_ROOT, key.c_str(), nullptr, RRF_RT_REG_SZ, nullptr, text.data(), &size) !=
-        ERROR_SUCCESS)
+    if (RegGetValueW(root, key.c_str(), nullptr, RRF_RT_REG_SZ, nullptr, text.data(), &size) != ERROR_SUCCESS)
         return std::nullopt;
     return std::wstring(text.data());
+}
+
+} // namespace
+
+std::optional<std::wstring> RegisteredModule(const std::wstring& classIdText) {
+    const std::wstring key = L"CLSID\\" + classIdText + L"\\InprocServer32";
+    // The user's own part covers the machine's. Not every system shows the two as one.
+    const auto users = TextIn(HKEY_CURRENT_USER, L"Software\\Classes\\" + key);
+    return users ? users : TextIn(HKEY_CLASSES_ROOT, key);
 }
 
 #else
