@@ -50,7 +50,7 @@ foreach(room IN LISTS rooms)
       elseif(line MATCHES "#[ \t]*include[ \t]*<((platform|ecm|framework|commands|module|host|vant)/[^>]*)>")
         report(${file} ${number} "<${CMAKE_MATCH_1}> is a header of this project; it stands in quotes")
       elseif(room IN_LIST rooms_without_conditionals
-             AND line MATCHES "#[ \t]*(el)?if.*(_WIN32|__linux__|__MINGW|_MSC_VER)")
+             AND line MATCHES "#[ \t]*(el)?if.*(_WIN32|_WIN64|WIN32|__linux__|__unix__|__APPLE__|__MINGW|_MSC_VER)")
         report(${file} ${number} "${room}/ may not ask for the platform")
       endif()
     endforeach()

@@ -21,9 +21,6 @@ struct StatedClass {
 /// All 21 classes, in the order of their resource numbers.
 std::span<const StatedClass> StatedClasses();
 
-/// Those that the module creates, in the same order.
-std::vector<StatedClass> BuiltClasses();
-
 std::wstring ProgId(const StatedClass& stated);
 
 /// The keys of one class, registered by the module of that file.
