@@ -1,4 +1,4 @@
-# Reads framework/interfaces/classes.csv into VANT_CLASSES, a list of "name|resource|clsid|state", and writes the
+# Reads framework/interfaces/classes.csv into VANT_CLASSES, a list of "name|resource|clsid", and writes the
 # header ClassIds.h from it.
 
 set(VANT_GENERATED_DIR ${PROJECT_BINARY_DIR}/generated)
@@ -10,7 +10,7 @@ set(VANT_CLASSES "")
 set(class_ids "")
 set(class_rows "")
 foreach(row IN LISTS rows)
-  if(NOT row MATCHES "^([A-Za-z]+),([0-9]+),([0-9A-Fa-f]+)-([0-9A-Fa-f]+)-([0-9A-Fa-f]+)-([0-9A-Fa-f]+)-([0-9A-Fa-f]+),(built|planned)$")
+  if(NOT row MATCHES "^([A-Za-z]+),([0-9]+),([0-9A-Fa-f]+)-([0-9A-Fa-f]+)-([0-9A-Fa-f]+)-([0-9A-Fa-f]+)-([0-9A-Fa-f]+)$")
     message(FATAL_ERROR "framework/interfaces/classes.csv: not a row of the class table: ${row}")
   endif()
   set(name ${CMAKE_MATCH_1})
@@ -18,17 +18,12 @@ foreach(row IN LISTS rows)
   set(head "0x${CMAKE_MATCH_3}, 0x${CMAKE_MATCH_4}, 0x${CMAKE_MATCH_5}")
   set(tail ${CMAKE_MATCH_6}${CMAKE_MATCH_7})
   set(clsid ${CMAKE_MATCH_3}-${CMAKE_MATCH_4}-${CMAKE_MATCH_5}-${CMAKE_MATCH_6}-${CMAKE_MATCH_7})
-  set(state ${CMAKE_MATCH_8})
-  list(APPEND VANT_CLASSES "${name}|${resource}|${clsid}|${state}")
+  list(APPEND VANT_CLASSES "${name}|${resource}|${clsid}")
   string(REGEX REPLACE "(..)" "0x\\1, " tail "${tail}")
   string(REGEX REPLACE ", $" "" tail "${tail}")
   string(APPEND class_ids "inline constexpr CLSID CLSID_${name} = {\n"
          "    ${head}, {${tail}}};\n")
-  set(built false)
-  if(state STREQUAL "built")
-    set(built true)
-  endif()
-  string(APPEND class_rows "    {L\"${name}\", L\"{${clsid}}\", &CLSID_${name}, ${resource}, ${built}},\n")
+  string(APPEND class_rows "    {L\"${name}\", L\"{${clsid}}\", &CLSID_${name}, ${resource}},\n")
 endforeach()
 
 file(CONFIGURE OUTPUT ${VANT_GENERATED_DIR}/framework/interfaces/ClassIds.h @ONLY CONTENT [[#pragma once
@@ -46,7 +41,6 @@ struct ClassRow {
     const wchar_t* clsid;  ///< The class identifier as text, in braces.
     const CLSID* classId;
     UINT resource;         ///< The registration script's resource number.
-    bool built;            ///< Whether the module creates it already.
 };
 
 inline constexpr ClassRow classTable[] = {

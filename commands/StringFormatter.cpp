@@ -1,6 +1,7 @@
 #include "commands/StringFormatter.h"
 
 #include "ecm/ResultPolicy.h"
+#include "framework/Conversion.h"
 #include "framework/ReferenceExpansion.h"
 
 #include <cmath>
@@ -11,11 +12,6 @@
 namespace vant {
 
 namespace {
-
-LONG ToLong(CComBSTR text) {
-    CComVariant number(std::move(text));
-    return SUCCEEDED(number.ChangeType(VT_I4, lcidEnglishUS)) ? number.Get().lVal : 0;
-}
 
 double ToDouble(CComBSTR text) {
     CComVariant number(std::move(text));
@@ -44,7 +40,7 @@ std::wstring FormatTwoDigits(LONG value) {
 }
 
 CComBSTR NumToHms(const CComBSTR& text) {
-    const LONG total = ToLong(text);
+    const LONG total = ToLongOrZero(CComVariant(CComBSTR(text)), lcidEnglishUS);
     const LONG rest = total % 3600;
     return CComBSTR(FormatTwoDigits(total / 3600) + L":" + FormatTwoDigits(rest / 60) + L":" +
                     FormatTwoDigits(rest % 60));
@@ -73,7 +69,7 @@ CComBSTR CStringFormatter::Apply(std::wstring_view operation, const CComBSTR& te
     if (SameText(operation, L"substitute"))
         return Substitute(text);
     if (SameText(operation, L"round"))
-        return Round(text, HasProperty(L"roundLength") ? ToLong(GetProperty(L"roundLength")) : 0);
+        return Round(text, ToLongOrZero(CComVariant(GetProperty(L"roundLength")), lcidEnglishUS));
     if (SameText(operation, L"numToHMS"))
         return NumToHms(text);
     return CComBSTR();

@@ -1,6 +1,7 @@
 #include "framework/VantCommandBase.h"
 
 #include "ecm/HostPointers.h"
+#include "framework/Conversion.h"
 #include "framework/ReferenceExpansion.h"
 
 #include <tuple>
@@ -118,6 +119,10 @@ HRESULT CVantCommandBase::RunCommand(const CComBSTR& commandId) const {
     return m_commandRunner ? m_commandRunner->RunCommand(commandId.Get()) : E_POINTER;
 }
 
+HRESULT CVantCommandBase::RunCommandFromThread(const CComBSTR& commandId) const {
+    return m_commandRunner ? m_commandRunner->RunCommandFromThread(commandId.Get()) : E_POINTER;
+}
+
 HRESULT CVantCommandBase::TerminateCommand(const CComBSTR& commandId) const {
     return m_controller ? m_controller->TerminateCommand(commandId.Get()) : E_POINTER;
 }
@@ -159,6 +164,8 @@ HRESULT CVantCommandBase::GetDataStoreText(const CComBSTR& entry, CComBSTR& text
     CComVariant value;
     const HRESULT code = GetDataStoreValue(entry, value);
     text = CComBSTR::Copy(StringMember(value.Get()));
+    if (const HRESULT cleared = value.Clear(); FAILED(cleared))
+        throw CComException(cleared);
     return code;
 }
 
@@ -190,11 +197,35 @@ LONG CVantCommandBase::ReadParameterAsLong(CComBSTR id) const {
     return value.Get().lVal;
 }
 
+LONG CVantCommandBase::ReadParameterAsLongOrZero(const CComBSTR& id) const {
+    return ToLongOrZero(ReadParameterValue(id), LOCALE_USER_DEFAULT);
+}
+
 double CVantCommandBase::ReadParameterAsDouble(CComBSTR /*unused*/) const {
     CCheckedResult result;
     CComVariant value = ReadParameterValue(GetProperty(L"parameterID"));
     result = value.ChangeType(VT_R8);
     return value.Get().dblVal;
+}
+
+CComPtr<IConditionSet> CVantCommandBase::ReadConditionSet(const CComBSTR& entry) const {
+    CCheckedResult result;
+    CComVariant value;
+    result = GetDataStoreValue(entry, value);
+    const CComPtr<IUnknown> object(UnknownMember(value.Get()));
+    CComPtr<IConditionSet> conditions;
+    result = object.QueryInterface(&conditions);
+    result = conditions ? S_OK : E_NOINTERFACE; // success that gives nothing
+    return conditions;
+}
+
+CComVariant CVantCommandBase::ReadFailureMessage(IConditionSet& conditions) const {
+    CCheckedResult result;
+    CComBSTR key;
+    result = conditions.GetFailureKey(&key);
+    CComVariant message;
+    result = GetDataStoreValue(key, message);
+    return message;
 }
 
 CComBSTR CVantCommandBase::ExpandParameterReferences(const CComBSTR& text) const {

@@ -2,6 +2,7 @@
 
 #include "ecm/ResultPolicy.h"
 #include "framework/PropertyTable.h"
+#include "framework/interfaces/ConditionSet.h"
 #include "framework/interfaces/HostServices.h"
 #include "framework/interfaces/VantCommand.h"
 #include "platform/Bstr.h"
@@ -47,6 +48,7 @@ protected:
     // because it was never initialised. A caller that assigns the result to a CCheckedResult checks it; one
     // that passes it to std::ignore deliberately does not look.
     HRESULT RunCommand(const CComBSTR& commandId) const;
+    HRESULT RunCommandFromThread(const CComBSTR& commandId) const;
     HRESULT TerminateCommand(const CComBSTR& commandId) const;
     HRESULT GetDataStoreValue(const CComBSTR& entry, CComVariant& value) const;
     HRESULT SetDataStoreValue(const CComBSTR& entry, const CComVariant& value) const;
@@ -59,7 +61,8 @@ protected:
     HRESULT SetTransition(const CComBSTR& transitionId) const;
 
     /// GetDataStoreValue for an entry that must hold a string: `text` becomes that string, or null where the
-    /// entry could not be read or holds anything else.
+    /// entry could not be read or holds anything else. Throws CComException with the platform's code where
+    /// what the host gave is no value that can be cleared.
     HRESULT GetDataStoreText(const CComBSTR& entry, CComBSTR& text) const;
 
     /// The current text of a parameter of the engine control module. Every call is checked.
@@ -69,10 +72,17 @@ protected:
     /// read.
     CComVariant ReadParameterValue(const CComBSTR& id) const;
     // The same converted under the user's default locale, unlike ECMParameter2's reads; checked. Both take
-    // over the string that they are given.
+    // over the string that they are given. The adjusters use ReadParameterAsLongOrZero instead.
     LONG ReadParameterAsLong(CComBSTR id) const;
+    /// As ReadParameterAsLong, but the conversion is not checked: what is no number counts as 0.
+    LONG ReadParameterAsLongOrZero(const CComBSTR& id) const;
     /// Reads the parameter that the property "parameterID" names at this moment; the argument is only freed.
     double ReadParameterAsDouble(CComBSTR unused) const;
+
+    /// The condition set in a data-store entry. Every call is checked; an entry without object is a failure.
+    CComPtr<IConditionSet> ReadConditionSet(const CComBSTR& entry) const;
+    /// The message of the condition that failed, with its own type. Every call is checked.
+    CComVariant ReadFailureMessage(IConditionSet& conditions) const;
 
     /// `text` with every "$p(NAME)" replaced by the current text of parameter NAME; see ExpandReferences.
     /// Every read is checked.

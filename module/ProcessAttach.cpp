@@ -5,6 +5,8 @@
 
 #ifdef _WIN32
 
+#include "module/TlsSlots.h"
+
 namespace __gnu_cxx {
 /// The C++ runtime's own: frees what it keeps for as long as it is loaded. It is linked in, so that is as
 /// long as we are.
@@ -17,6 +19,7 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE /*instance*/, DWORD reason, LPVOID proc
     if (reason == DLL_PROCESS_DETACH && !processEnds) {
         vant::Module().ReleaseClassObjects();
         __gnu_cxx::__freeres();
+        vant::FreeTlsSlots();
     }
     return TRUE;
 }

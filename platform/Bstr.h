@@ -85,19 +85,10 @@ inline bool SameText(std::wstring_view left, std::wstring_view right) noexcept {
     return CompareTexts(left, right) == CSTR_EQUAL;
 }
 
-/// The order of CompareTexts. Finds texts in a container of CComBSTR without allocating.
+/// The order of CompareTexts.
 struct LocaleLess {
-    using is_transparent = void;
-
     bool operator()(const CComBSTR& left, const CComBSTR& right) const {
-        return Less(left.Text(), right.Text());
-    }
-    bool operator()(const CComBSTR& left, std::wstring_view right) const { return Less(left.Text(), right); }
-    bool operator()(std::wstring_view left, const CComBSTR& right) const { return Less(left, right.Text()); }
-
-private:
-    static bool Less(std::wstring_view left, std::wstring_view right) {
-        return CompareTexts(left, right) == CSTR_LESS_THAN;
+        return CompareTexts(left.Text(), right.Text()) == CSTR_LESS_THAN;
     }
 };
 

@@ -1,5 +1,7 @@
 #include "platform/DynamicLibrary.h"
 
+#include "platform/Clock.h"
+
 #include <stdexcept>
 #include <system_error>
 
@@ -16,6 +18,7 @@ DynamicLibrary::DynamicLibrary(const std::filesystem::path& file) : m_name(file.
         LoadLibraryExW(std::filesystem::absolute(file).c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
     if (!m_handle)
         throw std::runtime_error(std::system_category().message(static_cast<int>(GetLastError())));
+    TakeTimeFromHere(m_handle);
 }
 
 DynamicLibrary::~DynamicLibrary() {

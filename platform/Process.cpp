@@ -7,7 +7,11 @@
 #include <shellapi.h>
 #include <stdio.h>
 #else
+#include <cerrno>
 #include <csignal>
+#include <fcntl.h>
+#include <system_error>
+#include <thread>
 #include <unistd.h>
 #endif
 
@@ -82,10 +86,34 @@ void OnFirstInterrupt(void (*handler)()) {
 namespace {
 
 std::atomic<void (*)()> interruptHandler{nullptr};
+// A signal handler may do next to nothing, so it wakes a thread through a pipe.
+std::atomic<int> interruptPipe{-1};
 
 extern "C" void HandleInterrupt(int signal) {
     std::signal(signal, SIG_DFL);
-    interruptHandler.load()();
+    const int error = errno;
+    const char interrupted = 0;
+    [[maybe_unused]] const ssize_t written = write(interruptPipe, &interrupted, 1);
+    errno = error;
+}
+
+void AwaitInterrupts(int pipe) {
+    for (char interrupted = 0;;) {
+        const ssize_t count = read(pipe, &interrupted, 1);
+        if (count == 1)
+            interruptHandler.load()();
+        else if (count == 0 || errno != EINTR)
+            return;
+    }
+}
+
+/// Starts the thread that calls the handler; it lasts as long as the program.
+int StartInterruptThread() {
+    int ends[2] = {};
+    if (pipe2(ends, O_CLOEXEC) != 0)
+        throw std::system_error(errno, std::generic_category());
+    std::thread(AwaitInterrupts, ends[0]).detach();
+    return ends[1];
 }
 
 } // namespace
@@ -106,6 +134,8 @@ bool OutputIsTerminal() {
 
 void OnFirstInterrupt(void (*handler)()) {
     interruptHandler = handler;
+    static const int pipe = StartInterruptThread();
+    interruptPipe = pipe;
     std::signal(SIGINT, HandleInterrupt);
 }
 

@@ -21,8 +21,10 @@ VANT_PLATFORM_API void PrepareConsole();
 /// Whether standard output goes to a terminal rather than to a file or a pipe.
 VANT_PLATFORM_API bool OutputIsTerminal();
 
-/// Calls `handler` when the user interrupts the program (Ctrl-C), the first time only; the second
-/// interruption ends the program at once. The handler may only do what a signal handler may.
+/// Calls `handler`, on a thread of its own, when the user interrupts the program (Ctrl-C), the first time
+/// only; the second interruption ends the program at once. The handler must be safe against the program's
+/// other threads, and may be called until the program ends. Throws std::system_error where the system has no
+/// thread to give.
 VANT_PLATFORM_API void OnFirstInterrupt(void (*handler)());
 
 } // namespace vant

@@ -15,6 +15,11 @@ inline BSTR StringMember(const VARIANT& value) noexcept {
     return value.vt == VT_BSTR ? value.bstrVal : nullptr;
 }
 
+/// The object that a VARIANT holds; null for one that holds anything else. No reference is added.
+inline IUnknown* UnknownMember(const VARIANT& value) noexcept {
+    return value.vt == VT_UNKNOWN || value.vt == VT_DISPATCH ? value.punkVal : nullptr;
+}
+
 /// English (United States): the locale of all conversions to and from 32-bit integers.
 inline constexpr LCID lcidEnglishUS = 1033;
 

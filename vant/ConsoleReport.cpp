@@ -1,12 +1,18 @@
 #include "vant/ConsoleReport.h"
 
+#include "host/record/CallScope.h"
 #include "host/record/Json.h"
+#include "host/runner/Module.h"
+#include "host/text/Printable.h"
 
+#include <algorithm>
 #include <string>
 
 namespace vant {
 
 namespace {
+
+constexpr std::size_t idWidth = 16;
 
 std::string Padded(std::string text, std::size_t width) {
     if (text.size() < width)
@@ -14,54 +20,93 @@ std::string Padded(std::string text, std::size_t width) {
     return text;
 }
 
+/// As wide as the longest name of a class.
+std::size_t ClassWidth() {
+    static const std::size_t width = [] {
+        std::size_t longest = 0;
+        for (const std::string& name : ClassNames())
+            longest = std::max(longest, name.size());
+        return longest;
+    }();
+    return width;
+}
+
+std::string Quoted(const Value* value) {
+    return value ? Printable(ToJson(*value).dump()) : "null";
+}
+
+std::string KeyOf(const Record& record) {
+    return record.thread + '\n' + record.command;
+}
+
 } // namespace
 
 void ConsoleReport::operator()(const Record& record) {
-    if (record.service != "Runner")
-        WriteShown(record);
-    else if (record.operation == "ProcedureStarted")
-        m_out << record.Text("name") << '\n';
-    else if (record.operation == "StepEntered")
-        m_out << "\nstep " << record.Text("step") << '\n';
-    else if (record.operation == "CommandEnded")
-        WriteCommand(record);
-    else if (record.operation == "TransitionFollowed")
-        m_out << "  -> " << record.Text("to") << '\n';
-    else if (record.operation == "DataLeft")
-        WriteEntry(record);
-    else if (record.operation == "ProcedureEnded")
-        WriteVerdict(record);
+    if (record.service == "Runner")
+        WriteEvent(record);
+    else if (const std::string line = LineOfCall(record); !line.empty())
+        Write(record, line);
     m_out.flush();
 }
 
-void ConsoleReport::WriteShown(const Record& record) {
-    if (!record.result || FAILED(*record.result))
-        return;
-    if (record.operation == "ShowInstruction")
-        m_out << "  instruction: " << record.Text("text") << '\n';
-    else if (record.operation == "SetComponentProperty")
-        m_out << "  display: " << record.Text("componentId") << '.' << record.Text("name") << " = "
-              << Json(record.Text("value")).dump() << '\n';
+void ConsoleReport::WriteEvent(const Record& record) {
+    if (record.operation == "ProcedureStarted") {
+        m_out << Printable(record.Text("name")) << '\n';
+    } else if (record.operation == "StepEntered") {
+        m_linesOfThreads.clear();
+        m_out << "\nstep " << Printable(record.Text("step")) << '\n';
+    } else if (record.operation == "CommandEnded") {
+        Write(record, LineOfCommand(record));
+    } else if (record.operation == "ThreadEnded") {
+        m_out << "  " << Padded(Printable(record.command), idWidth) << " has ended\n";
+    } else if (record.operation == "TransitionFollowed") {
+        m_out << "  -> " << Printable(record.Text("to")) << '\n';
+    } else if (record.operation == "DataLeft") {
+        WriteEntry(record);
+    } else if (record.operation == "ProcedureEnded") {
+        WriteVerdict(record);
+    }
 }
 
-void ConsoleReport::WriteCommand(const Record& record) {
-    m_out << "  " << Padded(record.command, 16) << ' ' << Padded(record.Text("class"), 20) << ' ';
+std::string ConsoleReport::LineOfCall(const Record& record) {
+    if (!record.result || FAILED(*record.result))
+        return {};
+    if (record.operation == "ShowInstruction")
+        return "instruction: " + Printable(record.Text("text"));
+    if (record.operation == "SetComponentProperty")
+        return "display: " + Printable(record.Text("componentId") + '.' + record.Text("name")) + " = " +
+               Quoted(record.Find("value"));
+    if (record.operation == "RegisterCallback")
+        m_runningOn.insert(KeyOf(record));
+    else if (record.service == "ConditionSet" && record.Find("failed"))
+        return "conditions " + Printable(record.Text("name")) +
+               " not met: " + Printable(record.Text("failed")) + ", but was " + Quoted(record.Find("value"));
+    return {};
+}
+
+std::string ConsoleReport::LineOfCommand(const Record& record) {
+    std::string line = Padded(Printable(record.command), idWidth) + ' ' +
+                       Padded(Printable(record.Text("class")), ClassWidth()) + ' ';
+    const bool runsOn = m_runningOn.erase(KeyOf(record)) != 0;
     if (record.result && SUCCEEDED(*record.result))
-        m_out << "ok";
+        line += runsOn ? "ok, runs on" : "ok";
     else
-        m_out << "FAILED " << ToText(record.result.value_or(E_UNEXPECTED)) << " (" << record.Text("phase")
-              << ')';
+        line += "FAILED " + ToText(record.result.value_or(E_UNEXPECTED)) + " (" + record.Text("phase") + ')';
     if (const std::string caller = record.Text("caller"); !caller.empty())
-        m_out << ", run by " << caller;
-    m_out << '\n';
+        line += ", run by " + Printable(caller);
+    return line;
+}
+
+void ConsoleReport::Write(const Record& record, const std::string& line) {
+    if (record.thread == mainThread || m_linesOfThreads.insert(line).second)
+        m_out << "  " << line << '\n';
 }
 
 void ConsoleReport::WriteEntry(const Record& record) {
     if (!m_hasEntries)
         m_out << "\ndata\n";
     m_hasEntries = true;
-    const Value* const value = record.Find("value");
-    m_out << "  " << record.Text("name") << " = " << (value ? ToJson(*value).dump() : "null") << '\n';
+    m_out << "  " << Printable(record.Text("name")) << " = " << Quoted(record.Find("value")) << '\n';
 }
 
 void ConsoleReport::WriteVerdict(const Record& record) {
@@ -72,7 +117,7 @@ void ConsoleReport::WriteVerdict(const Record& record) {
     m_out << verdict;
     if (m_coloured)
         m_out << "\x1b[0m";
-    m_out << ": " << record.Text("reason") << '\n';
+    m_out << ": " << Printable(record.Text("reason")) << '\n';
 }
 
 } // namespace vant

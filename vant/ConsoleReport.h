@@ -3,10 +3,13 @@
 #include "host/record/Journal.h"
 
 #include <ostream>
+#include <set>
+#include <string>
 
 namespace vant {
 
-/// Writes what happens in a run as plain text, line by line, while it happens.
+/// Writes what happens in a run as plain text, line by line, while it happens. What the threads of persistent
+/// commands do again and again is written once in each step.
 class ConsoleReport {
 public:
     /// `coloured`: whether the verdict is coloured for a terminal. The stream must outlive the report.
@@ -14,15 +17,21 @@ public:
     void operator()(const Record& record);
 
 private:
-    /// What a command shows to the technician, where the call is one that does.
-    void WriteShown(const Record& record);
-    void WriteCommand(const Record& record);
+    void WriteEvent(const Record& record);
+    /// What a call of a command has done that is worth a line; otherwise an empty text.
+    std::string LineOfCall(const Record& record);
+    std::string LineOfCommand(const Record& record);
+    /// A line within a step.
+    void Write(const Record& record, const std::string& line);
     void WriteEntry(const Record& record);
     void WriteVerdict(const Record& record);
 
     std::ostream& m_out;
     const bool m_coloured;
     bool m_hasEntries = false;
+    /// The commands, by thread and id, that have started a thread and not yet returned.
+    std::set<std::string> m_runningOn;
+    std::set<std::string> m_linesOfThreads; ///< In this step.
 };
 
 } // namespace vant

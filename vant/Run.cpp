@@ -1,5 +1,6 @@
 #include "vant/Run.h"
 
+#include "host/procedure/ConditionReader.h"
 #include "host/procedure/EngineReader.h"
 #include "host/procedure/ProcedureCheck.h"
 #include "host/procedure/ProcedureReader.h"
@@ -8,17 +9,18 @@
 #include "host/runner/Module.h"
 #include "host/runner/RegisteredClasses.h"
 #include "host/runner/Runner.h"
+#include "platform/Clock.h"
 #include "platform/Process.h"
 #include "platform/Utf8.h"
 #include "vant/ConsoleReport.h"
 #include "vant/MessagePrompt.h"
 
-#include <atomic>
 #include <cerrno>
 #include <cstdlib>
 #include <fstream>
 #include <iostream>
 #include <memory>
+#include <mutex>
 #include <stdexcept>
 #include <string_view>
 #include <system_error>
@@ -37,21 +39,28 @@ private:
     ExitCode m_code;
 };
 
-std::atomic<Runner*> interruptible{nullptr};
+std::mutex interruption;
+Runner* interruptible = nullptr;
 
 void Interrupt() {
-    if (Runner* const runner = interruptible)
-        runner->Abort();
+    const std::lock_guard lock(interruption);
+    if (interruptible)
+        interruptible->Abort();
+}
+
+void SetInterruptible(Runner* runner) {
+    const std::lock_guard lock(interruption);
+    interruptible = runner;
 }
 
 /// Lets the user interrupt a run for as long as this object lives.
 class InterruptScope {
 public:
     explicit InterruptScope(Runner& runner) {
-        interruptible = &runner;
+        SetInterruptible(&runner);
         OnFirstInterrupt(Interrupt);
     }
-    ~InterruptScope() { interruptible = nullptr; }
+    ~InterruptScope() { SetInterruptible(nullptr); }
     InterruptScope(const InterruptScope&) = delete;
     InterruptScope& operator=(const InterruptScope&) = delete;
 };
@@ -75,14 +84,19 @@ struct EngineFile {
     Diagnostics found;
 };
 
-/// Reads the engine file that the procedure names, if it does. One that cannot be read is the procedure's
-/// mistake.
-EngineFile ReadEngineFile(const std::string& procedureFile, Procedure& procedure, Diagnostics& found) {
+/// Reads the engine file that stands in for the procedure's own engine or, without one, the one that the
+/// procedure names. A file that the procedure names and that cannot be read is the procedure's mistake.
+EngineFile ReadEngineFile(const RunOptions& options, Procedure& procedure, Diagnostics& found) {
     EngineFile engine;
+    if (!options.engine.empty()) {
+        procedure.engine = ReadEngine(ReadInput(options.engine), engine.found);
+        engine.name = options.engine;
+        return engine;
+    }
     if (!procedure.engineFile)
         return engine;
     const auto& [name, position] = *procedure.engineFile;
-    const std::filesystem::path path = PathFromUtf8(procedureFile).parent_path() / PathFromUtf8(name);
+    const std::filesystem::path path = PathFromUtf8(options.procedure).parent_path() / PathFromUtf8(name);
     try {
         procedure.engine = ReadEngine(ReadFile(path), engine.found);
         engine.name = ToUtf8(path.generic_wstring());
@@ -164,6 +178,7 @@ ExitCode RunChecked(const RunOptions& options, const Procedure& procedure, const
         // What a program reads from standard output stays JSON.
         const MessagePrompt prompt(options.json ? std::cerr : std::cout, std::cin, options.answersMessages);
         const InterruptScope scope(runner);
+        const ClockParticipant participant;
         verdict = runner.Run();
     }
     if (options.json)
@@ -178,11 +193,25 @@ ExitCode RunChecked(const RunOptions& options, const Procedure& procedure, const
     return ExitCodeOf(verdict);
 }
 
+/// How time passes. Before the module is loaded: from then on it waits in this time.
+void SetTime(const RunOptions& options) {
+    constexpr double slowest = 0.001;
+    constexpr double fastest = 1000000;
+    // What is not a number lies within no limits.
+    if (!(options.speed >= slowest && options.speed <= fastest))
+        throw Stop(ExitCode::WrongInput, "--speed must lie between 0.001 and 1000000");
+    if (options.virtualTime)
+        UseVirtualTime();
+    else
+        UseRealTime(options.speed);
+}
+
 ExitCode ReadAndRun(const RunOptions& options) {
+    SetTime(options);
     Diagnostics found;
     const std::string text = ReadInput(options.procedure);
     Procedure procedure = ReadProcedure(text, found);
-    const EngineFile engine = ReadEngineFile(options.procedure, procedure, found);
+    const EngineFile engine = ReadEngineFile(options, procedure, found);
     const auto printAll = [&] {
         Print(found, options.procedure);
         Print(engine.found, engine.name);
@@ -191,6 +220,8 @@ ExitCode ReadAndRun(const RunOptions& options) {
     try {
         commands = OpenCommands(options);
         CheckCommands(procedure, *commands, found);
+        if (!engine.found.HasErrors())
+            CheckConditionParameters(procedure, found);
     } catch (const std::exception&) {
         // The files' own mistakes are worth telling all the same.
         printAll();

@@ -3,6 +3,7 @@
 #include "platform/DynamicLibrary.h"
 #include "platform/Process.h"
 #include "platform/Utf8.h"
+#include "vant/EngineRun.h"
 #include "vant/Registration.h"
 #include "vant/Run.h"
 
@@ -30,6 +31,8 @@ int RunProgram(int argc, char** argv) {
     CLI::App* const run = app.add_subcommand("run", "Run a procedure file");
     run->allow_windows_style_options(false);
     run->add_option("FILE", options.procedure, "The procedure, a TOML file")->required();
+    run->add_option("--engine", options.engine, "Run on the engine in this file, not on the procedure's own")
+        ->type_name("FILE");
     run->add_option("--journal", options.journal, "Write every host call to this file, as lines of JSON")
         ->type_name("FILE");
     run->add_option("--module", options.module, "The module of the command classes")
@@ -43,6 +46,33 @@ int RunProgram(int argc, char** argv) {
     run->add_flag("--registered", options.registered,
                   "Create the commands by their registered ProgIDs instead of loading a module")
         ->excludes("--module");
+
+    vant::EngineRunOptions engineRun;
+    CLI::App* const engine =
+        app.add_subcommand("engine", "Let an engine run without a procedure and print its parameters");
+    engine->allow_windows_style_options(false);
+    engine->add_option("FILE", engineRun.file, "The engine, or a procedure that has one; a TOML file")
+        ->required();
+    engine->add_option("--for", engineRun.duration, "How long: a number with ms, s, min or h")
+        ->type_name("DURATION")
+        ->capture_default_str();
+    engine->add_option("--every", engineRun.every, "The time from one row to the next")
+        ->type_name("DURATION")
+        ->capture_default_str();
+    engine->add_flag("--csv", engineRun.csv, "Print comma-separated values instead of a table");
+    engine->add_option("--seed", engineRun.seed, "The seed of the noise, in place of the engine's")
+        ->check(CLI::NonNegativeNumber)
+        ->type_name("NUMBER");
+    engine->add_option("--set", engineRun.writes, "Write a parameter at a time; can be given repeatedly")
+        ->type_name("ID=VALUE@TIME")
+        ->allow_extra_args(false);
+    engine->footer("Exit codes: 0 done, 2 wrong usage or file, 3 the output could not be written.");
+
+    CLI::Option* const virtualTime =
+        run->add_flag("--virtual", options.virtualTime, "Let virtual time pass instead of waiting");
+    run->add_option("--speed", options.speed, "Let time pass so many times as fast")
+        ->type_name("N")
+        ->excludes(virtualTime);
 
     vant::RegistrationOptions registration;
     registration.module = options.module;
@@ -70,6 +100,8 @@ int RunProgram(int argc, char** argv) {
         // Help and version are reported this way too.
         return app.exit(stop) == 0 ? 0 : static_cast<int>(vant::ExitCode::WrongInput);
     }
+    if (*engine)
+        return static_cast<int>(vant::RunEngine(engineRun));
     if (*registerModule)
         return static_cast<int>(vant::Register(registration));
     if (*unregisterModule)

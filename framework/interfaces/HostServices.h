@@ -7,7 +7,7 @@
 // Out parameters receive what the caller then owns: a referenced interface or a VARIANT to clear. Strings and
 // values passed in stay the caller's, a VARIANT passed by value included. Services are called on the host's
 // thread during Execute [host thread] and on threads of the thread service [persistent thread], and must
-// accept both at once.
+// accept both at once. A command that RunCommandFromThread runs may be executed on a persistent thread, too.
 
 #include "ecm/interfaces/EngineData.h"
 #include "framework/interfaces/VantCommand.h"
@@ -17,7 +17,8 @@ namespace vant {
 
 /// Runs other commands of the procedure.
 struct ICommandRunner : IUnknown {
-    /// Slot 3 [host thread]: creates and executes the command of that identifier and answers its result.
+    /// Slot 3 [the thread that executes the command]: creates and executes the command of that identifier and
+    /// answers its result.
     virtual HRESULT STDMETHODCALLTYPE RunCommand(BSTR commandId) = 0;
     /// Slot 4 [persistent thread]: the same, from a thread of the thread service.
     virtual HRESULT STDMETHODCALLTYPE RunCommandFromThread(BSTR commandId) = 0;
@@ -56,7 +57,7 @@ struct IPresentationService : IUnknown {
     virtual HRESULT STDMETHODCALLTYPE Reserved4() = 0;
     virtual HRESULT STDMETHODCALLTYPE Reserved5() = 0;
     virtual HRESULT STDMETHODCALLTYPE Reserved6() = 0;
-    /// Slot 7 [host thread]. `text` may be null.
+    /// Slot 7 [the thread that executes the command]. `text` may be null.
     virtual HRESULT STDMETHODCALLTYPE ShowInstruction(BSTR text) = 0;
 };
 
@@ -72,7 +73,8 @@ struct IProcedureController : IUnknown {
 
 /// Ends running commands, and hears of those that have ended.
 struct IVantController : IUnknown {
-    virtual HRESULT STDMETHODCALLTYPE TerminateCommand(BSTR commandId) = 0; // slot 3 [host thread]
+    /// Slot 3 [the thread that executes the command].
+    virtual HRESULT STDMETHODCALLTYPE TerminateCommand(BSTR commandId) = 0;
     virtual HRESULT STDMETHODCALLTYPE Reserved4() = 0;
     virtual HRESULT STDMETHODCALLTYPE Reserved5() = 0;
     /// Slot 6 [any thread]: `command` has been asked to stop; its thread may still be running.

@@ -16,7 +16,8 @@ inline constexpr IID IID_IVantPersistentCommand = {
     0x320D49F6, 0x7C7F, 0x4107, {0x99, 0x00, 0x6B, 0x70, 0x3C, 0x99, 0xE8, 0xEE}};
 
 /// One step's work. The host creates the object, initialises it once, sets its properties, executes it.
-/// Setting properties and executing must not overlap; otherwise any thread may call. No exception leaves an
+/// Setting properties and executing must not overlap, which for a persistent command means until its threads
+/// have ended; otherwise any thread may call. No exception leaves an
 /// operation.
 struct IVantCommand : IUnknown {
     /// Slot 3. Asks `context` for the nine host services and keeps them, with `controller` (which may be

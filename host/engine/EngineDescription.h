@@ -1,7 +1,9 @@
 #pragma once
 
+#include "host/engine/Behaviour.h"
 #include "host/record/Value.h"
 
+#include <cstdint>
 #include <map>
 #include <optional>
 #include <string>
@@ -17,8 +19,11 @@ struct EngineParameter {
     std::string unitsKey;
     bool readOnly = false;
     bool fails = false; ///< Reads of text and value fail.
+    std::optional<Outage> outage;
+    std::optional<std::int64_t> failingRead; ///< The read that fails; counts from 1.
     std::optional<double> min;
     std::optional<double> max;
+    std::optional<Behaviour> behaviour; ///< Without one, only writes change the value.
 };
 
 struct FaultFieldDescription {
@@ -30,11 +35,12 @@ using FaultRecordDescription = std::vector<FaultFieldDescription>;
 /// The steps from a control module's identifier to its kind of protocol, in their order.
 enum class ProtocolStep { GetProtocolSource, GetA, GetB, GetC, GetD, GetKind };
 
-/// What a simulated engine is when a run begins; see docs/procedures.md for the meaning.
+/// What a simulated engine is when a run begins; see docs/engines.md for the meaning.
 struct EngineDescription {
     std::string connection = "1"; ///< Begins with the decimal number of the control module.
     LONG protocol = 0;            ///< The kind that the protocol source chain gives.
     std::optional<ProtocolStep> protocolFails;
+    std::uint64_t seed = 0; ///< Of all noise.
     std::map<std::string, EngineParameter> parameters;
     std::map<std::string, std::string> units; ///< Units key to text.
     std::map<std::string, std::vector<FaultRecordDescription>> faultArrays;

@@ -18,7 +18,7 @@ LONG EcmIdOf(const std::string& connection) {
 
 EngineObjects::EngineObjects(Journal& journal, EngineDescription description, IUnknown& identity)
     : m_description(std::move(description)), m_ecmId(EcmIdOf(m_description.connection)),
-      m_engine(m_description.parameters), m_connection(journal, m_description.connection),
+      m_engine(m_description.parameters, m_description.seed), m_connection(journal, m_description.connection),
       m_session(journal, m_items), m_directory(journal, m_ecmId, m_session),
       m_protocolSource(journal, m_description, m_ecmId),
       m_sessionManager(journal, m_description, identity, m_directory, m_protocolSource),

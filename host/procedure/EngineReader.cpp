@@ -1,5 +1,7 @@
 #include "host/procedure/EngineReader.h"
 
+#include "host/engine/Number.h"
+#include "host/procedure/BehaviourReader.h"
 #include "host/procedure/TableReader.h"
 #include "host/text/Suggestion.h"
 
@@ -14,30 +16,24 @@ const std::array<std::string, 6> protocolStepNames = {"GetProtocolSource", "GetA
                                                       "get_Kind"};
 constexpr LONG lastProtocolKind = 6;
 
-bool IsNumber(const Value& value) {
-    return std::holds_alternative<std::int64_t>(value) || std::holds_alternative<double>(value);
-}
-
-double NumberIn(const Value& value) {
-    const auto* const whole = std::get_if<std::int64_t>(&value);
-    return whole ? static_cast<double>(*whole) : std::get<double>(value);
-}
-
 class Reader : private TableReader {
 public:
-    explicit Reader(Diagnostics& found) : TableReader(found) {}
+    explicit Reader(Diagnostics& found) : TableReader(found), m_behaviours(found) {}
 
     EngineDescription Read(const toml::table& table) {
         CheckKeys(table, "an engine",
-                  {"connection", "protocol", "protocolFails", "parameters", "units", "faults"});
+                  {"connection", "protocol", "protocolFails", "seed", "parameters", "units", "faults"});
         if (const auto connection = OptionalText(table, "connection"))
             m_engine.connection = connection->text;
         if (const toml::node* const protocol = table.get("protocol"))
             ReadProtocol(*protocol);
         if (const auto step = OptionalText(table, "protocolFails"))
             ReadProtocolStep(*step);
+        if (const toml::node* const seed = table.get("seed"))
+            ReadSeed(*seed);
         ForEach(table, "parameters",
                 [this](const toml::key& key, const toml::node& node) { ReadParameter(key, node); });
+        m_behaviours.CheckFollowed(m_engine.parameters);
         ForEach(table, "units", [this](const toml::key& key, const toml::node& node) {
             if (const auto text = Text(node, "unit " + Quoted(key.str())))
                 m_engine.units.emplace(std::string(key.str()), text->text);
@@ -65,13 +61,22 @@ private:
             m_engine.protocolFails = static_cast<ProtocolStep>(found - protocolStepNames.begin());
     }
 
+    void ReadSeed(const toml::node& node) {
+        const auto seed = node.value_exact<std::int64_t>();
+        if (seed && *seed >= 0)
+            m_engine.seed = static_cast<std::uint64_t>(*seed);
+        else
+            m_found.Error(PositionOf(node), "'seed' must be a whole number from 0");
+    }
+
     void ReadParameter(const toml::key& key, const toml::node& node) {
         const toml::table* const table = AsTable(node, "parameter " + Quoted(key.str()));
         if (!table)
             return;
         CheckKeys(*table, "a parameter",
-                  {"name", "value", "text", "units", "readOnly", "fails", "min", "max"});
-        EngineParameter& parameter = m_engine.parameters[std::string(key.str())];
+                  {"name", "value", "text", "units", "readOnly", "fails", "min", "max", "behaviour"});
+        const std::string id(key.str());
+        EngineParameter& parameter = m_engine.parameters[id];
         parameter.value = std::string();
         if (const auto name = OptionalText(*table, "name"))
             parameter.name = name->text;
@@ -80,7 +85,7 @@ private:
         if (const auto units = OptionalText(*table, "units"))
             parameter.unitsKey = units->text;
         parameter.readOnly = OptionalTruth(*table, "readOnly");
-        parameter.fails = OptionalTruth(*table, "fails");
+        m_behaviours.ReadFails(*table, parameter);
         const toml::node* const value = table->get("value");
         if (!value) {
             m_found.Error(PositionOf(key), "'value' is missing");
@@ -93,6 +98,7 @@ private:
         parameter.min = OptionalLimit(*table, "min", parameter.value);
         parameter.max = OptionalLimit(*table, "max", parameter.value);
         CheckLimits(parameter, *table);
+        m_behaviours.ReadBehaviour(id, *table, parameter);
     }
 
     bool OptionalTruth(const toml::table& table, std::string_view key) {
@@ -113,7 +119,7 @@ private:
             m_found.Error(PositionOf(*node), Quoted(key) + " must be a number, not " + KindOf(*node));
             return std::nullopt;
         }
-        if (!IsNumber(value)) {
+        if (!NumberIn(value)) {
             m_found.Error(PositionOf(*node), "only a parameter whose value is a number has limits");
             return std::nullopt;
         }
@@ -123,8 +129,8 @@ private:
     void CheckLimits(const EngineParameter& parameter, const toml::table& table) {
         if (parameter.min && parameter.max && *parameter.min > *parameter.max)
             m_found.Error(PositionOf(*table.get("max")), "'max' is less than 'min'");
-        else if ((parameter.min && NumberIn(parameter.value) < *parameter.min) ||
-                 (parameter.max && NumberIn(parameter.value) > *parameter.max))
+        else if ((parameter.min && *NumberIn(parameter.value) < *parameter.min) ||
+                 (parameter.max && *NumberIn(parameter.value) > *parameter.max))
             m_found.Error(PositionOf(*table.get("value")), "'value' lies outside 'min' and 'max'");
     }
 
@@ -167,13 +173,7 @@ private:
             record.push_back({name->text, value->text});
     }
 
-    const toml::array* AsList(const toml::node& node, const std::string& must) {
-        const toml::array* const list = node.as_array();
-        if (!list)
-            m_found.Error(PositionOf(node), must + ", not " + KindOf(node));
-        return list;
-    }
-
+    BehaviourReader m_behaviours;
     EngineDescription m_engine;
 };
 

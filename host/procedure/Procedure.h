@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/conditions/Condition.h"
 #include "host/engine/EngineDescription.h"
 #include "host/procedure/Diagnostic.h"
 #include "host/record/Value.h"
@@ -32,6 +33,13 @@ struct Command {
 /// How a procedure ended.
 enum class Verdict { Passed, Failed, Aborted };
 
+/// What a step waits for when its commands have been run.
+enum class Wait {
+    Not,
+    Transition, ///< That a transition is chosen, or that no persistent command runs any more.
+    End         ///< That the persistent commands which the step has started have ended.
+};
+
 /// A step runs commands and leads on to another step, or ends the procedure.
 struct Step {
     Position position; ///< Of the step's id.
@@ -39,6 +47,7 @@ struct Step {
     std::optional<Located> next;
     std::optional<Located> failed;
     std::map<std::string, Located> on; ///< Transition id to step.
+    Wait wait = Wait::Not;
     std::optional<Verdict> end;
 };
 
@@ -51,6 +60,7 @@ struct Procedure {
     std::map<std::string, Command> commands;
     std::map<std::string, Step> steps;
     Components components;
+    ConditionSets conditions;
     /// The file that holds the engine, relative to the procedure's folder; whoever reads it fills `engine`.
     std::optional<Located> engineFile;
     std::optional<EngineDescription> engine;

@@ -1,5 +1,6 @@
 #include "host/procedure/ProcedureReader.h"
 
+#include "host/procedure/ConditionReader.h"
 #include "host/procedure/EngineReader.h"
 #include "host/procedure/ProcedureNames.h"
 #include "host/procedure/TableReader.h"
@@ -25,12 +26,14 @@ public:
 
     Procedure Read(const toml::table& root) {
         CheckKeys(root, "a procedure",
-                  {"name", "start", "data", "components", "engine", "commands", "steps"});
+                  {"name", "start", "data", "conditions", "components", "engine", "commands", "steps"});
         if (const auto name = RequiredText(root, "name", {1, 1}))
             m_procedure.name = name->text;
         if (auto start = RequiredText(root, "start", {1, 1}))
             m_procedure.start = std::move(*start);
         ForEach(root, "data", [this](const toml::key& key, const toml::node& node) { ReadData(key, node); });
+        ForEach(root, "conditions",
+                [this](const toml::key& key, const toml::node& node) { ReadConditions(key, node); });
         ForEach(root, "commands",
                 [this](const toml::key& key, const toml::node& node) { ReadCommand(key, node); });
         ForEach(root, "components",
@@ -48,6 +51,14 @@ private:
         Value& value = m_procedure.data[std::string(key.str())];
         if (auto read = Scalar(node, "data entry " + Quoted(key.str())))
             value = std::move(*read);
+    }
+
+    void ReadConditions(const toml::key& key, const toml::node& node) {
+        const std::string name(key.str());
+        if (m_procedure.data.contains(name))
+            m_found.Error(PositionOf(key), "a condition set is an entry of the data store, and " +
+                                               Quoted(name) + " is one already");
+        m_procedure.conditions[name] = ReadConditionSet(key, node, m_found);
     }
 
     void ReadCommand(const toml::key& key, const toml::node& node) {
@@ -71,9 +82,10 @@ private:
         const toml::table* const table = AsTable(node, "step " + Quoted(key.str()));
         if (!table)
             return;
-        CheckKeys(*table, "a step", {"run", "next", "failed", "on", "end"});
+        CheckKeys(*table, "a step", {"run", "wait", "next", "failed", "on", "end"});
         if (const toml::node* const run = table->get("run"))
             ReadRun(*run, step);
+        ReadWait(*table, step);
         step.next = OptionalText(*table, "next");
         step.failed = OptionalText(*table, "failed");
         ForEach(*table, "on", [&](const toml::key& id, const toml::node& target) {
@@ -134,6 +146,21 @@ private:
         }
     }
 
+    void ReadWait(const toml::table& table, Step& step) {
+        const auto wait = OptionalText(table, "wait");
+        if (!wait)
+            return;
+        if (wait->text == "transition") {
+            step.wait = Wait::Transition;
+        } else if (wait->text == "end") {
+            step.wait = Wait::End;
+        } else {
+            const std::string names[] = {"transition", "end"};
+            m_found.Error(wait->position,
+                          "'wait' is \"transition\" or \"end\"" + DidYouMean(wait->text, names));
+        }
+    }
+
     void ReadEnd(const toml::table& table, Step& step) {
         const auto end = OptionalText(table, "end");
         if (!end)
@@ -191,6 +218,7 @@ Procedure ReadProcedure(std::string_view toml, Diagnostics& found) {
     try {
         const toml::table root = toml::parse(toml);
         Procedure procedure = Reader(found).Read(root);
+        CheckConditionNames(procedure, found);
         CheckNames(procedure, found);
         return procedure;
     } catch (const toml::parse_error& mistake) {

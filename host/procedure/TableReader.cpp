@@ -56,6 +56,13 @@ const toml::table* TableReader::AsTable(const toml::node& node, const std::strin
     return table;
 }
 
+const toml::array* TableReader::AsList(const toml::node& node, const std::string& must) {
+    const toml::array* const list = node.as_array();
+    if (!list)
+        m_found.Error(PositionOf(node), must + ", not " + KindOf(node));
+    return list;
+}
+
 std::optional<Located> TableReader::Text(const toml::node& node, const std::string& what) {
     if (const auto text = node.value_exact<std::string>())
         return Located{*text, PositionOf(node)};

@@ -32,6 +32,8 @@ protected:
 
     /// Null, and a mistake, for what is no table; `what` names it.
     const toml::table* AsTable(const toml::node& node, const std::string& what);
+    /// Null, and a mistake, for what is no list; `must` says what it must be.
+    const toml::array* AsList(const toml::node& node, const std::string& must);
 
     /// Visits the entries of a table that may be absent, in the file's order.
     template <class Visit>

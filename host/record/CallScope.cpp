@@ -12,8 +12,9 @@ thread_local const ThreadScope* innermostThread = nullptr;
 
 } // namespace
 
-CommandScope::CommandScope(std::string commandId)
-    : m_commandId(std::move(commandId)), m_outer(innermostCommand), m_depth(CommandDepth() + 1) {
+CommandScope::CommandScope(std::string commandId, IUnknown* object)
+    : m_commandId(std::move(commandId)), m_object(object), m_outer(innermostCommand),
+      m_depth(CommandDepth() + 1) {
     innermostCommand = this;
 }
 
@@ -33,12 +34,16 @@ std::string CurrentCommand() {
     return innermostCommand ? innermostCommand->CommandId() : std::string();
 }
 
+IUnknown* CurrentCommandObject() noexcept {
+    return innermostCommand ? innermostCommand->Object() : nullptr;
+}
+
 std::size_t CommandDepth() noexcept {
     return innermostCommand ? innermostCommand->Depth() : 0;
 }
 
 std::string CurrentThread() {
-    return innermostThread ? innermostThread->Name() : "main";
+    return innermostThread ? innermostThread->Name() : mainThread;
 }
 
 } // namespace vant

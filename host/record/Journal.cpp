@@ -1,9 +1,9 @@
 #include "host/record/Journal.h"
 
 #include "host/record/CallScope.h"
+#include "platform/Clock.h"
 
 #include <algorithm>
-#include <chrono>
 
 namespace vant {
 
@@ -19,12 +19,7 @@ std::string Record::Text(std::string_view name) const {
     return text ? *text : std::string();
 }
 
-Journal::Journal()
-    : Journal([start = std::chrono::steady_clock::now()] {
-          const auto passed = std::chrono::steady_clock::now() - start;
-          return static_cast<std::int64_t>(
-              std::chrono::duration_cast<std::chrono::milliseconds>(passed).count());
-      }) {}
+Journal::Journal() : Journal([start = ClockMilliseconds()] { return ClockMilliseconds() - start; }) {}
 
 void Journal::Add(Record record) noexcept {
     try {

@@ -44,7 +44,7 @@ public:
     using Clock = std::function<std::int64_t()>;
     using Observer = std::function<void(const Record&)>;
 
-    /// With the real time since now, in whole milliseconds.
+    /// With the time of this process's clock since now: real, scaled or virtual.
     Journal();
     explicit Journal(Clock clock) : m_clock(std::move(clock)) {}
 

@@ -11,8 +11,21 @@ ResultReport::ResultReport() {
 }
 
 void ResultReport::operator()(const Record& record) {
-    if (record.service != "Runner")
-        return;
+    if (record.service == "Runner")
+        TakeEvent(record);
+    else if (record.result && SUCCEEDED(*record.result) && !m_result["steps"].empty())
+        TakeCall(record);
+}
+
+void ResultReport::TakeCall(const Record& record) {
+    Json& step = m_result["steps"].back();
+    if (record.operation == "ShowInstruction")
+        step["instructions"].push_back(record.Text("text"));
+    else if (record.operation == "SetComponentProperty")
+        step["display"][record.Text("componentId")][record.Text("name")] = record.Text("value");
+}
+
+void ResultReport::TakeEvent(const Record& record) {
     const auto argument = [&record](std::string_view name) {
         const Value* const value = record.Find(name);
         return value ? ToJson(*value) : Json();
@@ -24,6 +37,8 @@ void ResultReport::operator()(const Record& record) {
         Json step;
         step["step"] = argument("step");
         step["commands"] = Json::array();
+        step["instructions"] = Json::array();
+        step["display"] = Json::object();
         step["next"] = nullptr;
         steps.push_back(std::move(step));
     } else if (record.operation == "CommandEnded") {

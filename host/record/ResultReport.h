@@ -9,10 +9,11 @@ namespace vant {
 ///     {"procedure": NAME, "verdict": "passed" | "failed" | "aborted", "reason": TEXT,
 ///      "steps": [{"step": ID, "commands": [{"command": ID, "class": NAME, "caller": ID or null,
 ///                                           "phase": TEXT, "result": HRESULT}],
-///                 "next": ID or null}],
+///                 "instructions": [TEXT], "display": {COMPONENT: {PROPERTY: TEXT}}, "next": ID or null}],
 ///      "data": {NAME: VALUE}}
 ///
-/// Steps and commands stand in the order in which they were entered and ended.
+/// Steps, commands and instructions stand in the order in which they were entered, ended and shown. Of a
+/// component's property the last value in the step counts.
 class ResultReport {
 public:
     ResultReport();
@@ -20,6 +21,10 @@ public:
     const Json& Result() const noexcept { return m_result; }
 
 private:
+    void TakeEvent(const Record& record);
+    /// What was shown to the technician.
+    void TakeCall(const Record& record);
+
     Json m_result;
 };
 

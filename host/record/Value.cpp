@@ -40,6 +40,8 @@ Value ToValue(const VARIANT& value) {
         return value.dblVal;
     case VT_BSTR:
         return ToUtf8(TextOf(value.bstrVal));
+    case VT_UNKNOWN:
+        return "(object)";
     default:
         return "(VARIANT of type " + std::to_string(value.vt) + ")";
     }

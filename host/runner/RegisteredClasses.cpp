@@ -3,6 +3,7 @@
 #include "framework/interfaces/ClassIds.h"
 #include "host/runner/Module.h"
 #include "platform/ClassRegistration.h"
+#include "platform/Clock.h"
 #include "platform/Utf8.h"
 
 #include <algorithm>
@@ -34,8 +35,12 @@ HRESULT RegisteredClasses::Create(std::string_view className, CComPtr<IVantComma
     CLSID classId = {};
     if (FAILED(CLSIDFromProgID(ProgIdOf(ToWide(className)).c_str(), &classId)))
         return REGDB_E_CLASSNOTREG;
-    return CoCreateInstance(classId, nullptr, CLSCTX_INPROC_SERVER, IID_IVantCommand,
-                            reinterpret_cast<void**>(&command));
+    const HRESULT code = CoCreateInstance(classId, nullptr, CLSCTX_INPROC_SERVER, IID_IVantCommand,
+                                          reinterpret_cast<void**>(&command));
+    if (SUCCEEDED(code))
+        TakeTimeFromHere(
+            *reinterpret_cast<void**>(command.Get())); // The table of its operations lies in the module.
+    return code;
 }
 
 std::vector<RegisteredClass> ListRegisteredClasses() {

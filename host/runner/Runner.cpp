@@ -1,6 +1,5 @@
 #include "host/runner/Runner.h"
 
-#include "host/record/CallScope.h"
 #include "host/services/Codes.h"
 
 #include <set>
@@ -12,6 +11,14 @@ namespace {
 
 Value TextOrNull(const std::string& text) {
     return text.empty() ? Value(nullptr) : Value(text);
+}
+
+/// One text for all.
+std::string TextOf(const std::vector<Condition>& conditions) {
+    std::string text;
+    for (const Condition& condition : conditions)
+        text += (text.empty() ? "" : "; ") + TextOf(condition);
+    return text;
 }
 
 const char* NameOf(Verdict verdict) {
@@ -31,7 +38,7 @@ Runner::Runner(const Procedure& procedure, const CommandFactory& factory, Journa
     : m_procedure(procedure), m_factory(factory), m_journal(journal),
       m_services(
           journal, [this](const std::string& id) { return RunCommand(id); }, procedure.engine,
-          procedure.components) {}
+          procedure.components, procedure.conditions) {}
 
 Verdict Runner::Run() {
     Tell("ProcedureStarted", {{"name", m_procedure.name}});
@@ -39,9 +46,13 @@ Verdict Runner::Run() {
         m_services.dataStore.Set(name, ToVariant(value));
         Tell("DataGiven", {{"name", name}, {"value", value}});
     }
+    for (const auto& [name, conditions] : m_procedure.conditions)
+        Tell("ConditionsGiven", {{"name", name}, {"conditions", TextOf(conditions)}});
     const Ending ending = RunSteps();
+    EndPersistentCommands();
     for (const auto& [name, value] : m_services.dataStore.Entries())
         Tell("DataLeft", {{"name", name}, {"value", value}});
+    m_services.dataStore.Clear();
     Tell("ProcedureEnded", {{"verdict", NameOf(ending.verdict)}, {"reason", ending.reason}});
     return ending.verdict;
 }
@@ -61,18 +72,21 @@ Runner::Ending Runner::RunSteps() {
         std::set<std::string> transitions = everyStep;
         for (const auto& [id, target] : step.on)
             transitions.insert(id);
+        m_services.persistentThreads.EnterStep();
         m_services.procedureController.EnterStep(std::move(transitions));
 
         const std::optional<std::string> failedCommand = RunCommandsOf(step);
+        if (!failedCommand)
+            AwaitCommandsOf(step);
+        const std::optional<std::string> chosen = m_services.procedureController.LeaveStep();
         if (m_aborted)
             break;
         std::string key;
-        const std::string* const target = TargetOf(step, !failedCommand, key);
+        const std::string* const target = TargetOf(step, chosen, !failedCommand, key);
         if (!target && failedCommand)
             return {Verdict::Failed, "command '" + *failedCommand + "' failed in step '" + current + "'"};
         if (!target)
             return {Verdict::Failed, "no transition was chosen in step '" + current + "'"};
-        const std::optional<std::string> chosen = m_services.procedureController.Chosen();
         Tell("TransitionFollowed", {{"from", current},
                                     {"to", *target},
                                     {"key", key},
@@ -92,8 +106,35 @@ std::optional<std::string> Runner::RunCommandsOf(const Step& step) {
     return std::nullopt;
 }
 
-const std::string* Runner::TargetOf(const Step& step, bool succeeded, std::string& key) const {
-    if (const std::optional<std::string> chosen = m_services.procedureController.Chosen()) {
+void Runner::AwaitCommandsOf(const Step& step) {
+    const auto isOver = [&] {
+        if (m_aborted || step.wait == Wait::Not)
+            return true;
+        if (step.wait == Wait::End)
+            return !m_services.persistentThreads.IsAnyOfStepRunning();
+        return m_services.procedureController.Chosen().has_value() ||
+               !m_services.persistentThreads.IsAnyRunning();
+    };
+    while (!isOver())
+        m_services.changed.Wait(INFINITE);
+}
+
+void Runner::EndPersistentCommands() {
+    m_ending = true;
+    m_services.Close();
+    m_services.persistentThreads.End();
+}
+
+void Runner::Abort() noexcept {
+    m_aborted = true;
+    m_ending = true;
+    m_services.Close();
+    m_services.changed.Set();
+}
+
+const std::string* Runner::TargetOf(const Step& step, const std::optional<std::string>& chosen,
+                                    bool succeeded, std::string& key) const {
+    if (chosen) {
         key = "on";
         const auto entry = step.on.find(*chosen);
         return entry != step.on.end() ? &entry->second.text : &m_procedure.steps.find(*chosen)->first;
@@ -104,7 +145,7 @@ const std::string* Runner::TargetOf(const Step& step, bool succeeded, std::strin
 }
 
 HRESULT Runner::RunCommand(const std::string& id) {
-    if (m_aborted)
+    if (m_ending)
         return codeAborted;
     const auto command = m_procedure.commands.find(id);
     if (command == m_procedure.commands.end())
@@ -112,18 +153,19 @@ HRESULT Runner::RunCommand(const std::string& id) {
     if (CommandDepth() >= maxCommandDepth)
         return HRESULT_FROM_WIN32(ERROR_STACK_OVERFLOW);
     const std::string caller = CurrentCommand();
-    const CommandScope scope(id);
+    CComPtr<IVantCommand> object;
+    CommandScope scope(id);
     const char* phase = "";
-    const HRESULT result = Perform(command->second, phase);
+    const HRESULT result = Perform(command->second, object, scope, phase);
     Tell("CommandEnded",
          {{"class", command->second.className.text}, {"caller", TextOrNull(caller)}, {"phase", phase}},
          result);
     return result;
 }
 
-HRESULT Runner::Perform(const Command& command, const char*& phase) {
+HRESULT Runner::Perform(const Command& command, CComPtr<IVantCommand>& object, CommandScope& scope,
+                        const char*& phase) {
     phase = "create";
-    CComPtr<IVantCommand> object;
     HRESULT result = m_factory.Create(command.className.text, object);
     Tell("CommandCreated", {{"class", command.className.text}}, result);
     if (FAILED(result))
@@ -144,6 +186,7 @@ HRESULT Runner::Perform(const Command& command, const char*& phase) {
     }
 
     phase = "execute";
+    scope.SetObject(object.Get());
     return object->Execute();
 }
 

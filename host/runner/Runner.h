@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/procedure/Procedure.h"
+#include "host/record/CallScope.h"
 #include "host/record/Journal.h"
 #include "host/runner/CommandFactory.h"
 #include "host/services/Services.h"
@@ -19,19 +20,21 @@ inline constexpr std::size_t maxCommandDepth = 32;
 
 /// Executes one procedure once. What happens is told through the journal alone: the calls of the commands,
 /// and as records of the service "Runner" the events ProcedureStarted, DataGiven, StepEntered,
-/// CommandCreated, CommandInitialized, PropertySet, CommandEnded, TransitionFollowed, DataLeft and
-/// ProcedureEnded.
+/// ConditionsGiven, CommandCreated, CommandInitialized, PropertySet, CommandEnded, ThreadEnded,
+/// TransitionFollowed, DataLeft and ProcedureEnded.
 class Runner {
 public:
     /// All three must outlive the runner. The procedure must be free of errors.
     Runner(const Procedure& procedure, const CommandFactory& factory, Journal& journal);
 
-    /// Runs the procedure to its end on the calling thread. Once.
+    /// Runs the procedure to its end on the calling thread, which should take part in virtual time. Once.
+    /// When it returns, every persistent command has been stopped, and its thread has ended.
     Verdict Run();
 
-    /// Asks the run to end before the next command or step; commands that are asked for after that are
-    /// refused with codeAborted. Any thread may call, and a signal handler too.
-    void Abort() noexcept { m_aborted.store(true); }
+    /// Asks the run to end before the next command or step, and ends its waiting. What would actuate
+    /// something after that is refused with codeAborted: commands, threads, writes of parameters. Any thread
+    /// may call.
+    void Abort() noexcept;
 
     /// The names of the host's objects that commands still hold; after a run, a command that leaks.
     std::vector<std::string> StillHeld() const { return m_services.StillHeld(); }
@@ -47,9 +50,15 @@ private:
     /// The id of the one that failed, else nothing.
     std::optional<std::string> RunCommandsOf(const Step& step);
     /// The step to which `step` leads; null where it leads to none. `key` becomes the key that says so.
-    const std::string* TargetOf(const Step& step, bool succeeded, std::string& key) const;
+    const std::string* TargetOf(const Step& step, const std::optional<std::string>& chosen, bool succeeded,
+                                std::string& key) const;
+    /// Waits for what the step says, or until the run is aborted.
+    void AwaitCommandsOf(const Step& step);
+    void EndPersistentCommands();
     HRESULT RunCommand(const std::string& id);
-    HRESULT Perform(const Command& command, const char*& phase);
+    /// Makes the command and executes it. `scope` knows the object while it executes.
+    HRESULT Perform(const Command& command, CComPtr<IVantCommand>& object, CommandScope& scope,
+                    const char*& phase);
     void Tell(const char* event, std::vector<Argument> arguments, std::optional<HRESULT> result = {});
 
     const Procedure& m_procedure;
@@ -57,7 +66,7 @@ private:
     Journal& m_journal;
     Services m_services;
     std::atomic<bool> m_aborted{false};
-    static_assert(std::atomic<bool>::is_always_lock_free);
+    std::atomic<bool> m_ending{false}; ///< The run has begun to end, aborted or not.
 };
 
 } // namespace vant

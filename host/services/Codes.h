@@ -8,8 +8,8 @@ namespace vant {
 /// command. (The system's "element not found".)
 inline constexpr HRESULT codeNotFound = static_cast<HRESULT>(0x80070490);
 
-/// What the host answers to a request to run a command once the procedure has been aborted. (The system's
-/// "operation aborted".)
+/// What the host answers to a request to run a command, to start a thread or to write a parameter once the
+/// procedure has begun to end. (The system's "operation aborted".)
 inline constexpr HRESULT codeAborted = static_cast<HRESULT>(0x80004004);
 
 /// What the simulated engine answers to a read of a parameter whose reads fail. (The system's "read fault".)

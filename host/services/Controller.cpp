@@ -6,13 +6,22 @@ namespace vant {
 
 HRESULT Controller::TerminateCommand(BSTR commandId) {
     return Answer("TerminateCommand", [&](Record& record) {
-        record.Add("commandId", ToUtf8(TextOf(commandId)));
-        return codeNotFound;
+        const std::string id = ToUtf8(TextOf(commandId));
+        record.Add("commandId", id);
+        return m_threads.StopCommand(id);
     });
 }
 
 HRESULT Controller::PersistentCommandStopped(IVantPersistentCommand* command) {
-    return Answer("PersistentCommandStopped", [&](Record&) { return command ? codeNotFound : E_POINTER; });
+    return Answer("PersistentCommandStopped", [&](Record& record) -> HRESULT {
+        if (!command)
+            return E_POINTER;
+        const std::optional<std::string> id = m_threads.IdOf(*command);
+        if (!id)
+            return codeNotFound;
+        record.Add("commandId", *id);
+        return S_OK;
+    });
 }
 
 } // namespace vant

@@ -2,21 +2,29 @@
 
 #include "framework/interfaces/HostServices.h"
 #include "host/services/HostObject.h"
+#include "host/services/PersistentThreads.h"
 
 namespace vant {
 
-/// Ends running commands at a command's request. A command runs on beyond its Execute only on the thread
-/// service, where nothing is registered, so there is never one to end.
+/// Ends running commands at a command's request, and hears of those that have been stopped. Any thread may
+/// call.
 class Controller final : public HostObject<IVantController> {
 public:
-    explicit Controller(Journal& journal) : HostObject(journal, "Controller") {}
+    /// `threads` must outlive the controller.
+    Controller(Journal& journal, PersistentThreads& threads)
+        : HostObject(journal, "Controller"), m_threads(threads) {}
 
-    /// codeNotFound: no command of that id is running.
+    /// Calls Stop of every running command of that id and does not wait for it to end. codeNotFound where
+    /// none runs; E_NOINTERFACE where one cannot be stopped.
     HRESULT STDMETHODCALLTYPE TerminateCommand(BSTR commandId) override;
     HRESULT STDMETHODCALLTYPE Reserved4() override { return Refuse("Reserved4"); }
     HRESULT STDMETHODCALLTYPE Reserved5() override { return Refuse("Reserved5"); }
-    /// E_POINTER for a null command, else codeNotFound: the command was never running.
+    /// Recorded with the command's id. E_POINTER for a null command; codeNotFound for one that is not
+    /// running.
     HRESULT STDMETHODCALLTYPE PersistentCommandStopped(IVantPersistentCommand* command) override;
+
+private:
+    PersistentThreads& m_threads;
 };
 
 } // namespace vant

@@ -12,13 +12,8 @@ HRESULT DataStore::GetValue(BSTR name, VARIANT* value) {
         if (!value)
             return E_POINTER;
         CComVariant copy;
-        {
-            const std::lock_guard lock(m_access);
-            const auto entry = m_entries.find(TextOf(name));
-            if (entry == m_entries.end())
-                return codeNotFound;
-            copy = entry->second;
-        }
+        if (const HRESULT code = Find(TextOf(name), copy); FAILED(code))
+            return code;
         record.Add("value", ToValue(copy.Get()));
         *value = copy.Detach();
         return S_OK;
@@ -31,16 +26,40 @@ HRESULT DataStore::SetValue(BSTR name, VARIANT value) {
         record.Add("value", ToValue(value));
         if (value.vt & VT_BYREF)
             return E_INVALIDARG;
-        CComVariant copy = CComVariant::Copy(value);
-        const std::lock_guard lock(m_access);
-        m_entries[std::wstring(TextOf(name))] = std::move(copy);
+        Replace(std::wstring(TextOf(name)), CComVariant::Copy(value));
         return S_OK;
     });
 }
 
 void DataStore::Set(std::string_view name, CComVariant value) {
+    Replace(ToWide(name), std::move(value));
+}
+
+HRESULT DataStore::Read(std::string_view name, CComVariant& value) const {
+    return Find(ToWide(name), value);
+}
+
+void DataStore::Clear() {
+    std::map<std::wstring, CComVariant, std::less<>> given;
     const std::lock_guard lock(m_access);
-    m_entries[ToWide(name)] = std::move(value);
+    m_entries.swap(given);
+}
+
+HRESULT DataStore::Find(std::wstring_view name, CComVariant& value) const {
+    const std::lock_guard lock(m_access);
+    const auto entry = m_entries.find(name);
+    if (entry == m_entries.end())
+        return codeNotFound;
+    value = entry->second;
+    return S_OK;
+}
+
+void DataStore::Replace(std::wstring name, CComVariant value) {
+    CComVariant replaced;
+    const std::lock_guard lock(m_access);
+    CComVariant& entry = m_entries[std::move(name)];
+    replaced = std::move(entry);
+    entry = std::move(value);
 }
 
 std::map<std::string, Value> DataStore::Entries() const {

@@ -32,10 +32,18 @@ public:
 
     /// Makes or replaces an entry on the host's own account; not recorded.
     void Set(std::string_view name, CComVariant value);
+    /// A copy of an entry's value, on the host's own account; not recorded. codeNotFound.
+    HRESULT Read(std::string_view name, CComVariant& value) const;
+    /// Gives up all entries, and the objects that they hold.
+    void Clear();
     /// A copy of all entries, by name in UTF-8.
     std::map<std::string, Value> Entries() const;
 
 private:
+    HRESULT Find(std::wstring_view name, CComVariant& value) const;
+    /// The value that it replaces, which may be an object, is released outside the lock.
+    void Replace(std::wstring name, CComVariant value);
+
     mutable std::mutex m_access;
     std::map<std::wstring, CComVariant, std::less<>> m_entries;
 };

@@ -44,6 +44,8 @@ HRESULT ParameterService::SetParameter(BSTR id, LONG kind, VARIANT value, IUnkno
         record.Add("value", ToValue(value));
         if (parameter)
             *parameter = nullptr;
+        if (m_closed)
+            return codeAborted;
         if (!m_engine)
             return codeNotFound;
         if (kind != parameterKind)

@@ -4,6 +4,8 @@
 #include "host/engine/EngineObjects.h"
 #include "host/services/HostObject.h"
 
+#include <atomic>
+
 namespace vant {
 
 /// The parameters of the engine control module. Without an engine nothing exists.
@@ -22,11 +24,15 @@ public:
     /// E_INVALIDARG for another kind; E_POINTER for a null `parameter`.
     HRESULT STDMETHODCALLTYPE GetParameter(BSTR id, LONG kind, IUnknown** parameter) override;
     /// Writes a parameter (kind 1) and gives it, unless `parameter` is null. Refusals are those of
-    /// GetParameter and of Engine::Write; null out then.
+    /// GetParameter and of Engine::Write, and codeAborted once closed; null out then.
     HRESULT STDMETHODCALLTYPE SetParameter(BSTR id, LONG kind, VARIANT value, IUnknown** parameter) override;
+
+    /// From now on nothing is written. Any thread may call.
+    void Close() noexcept { m_closed = true; }
 
 private:
     EngineObjects* const m_engine;
+    std::atomic<bool> m_closed{false};
 };
 
 } // namespace vant

@@ -8,10 +8,13 @@ HRESULT ProcedureController::SetTransition(BSTR transitionId) {
     return Answer("SetTransition", [&](Record& record) -> HRESULT {
         std::string id = ToUtf8(TextOf(transitionId));
         record.Add("transitionId", id);
-        const std::lock_guard lock(m_access);
-        if (!m_transitions.contains(id))
-            return E_INVALIDARG;
-        m_chosen = std::move(id);
+        {
+            const std::lock_guard lock(m_access);
+            if (!m_transitions.contains(id))
+                return E_INVALIDARG;
+            m_chosen = std::move(id);
+        }
+        m_changed.Set();
         return S_OK;
     });
 }
@@ -25,6 +28,12 @@ void ProcedureController::EnterStep(std::set<std::string> transitions) {
 std::optional<std::string> ProcedureController::Chosen() const {
     const std::lock_guard lock(m_access);
     return m_chosen;
+}
+
+std::optional<std::string> ProcedureController::LeaveStep() {
+    const std::lock_guard lock(m_access);
+    m_transitions.clear();
+    return std::exchange(m_chosen, std::nullopt);
 }
 
 } // namespace vant

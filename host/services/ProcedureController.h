@@ -2,6 +2,7 @@
 
 #include "framework/interfaces/HostServices.h"
 #include "host/services/HostObject.h"
+#include "platform/Event.h"
 
 #include <mutex>
 #include <optional>
@@ -13,22 +14,27 @@ namespace vant {
 /// Keeps the transition that commands choose for the step at work. Any thread may call.
 class ProcedureController final : public HostObject<IProcedureController> {
 public:
-    explicit ProcedureController(Journal& journal) : HostObject(journal, "ProcedureController") {}
+    /// `changed` is signalled each time a transition has been chosen; it must outlive the controller.
+    ProcedureController(Journal& journal, Event& changed)
+        : HostObject(journal, "ProcedureController"), m_changed(changed) {}
 
     HRESULT STDMETHODCALLTYPE Reserved3() override { return Refuse("Reserved3"); }
     HRESULT STDMETHODCALLTYPE Reserved4() override { return Refuse("Reserved4"); }
     HRESULT STDMETHODCALLTYPE Reserved5() override { return Refuse("Reserved5"); }
     HRESULT STDMETHODCALLTYPE Reserved6() override { return Refuse("Reserved6"); }
     /// The last choice counts. E_INVALIDARG, and an earlier choice stays, for an id that leads nowhere from
-    /// this step.
+    /// this step, and for every id between two steps.
     HRESULT STDMETHODCALLTYPE SetTransition(BSTR transitionId) override;
 
     /// Begins a step: forgets what was chosen, and from now on accepts these ids.
     void EnterStep(std::set<std::string> transitions);
     /// What was chosen since the step began.
     std::optional<std::string> Chosen() const;
+    /// Ends the step: accepts no choice any more, and gives the one that counts.
+    std::optional<std::string> LeaveStep();
 
 private:
+    Event& m_changed;
     mutable std::mutex m_access;
     std::set<std::string> m_transitions;
     std::optional<std::string> m_chosen;

@@ -14,16 +14,38 @@ EngineObjects* Fill(std::optional<EngineObjects>& engine, Journal& journal, Thre
     return &*engine;
 }
 
+CComVariant Referenced(IUnknown& object) {
+    CComVariant result;
+    VARIANT* const filled = &result;
+    filled->vt = VT_UNKNOWN;
+    filled->punkVal = &object;
+    object.AddRef();
+    return result;
+}
+
 } // namespace
 
 Services::Services(Journal& journal, CommandRunner::Run run,
-                   const std::optional<EngineDescription>& engineDescription, const Components& components)
+                   const std::optional<EngineDescription>& engineDescription, const Components& components,
+                   const ConditionSets& conditions)
     : commandRunner(journal, std::move(run)), componentService(journal, components),
-      service3(journal, "Service3"), dataStore(journal), presentationService(journal), threadService(journal),
-      service7(journal, "Service7"), procedureController(journal),
-      parameterService(journal, Fill(engine, journal, threadService, engineDescription)), controller(journal),
+      service3(journal, "Service3"), dataStore(journal), presentationService(journal),
+      threadService(journal, persistentThreads), service7(journal, "Service7"),
+      procedureController(journal, changed),
+      parameterService(journal, Fill(engine, journal, threadService, engineDescription)),
+      controller(journal, persistentThreads),
       context(journal, {&procedureController, &commandRunner, &componentService, &service7, &service3,
-                        &presentationService, &dataStore, &threadService, &parameterService}) {}
+                        &presentationService, &dataStore, &threadService, &parameterService}),
+      persistentThreads(journal, changed) {
+    for (const auto& [name, each] : conditions)
+        dataStore.Set(name, Referenced(conditionSets.emplace_back(
+                                journal, name, each, engine ? &engine->Model() : nullptr, dataStore)));
+}
+
+void Services::Close() noexcept {
+    parameterService.Close();
+    persistentThreads.Close();
+}
 
 std::vector<std::string> Services::StillHeld() const {
     std::vector<std::string> held;
@@ -42,6 +64,8 @@ std::vector<std::string> Services::StillHeld() const {
     look(service7);
     look(procedureController);
     look(parameterService);
+    for (const ConditionSet& set : conditionSets)
+        look(set);
     if (engine) {
         for (std::string& name : engine->StillHeld())
             held.push_back(std::move(name));

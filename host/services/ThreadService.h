@@ -1,30 +1,52 @@
 #pragma once
 
+#include "framework/interfaces/ThreadService.h"
 #include "host/engine/EngineObjects.h"
 #include "host/services/HostObject.h"
+#include "host/services/PersistentThreads.h"
 
 namespace vant {
 
-/// Stands where commands expect the thread service. No class of the module keeps running on a thread yet, so
-/// nothing can be registered. Where the procedure has an engine, this COM object answers the interfaces of
-/// the engine services, too; otherwise IUnknown alone.
-class ThreadService final : public HostObject<IUnknown> {
+/// Runs persistent commands, each on a thread of its own. Where the procedure has an engine, this COM object
+/// answers the interfaces of the engine services, too. Any thread may call.
+class ThreadService final : public HostDispatch<IThreadService> {
 public:
-    explicit ThreadService(Journal& journal) : HostObject(journal, "ThreadService") {}
+    /// `threads` must outlive the service.
+    ThreadService(Journal& journal, PersistentThreads& threads)
+        : HostDispatch(journal, "ThreadService"), m_threads(threads) {}
 
     /// From now on the object answers for the engine's services. Before the first command.
     void SetEngine(EngineObjects& engine) noexcept { m_engine = &engine; }
 
+    HRESULT STDMETHODCALLTYPE Reserved7() override { return Refuse("Reserved7"); }
+    /// codeNotFound for a cookie that does not exist or is forgotten already.
+    HRESULT STDMETHODCALLTYPE UnregisterCallback(std::uint32_t cookie) override;
+    HRESULT STDMETHODCALLTYPE Reserved9() override { return Refuse("Reserved9"); }
+    HRESULT STDMETHODCALLTYPE Reserved10() override { return Refuse("Reserved10"); }
+    /// S_OK while the thread of that cookie runs, S_FALSE afterwards; codeNotFound.
+    HRESULT STDMETHODCALLTYPE Operation11(std::uint32_t cookie) override;
+    /// Waits until the thread of that cookie has ended: S_OK. HRESULT_FROM_WIN32(ERROR_POSSIBLE_DEADLOCK) on
+    /// that thread itself; codeAborted where the procedure ends first; codeNotFound.
+    HRESULT STDMETHODCALLTYPE Operation12(std::uint32_t cookie) override;
+    /// Gives cookies from 1 upwards. The command at work is held until the callback has returned. E_POINTER
+    /// for a null argument; codeAborted once the procedure has begun to end.
+    HRESULT STDMETHODCALLTYPE RegisterCallback(IThreadCallback* callback,
+                                               const ThreadRegistration* registration,
+                                               std::uint32_t* cookie) override;
+
 protected:
     void* FindInterface(REFIID iid) noexcept override {
-        if (m_engine && (iid == IID_IECMServicesOld || iid == IID_IDispatch))
+        if (iid == IID_IThreadService)
+            return static_cast<IThreadService*>(this);
+        if (m_engine && iid == IID_IECMServicesOld)
             return static_cast<IECMServicesOld*>(&m_engine->Services());
         if (m_engine && iid == IID_IECMSessionManager)
             return static_cast<IECMSessionManager*>(&m_engine->Sessions());
-        return HostObject::FindInterface(iid);
+        return HostDispatch::FindInterface(iid);
     }
 
 private:
+    PersistentThreads& m_threads;
     EngineObjects* m_engine = nullptr;
 };
 

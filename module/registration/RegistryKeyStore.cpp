@@ -23,9 +23,14 @@ private:
     HKEY m_key = nullptr;
 };
 
+/// The answer of a registry call as an HRESULT. A function, because the system's macro may look at its
+/// argument twice and so make the call twice.
+HRESULT FromStatus(LSTATUS status) {
+    return HRESULT_FROM_WIN32(static_cast<DWORD>(status));
+}
+
 HRESULT Open(const std::wstring& path, REGSAM access, Key& key) {
-    return HRESULT_FROM_WIN32(
-        static_cast<DWORD>(RegOpenKeyExW(HKEY_CLASSES_ROOT, path.c_str(), 0, access, &key)));
+    return FromStatus(RegOpenKeyExW(HKEY_CLASSES_ROOT, path.c_str(), 0, access, &key));
 }
 
 HRESULT OkWhereAbsent(HRESULT code) {
@@ -36,8 +41,8 @@ HRESULT OkWhereAbsent(HRESULT code) {
 
 HRESULT RegistryKeyStore::CreateKey(const std::wstring& path) {
     Key key;
-    return HRESULT_FROM_WIN32(static_cast<DWORD>(
-        RegCreateKeyExW(HKEY_CLASSES_ROOT, path.c_str(), 0, nullptr, 0, KEY_WRITE, nullptr, &key, nullptr)));
+    return FromStatus(
+        RegCreateKeyExW(HKEY_CLASSES_ROOT, path.c_str(), 0, nullptr, 0, KEY_WRITE, nullptr, &key, nullptr));
 }
 
 HRESULT RegistryKeyStore::SetValue(const std::wstring& path, const std::wstring& name,
@@ -46,15 +51,15 @@ HRESULT RegistryKeyStore::SetValue(const std::wstring& path, const std::wstring&
     if (const HRESULT code = Open(path, KEY_SET_VALUE, key); FAILED(code))
         return code;
     const auto size = static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t));
-    return HRESULT_FROM_WIN32(static_cast<DWORD>(RegSetValueExW(
-        key.Get(), name.c_str(), 0, REG_SZ, reinterpret_cast<const BYTE*>(text.c_str()), size)));
+    return FromStatus(RegSetValueExW(key.Get(), name.c_str(), 0, REG_SZ,
+                                     reinterpret_cast<const BYTE*>(text.c_str()), size));
 }
 
 HRESULT RegistryKeyStore::DeleteValue(const std::wstring& path, const std::wstring& name) {
     Key key;
     HRESULT code = Open(path, KEY_SET_VALUE, key);
     if (SUCCEEDED(code))
-        code = HRESULT_FROM_WIN32(static_cast<DWORD>(RegDeleteValueW(key.Get(), name.c_str())));
+        code = FromStatus(RegDeleteValueW(key.Get(), name.c_str()));
     return OkWhereAbsent(code);
 }
 
@@ -64,20 +69,19 @@ HRESULT RegistryKeyStore::DeleteKey(const std::wstring& path) {
         Key key;
         if (const HRESULT code = Open(path, KEY_READ, key); FAILED(code))
             return OkWhereAbsent(code);
-        const LSTATUS status = RegQueryInfoKeyW(key.Get(), nullptr, nullptr, nullptr, &subkeys, nullptr,
-                                                nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
-        if (status != ERROR_SUCCESS)
-            return HRESULT_FROM_WIN32(static_cast<DWORD>(status));
+        const HRESULT code =
+            FromStatus(RegQueryInfoKeyW(key.Get(), nullptr, nullptr, nullptr, &subkeys, nullptr, nullptr,
+                                        nullptr, nullptr, nullptr, nullptr, nullptr));
+        if (FAILED(code))
+            return code;
     }
     if (subkeys > 0)
         return S_OK;
-    return OkWhereAbsent(
-        HRESULT_FROM_WIN32(static_cast<DWORD>(RegDeleteKeyW(HKEY_CLASSES_ROOT, path.c_str()))));
+    return OkWhereAbsent(FromStatus(RegDeleteKeyW(HKEY_CLASSES_ROOT, path.c_str())));
 }
 
 HRESULT RegistryKeyStore::DeleteTree(const std::wstring& path) {
-    return OkWhereAbsent(
-        HRESULT_FROM_WIN32(static_cast<DWORD>(RegDeleteTreeW(HKEY_CLASSES_ROOT, path.c_str()))));
+    return OkWhereAbsent(FromStatus(RegDeleteTreeW(HKEY_CLASSES_ROOT, path.c_str())));
 }
 
 bool RegistryKeyStore::Exists(const std::wstring& path) {

@@ -202,7 +202,7 @@ private:
         Advance();
         if (m_token.kind != Token::Kind::Quoted)
             Malformed(m_token, L"a text in quotes must stand here");
-        const std::wstring text = WithModulePath(m_token.text);
+        std::wstring text = WithModulePath(m_token.text);
         Advance();
         return text;
     }

@@ -105,13 +105,13 @@ HRESULT CLSIDFromString(LPCOLESTR text, CLSID* classId) {
     if (!classId)
         return E_INVALIDARG;
     *classId = {};
+    if (!text)
+        return S_OK;
     unsigned field[11] = {};
-    int length = 0;
-    if (!text || !HasTheFormOfAClassId(text) ||
-        std::swscanf(text, L"{%8x-%4x-%4x-%2x%2x-%2x%2x%2x%2x%2x%2x}%n", &field[0], &field[1], &field[2],
-                     &field[3], &field[4], &field[5], &field[6], &field[7], &field[8], &field[9], &field[10],
-                     &length) != 11 ||
-        length != 38 || text[length] != L'\0')
+    if (!HasTheFormOfAClassId(text) ||
+        std::swscanf(text, L"{%8x-%4x-%4x-%2x%2x-%2x%2x%2x%2x%2x%2x}", &field[0], &field[1], &field[2],
+                     &field[3], &field[4], &field[5], &field[6], &field[7], &field[8], &field[9],
+                     &field[10]) != 11)
         return CO_E_CLASSSTRING;
     classId->Data1 = field[0];
     classId->Data2 = static_cast<std::uint16_t>(field[1]);

@@ -24,6 +24,8 @@ VANT_PLATFORM_API void CoUninitialize();
 /// The class registered under a ProgID, with or without version, or given as "{...}" text. CO_E_CLASSSTRING
 /// where there is none.
 VANT_PLATFORM_API HRESULT CLSIDFromProgID(LPCOLESTR progId, CLSID* classId);
+/// The identifier that "{...}" spells, and the one of nothing but zeros for a null text. CO_E_CLASSSTRING for
+/// any other text.
 VANT_PLATFORM_API HRESULT CLSIDFromString(LPCOLESTR text, CLSID* classId);
 
 /// Loads the module registered for the class and asks it for the class object. REGDB_E_CLASSNOTREG where none

@@ -9,6 +9,9 @@ namespace vant::testing {
 /// Number of BSTRs of this process that are allocated and not yet freed.
 VANT_PLATFORM_API std::size_t LiveBstrCount() noexcept;
 
+/// Number of events of this process that are not closed.
+VANT_PLATFORM_API std::size_t LiveEventCount() noexcept;
+
 /// Asked before each BSTR allocation; answering false makes that allocation fail. Null removes the hook.
 /// Install and remove it while no other thread allocates.
 using BstrAllocationHook = bool (*)() noexcept;

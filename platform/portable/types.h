@@ -58,10 +58,13 @@ inline constexpr HRESULT DISP_E_BADVARTYPE = static_cast<HRESULT>(0x80020008);
 inline constexpr HRESULT DISP_E_OVERFLOW = static_cast<HRESULT>(0x8002000A);
 inline constexpr HRESULT DISP_E_BADINDEX = static_cast<HRESULT>(0x8002000B);
 
+inline constexpr HRESULT TYPE_E_LIBNOTREGISTERED = static_cast<HRESULT>(0x8002801D);
+
 #define SUCCEEDED(hr) (static_cast<HRESULT>(hr) >= 0)
 #define FAILED(hr) (static_cast<HRESULT>(hr) < 0)
 
 inline constexpr DWORD ERROR_STACK_OVERFLOW = 1001;
+inline constexpr DWORD ERROR_POSSIBLE_DEADLOCK = 1131;
 constexpr HRESULT HRESULT_FROM_WIN32(DWORD error) {
     return static_cast<HRESULT>((error & 0xFFFFU) | 0x80070000U);
 }

@@ -1,15 +1,12 @@
 // The built commands, called by slot number, on a host of raw function tables. No interface declaration is
 // used here: numbers, identifiers and argument types are written out.
 
-#include "platform/Bstr.h"
-#include "tests/abi/RawHost.h"
-#include "tests/module/BuiltModule.h"
+#include "tests/abi/RawCommand.h"
+#include "tests/support/EmptyDesktop.h"
 
 #include <cstddef>
-#include <gtest/gtest.h>
 #include <initializer_list>
 #include <ostream>
-#include <string_view>
 #include <utility>
 
 namespace vant::abi {
@@ -18,100 +15,46 @@ namespace {
 
 using Calls = std::vector<std::wstring>;
 
-constexpr IID iidCommand = {0x9D46497B, 0x8FA4, 0x44AD, {0x85, 0xBA, 0x5A, 0x0C, 0x99, 0x54, 0xE9, 0x10}};
-constexpr IID iidPersistentCommand = {
-    0x320D49F6, 0x7C7F, 0x4107, {0x99, 0x00, 0x6B, 0x70, 0x3C, 0x99, 0xE8, 0xEE}};
-constexpr IID iidSupportErrorInfo = {
-    0xDF0B3D60, 0x548F, 0x101B, {0x8E, 0x65, 0x08, 0x00, 0x2B, 0x2B, 0xD1, 0x19}};
-
-constexpr CLSID compositeCommand = {
-    0xBE598987, 0x3A37, 0x4BDB, {0xBA, 0x7D, 0x52, 0x46, 0xEB, 0xD3, 0xF6, 0xC9}};
-constexpr CLSID commandTerminator = {
-    0xE6F7F7B7, 0xC398, 0x4C33, {0xA9, 0xAC, 0x87, 0xE8, 0x39, 0xE7, 0x4C, 0xD9}};
-constexpr CLSID calculator = {0x1111BFC7, 0x28AF, 0x4B67, {0xB4, 0x26, 0xF2, 0x0A, 0xEB, 0x66, 0xF7, 0x82}};
-constexpr CLSID dataStoreWriter = {
-    0xA5869103, 0x14CC, 0x49C6, {0x9E, 0x8E, 0x9D, 0x98, 0x61, 0x56, 0x3A, 0xDE}};
-constexpr CLSID parameterWriter = {
-    0xCD14CC20, 0xEF6F, 0x42DE, {0x91, 0x72, 0xD5, 0xDD, 0xEE, 0xF2, 0xD4, 0x5C}};
-constexpr CLSID parameterLoader = {
-    0x77B01702, 0x0B37, 0x4870, {0x93, 0x55, 0x6F, 0x47, 0x4A, 0x1F, 0x36, 0xD1}};
-constexpr CLSID faultArrayChecker = {
-    0xA177EC7B, 0x206B, 0x477D, {0xAC, 0xAC, 0x68, 0x79, 0xDA, 0xFE, 0x94, 0x99}};
-constexpr CLSID propertySetter = {
-    0xCD14CC20, 0xEF6F, 0x42DE, {0x91, 0x72, 0xD5, 0xDD, 0xEE, 0xF2, 0xD2, 0x3D}};
-constexpr CLSID messageDisplayer = {
-    0xE2DBCBB4, 0xA640, 0x45D1, {0xAE, 0x0B, 0x18, 0x3C, 0x7A, 0xCD, 0xC9, 0x12}};
-constexpr CLSID errorDisplayer = {
-    0xF920F82B, 0x8BDD, 0x4F6F, {0xB9, 0x07, 0x4D, 0x57, 0x2A, 0x30, 0xBD, 0x4A}};
-constexpr CLSID helpDisplayer = {
-    0x3D038A1D, 0x5F8D, 0x43A9, {0xB6, 0xA6, 0xCA, 0x74, 0x9B, 0xFD, 0xC3, 0x3C}};
-constexpr CLSID diagnosticTestInstruction = {
-    0xA96AA96E, 0x4EF3, 0x41B8, {0xB5, 0xCD, 0x49, 0xEA, 0x81, 0xA6, 0xD7, 0xE4}};
-constexpr CLSID stringFormatter = {
-    0xA5BB457B, 0xF7B3, 0x47A6, {0x8B, 0x8E, 0xEA, 0xC2, 0x75, 0x33, 0x54, 0xAF}};
-
 /// The requests that a command makes of the context, in their order.
 const Calls serviceRequests = {L"context 5()",  L"context 7()",  L"context 11()",
                                L"context 15()", L"context 13()", L"context 17()",
                                L"context 9()",  L"context 3()",  L"context 21()"};
 
-/// One command of the built module, known by its function table alone.
-class RawCommand {
-public:
-    explicit RawCommand(const CLSID& classId) {
-        EXPECT_EQ(m_module.Create(classId, iidCommand, &m_object), S_OK);
-    }
-    RawCommand(const RawCommand&) = delete;
-    RawCommand& operator=(const RawCommand&) = delete;
-    ~RawCommand() { EXPECT_EQ(CallSlot<ULONG>(m_object, 2), 0U); }
-
-    void* Object() const { return m_object; }
-    const BuiltModule& Module() const { return m_module; }
-
-    HRESULT QueryInterface(const IID& iid, void** out) { return CallSlot<HRESULT>(m_object, 0, &iid, out); }
-    HRESULT Initialize(void* context, void* controller) {
-        return CallSlot<HRESULT>(m_object, 3, context, controller);
-    }
-    HRESULT Initialize(RawHost& host) { return Initialize(&host.context, &host.controller); }
-    HRESULT Execute() { return CallSlot<HRESULT>(m_object, 4); }
-    HRESULT SetProperty(std::wstring_view name, std::wstring_view value) {
-        return CallSlot<HRESULT>(m_object, 5, CComBSTR(name).Get(), CComBSTR(value).Get());
-    }
-    HRESULT GetIsValid(VARIANT_BOOL* out) { return CallSlot<HRESULT>(m_object, 6, out); }
-    HRESULT GetLabel(BSTR* out) { return CallSlot<HRESULT>(m_object, 7, out); }
-    HRESULT PutLabel(BSTR label) { return CallSlot<HRESULT>(m_object, 8, label); }
-
-private:
-    BuiltModule m_module;
-    void* m_object = nullptr;
-};
-
 struct NamedClass {
     const char* name;
     const CLSID* id;
     const wchar_t* property; ///< a property that it declares
+    bool persistent = false;
 
     friend std::ostream& operator<<(std::ostream& out, const NamedClass& value) { return out << value.name; }
 };
 
 class EveryBuiltCommand : public testing::TestWithParam<NamedClass> {};
 
-INSTANTIATE_TEST_SUITE_P(Abi, EveryBuiltCommand,
-                         testing::Values(NamedClass{"CompositeCommand", &compositeCommand, L"commandIDList"},
-                                         NamedClass{"CommandTerminator", &commandTerminator, L"commandID"},
-                                         NamedClass{"Calculator", &calculator, L"operation"},
-                                         NamedClass{"DataStoreWriter", &dataStoreWriter, L"value"},
-                                         NamedClass{"ParameterWriter", &parameterWriter, L"parameterID"},
-                                         NamedClass{"ParameterLoader", &parameterLoader, L"parameterID"},
-                                         NamedClass{"FaultArrayChecker", &faultArrayChecker, L"arrayID"},
-                                         NamedClass{"PropertySetter", &propertySetter, L"componentID"},
-                                         NamedClass{"MessageDisplayer", &messageDisplayer, L"dsString"},
-                                         NamedClass{"ErrorDisplayer", &errorDisplayer, L"dsString"},
-                                         NamedClass{"HelpDisplayer", &helpDisplayer, L"helpFile"},
-                                         NamedClass{"DiagnosticTestInstruction", &diagnosticTestInstruction,
-                                                    L"dsValue"},
-                                         NamedClass{"StringFormatter", &stringFormatter, L"operation"}),
-                         [](const auto& instance) { return std::string(instance.param.name); });
+INSTANTIATE_TEST_SUITE_P(
+    Abi, EveryBuiltCommand,
+    testing::Values(NamedClass{"CompositeCommand", &compositeCommand, L"commandIDList"},
+                    NamedClass{"CommandTerminator", &commandTerminator, L"commandID"},
+                    NamedClass{"Calculator", &calculator, L"operation"},
+                    NamedClass{"DataStoreWriter", &dataStoreWriter, L"value"},
+                    NamedClass{"ParameterWriter", &parameterWriter, L"parameterID"},
+                    NamedClass{"ParameterLoader", &parameterLoader, L"parameterID"},
+                    NamedClass{"FaultArrayChecker", &faultArrayChecker, L"arrayID"},
+                    NamedClass{"PropertySetter", &propertySetter, L"componentID"},
+                    NamedClass{"MessageDisplayer", &messageDisplayer, L"dsString"},
+                    NamedClass{"ErrorDisplayer", &errorDisplayer, L"dsString"},
+                    NamedClass{"HelpDisplayer", &helpDisplayer, L"helpFile"},
+                    NamedClass{"DiagnosticTestInstruction", &diagnosticTestInstruction, L"dsValue"},
+                    NamedClass{"StringFormatter", &stringFormatter, L"operation"},
+                    NamedClass{"StartConditionChecker", &startConditionChecker, L"dsSetID"},
+                    NamedClass{"SampledThrottleAdjuster", &sampledThrottleAdjuster, L"failTransition"},
+                    NamedClass{"EGRValvePositionAdjuster", &egrValvePositionAdjuster, L"failTransition"},
+                    NamedClass{"Timer", &timer, L"dsBase", true},
+                    NamedClass{"StopConditionMonitor", &stopConditionMonitor, L"dsSetID", true},
+                    NamedClass{"MonitorUpdater", &monitorUpdater, L"monitorID", true},
+                    NamedClass{"ParameterSampler", &parameterSampler, L"dsTarget", true},
+                    NamedClass{"ThrottleAdjuster", &throttleAdjuster, L"failTransition", true}),
+    [](const auto& instance) { return std::string(instance.param.name); });
 
 /// Whatever a command asked of the host: nothing undocumented, and nothing kept.
 void ExpectCleanEnd(RawHost& host) {
@@ -147,11 +90,29 @@ TEST_P(EveryBuiltCommand, Slot0_UnknownAndCommand_AnswersTheObjectItself) {
 
 TEST_P(EveryBuiltCommand, Slot0_AnyOtherInterface_AnswersNoInterfaceAndNull) {
     RawCommand command(*GetParam().id);
-    for (const IID* iid : {&IID_IDispatch, &iidSupportErrorInfo, &iidPersistentCommand, &IID_NULL}) {
+    for (const IID* iid : {&IID_IDispatch, &iidSupportErrorInfo, &IID_NULL}) {
         void* out = &command;
         EXPECT_EQ(command.QueryInterface(*iid, &out), E_NOINTERFACE);
         EXPECT_EQ(out, nullptr);
     }
+}
+
+TEST_P(EveryBuiltCommand, Slot0_PersistentCommand_IsAnsweredByPersistentClassesAlone) {
+    RawCommand command(*GetParam().id);
+    void* persistent = &command;
+    if (!GetParam().persistent) {
+        EXPECT_EQ(command.QueryInterface(iidPersistentCommand, &persistent), E_NOINTERFACE);
+        EXPECT_EQ(persistent, nullptr);
+        return;
+    }
+    ASSERT_EQ(command.QueryInterface(iidPersistentCommand, &persistent), S_OK);
+    void* self = nullptr;
+    EXPECT_EQ(CallSlot<HRESULT>(persistent, 0, &IID_IUnknown, &self), S_OK);
+    EXPECT_EQ(self, command.Object());
+    EXPECT_EQ(CallSlot<ULONG>(self, 2), 2U);
+    EXPECT_EQ(CallSlot<ULONG>(persistent, 1), 3U);
+    EXPECT_EQ(CallSlot<ULONG>(persistent, 2), 2U);
+    EXPECT_EQ(CallSlot<ULONG>(persistent, 2), 1U);
 }
 
 TEST_P(EveryBuiltCommand, Slots1And2_CountReferences) {
@@ -394,11 +355,11 @@ TEST(BuiltCommand, PropertySetter_RefusedProperty_AnswersFail) {
 }
 
 TEST(BuiltCommand, MessageDisplayer_ReadsThroughSlot9OfTheStore) {
-    if (GetForegroundWindow())
-        GTEST_SKIP() << "a window has the foreground; the message would wait for somebody to close it";
     RawHost host;
-    EXPECT_EQ(CallsOf(messageDisplayer, {{L"dsString", L"missing"}}, host),
-              (Calls{L"dataStore 9(missing, type 0)"}));
+    test::OnEmptyDesktop([&host] {
+        EXPECT_EQ(CallsOf(messageDisplayer, {{L"dsString", L"missing"}}, host),
+                  (Calls{L"dataStore 9(missing, type 0)"}));
+    });
 }
 
 TEST(BuiltCommand, ErrorAndHelpDisplayers_AskNothing) {
@@ -441,6 +402,44 @@ TEST(BuiltCommand, StringFormatter_RoundsAndTellsTime) {
             {{L"operation", L"numToHMS"}, {L"dsSourceString", L"seconds"}, {L"dsTargetString", L"result"}},
             host),
         (Calls{L"dataStore 9(seconds, type 0)", L"dataStore 10(result, text 01:01:01)"}));
+}
+
+TEST(BuiltCommand, StartConditionChecker_AsksTheSetThroughSlot3AndTakesTheValidTransition) {
+    RawHost host;
+    host.objects = {{L"set", &host.conditionSet}};
+    EXPECT_EQ(CallsOf(startConditionChecker, {{L"dsSetID", L"set"}, {L"validTransitionID", L"good"}}, host),
+              (Calls{L"dataStore 9(set, type 0)", L"conditionSet 3()", L"procedureController 7(good)"}));
+}
+
+TEST(BuiltCommand, StartConditionChecker_ReadsTheFailureKeyThroughSlot4AndCopiesTheMessage) {
+    RawHost host;
+    host.objects = {{L"set", &host.conditionSet}};
+    host.entries = {{L"conditionSet text 4", L"too cold"}};
+    for (const VARIANT_BOOL flag : {VARIANT_FALSE, VARIANT_BOOL{1}}) { // true is -1 alone
+        host.allMet = flag;
+        EXPECT_EQ(
+            CallsOf(startConditionChecker,
+                    {{L"dsSetID", L"set"}, {L"dsFailMessage", L"message"}, {L"invalidTransitionID", L"bad"}},
+                    host),
+            (Calls{L"dataStore 9(set, type 0)", L"conditionSet 3()", L"conditionSet 4()",
+                   L"dataStore 9(conditionSet text 4, type 0)", L"dataStore 10(message, text too cold)",
+                   L"procedureController 7(bad)"}));
+    }
+}
+
+TEST(BuiltCommand, SampledThrottleAdjuster_RefusedWriteThroughSlot13_TakesTheFailTransition) {
+    RawHost host;
+    host.writeAnswer = E_FAIL;
+    EXPECT_EQ(CallsOf(sampledThrottleAdjuster, {{L"successTransition", L"good"}, {L"failTransition", L"bad"}},
+                      host),
+              (Calls{L"parameterService 13(110142, 1, number 20)", L"procedureController 7(bad)"}));
+}
+
+TEST(BuiltCommand, EGRValvePositionAdjuster_ReadsTheEnablingValueThroughSlot10OfTheParameter) {
+    RawHost host;
+    host.parameterValue = 9;
+    EXPECT_EQ(CallsOf(egrValvePositionAdjuster, {{L"failTransition", L"bad"}}, host),
+              (Calls{L"parameterService 12(110143, 1)", L"parameter 10()"}));
 }
 
 } // namespace

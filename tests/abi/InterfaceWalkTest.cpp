@@ -2,6 +2,7 @@
 // the binary contract gives it, with its arguments in the documented order and types.
 
 #include "ecm/interfaces/EngineData.h"
+#include "framework/interfaces/ConditionSet.h"
 #include "framework/interfaces/HostServices.h"
 #include "framework/interfaces/ThreadService.h"
 #include "framework/interfaces/VantCommand.h"
@@ -298,6 +299,16 @@ TEST(InterfaceWalk, ThreadService) {
                     {13, [](I* i) { i->RegisterCallback(nullptr, nullptr, nullptr); }}});
 }
 
+TEST(InterfaceWalk, ThreadCallback) {
+    using I = IThreadCallback;
+    ExpectSlots<I>({{7, [](I* i) { i->RunOnThread(); }}});
+}
+
+TEST(InterfaceWalk, ConditionSet) {
+    using I = IConditionSet;
+    ExpectSlots<I>({{3, [](I* i) { i->Evaluate(nullptr); }}, {4, [](I* i) { i->GetFailureKey(nullptr); }}});
+}
+
 TEST(InterfaceWalk, Command) {
     using I = IVantCommand;
     ExpectSlots<I>({{3, [](I* i) { i->Initialize(nullptr, nullptr); }},
@@ -451,16 +462,31 @@ TEST_F(InterfaceArguments, ThreadServiceAndEcmServices_FoundByTheirIdentifiersOn
     ASSERT_EQ(object.QueryInterface(&threads), S_OK);
     ASSERT_EQ(object.QueryInterface(&services), S_OK);
     std::uint32_t cookie = 0;
-    threads->RegisterCallback(reinterpret_cast<IThreadCallback*>(&host.context),
-                              reinterpret_cast<const ThreadRegistration*>(&host), &cookie);
+    auto* const callback = As<IThreadCallback>(host.context);
+    const ThreadRegistration registration = {callback, 1, {2, 3, 4}, a.Get(), b.Get()};
+    threads->RegisterCallback(callback, &registration, &cookie);
+    EXPECT_EQ(host.callbacks, std::vector<void*>{&host.context});
     threads->UnregisterCallback(cookie);
     threads->Operation11(1);
     threads->Operation12(2);
     CComPtr<IUnknown> units;
     services->GetUnits(&units);
     EXPECT_EQ(static_cast<void*>(units.Get()), &host.unitsTable);
-    EXPECT_EQ(host.calls, (Calls{L"threadService 13(pointer, pointer)", L"threadService 8(7)",
+    EXPECT_EQ(host.calls, (Calls{L"threadService 13(callback, 1, 2, 3, 4, a, b)", L"threadService 8(7)",
                                  L"threadService 11(1)", L"threadService 12(2)", L"ecmServices 12()"}));
+    host.ReleaseCallbacks();
+}
+
+TEST_F(InterfaceArguments, ConditionSet_FoundByItsIdentifier) {
+    CComPtr<IConditionSet> conditions;
+    ASSERT_EQ(CComPtr(As<IUnknown>(host.conditionSet)).QueryInterface(&conditions), S_OK);
+    VARIANT_BOOL allMet = VARIANT_FALSE;
+    EXPECT_EQ(conditions->Evaluate(&allMet), S_OK);
+    EXPECT_EQ(allMet, VARIANT_TRUE);
+    CComBSTR key;
+    EXPECT_EQ(conditions->GetFailureKey(&key), S_OK);
+    EXPECT_EQ(key.Text(), L"conditionSet text 4");
+    EXPECT_EQ(host.calls, (Calls{L"conditionSet 3()", L"conditionSet 4()"}));
 }
 
 } // namespace

@@ -30,6 +30,10 @@ std::wstring Printed(const VARIANT& value) {
     }
 }
 
+std::wstring Printed(const wchar_t* text) {
+    return text;
+}
+
 std::wstring Printed(const void* pointer) {
     return pointer ? L"pointer" : L"null";
 }
@@ -77,6 +81,12 @@ HRESULT STDMETHODCALLTYPE SetComponentProperty(RawObject* self, BSTR component, 
 
 HRESULT STDMETHODCALLTYPE GetValue(RawObject* self, BSTR name, VARIANT* out) {
     Note(*self, 9, name, *out);
+    const auto object = self->Host().objects.find(Printed(name));
+    if (object != self->Host().objects.end()) {
+        out->vt = VT_UNKNOWN;
+        out->punkVal = static_cast<IUnknown*>(object->second->Give());
+        return self->Host().answer;
+    }
     const auto found = self->Host().entries.find(Printed(name));
     if (found == self->Host().entries.end())
         return E_FAIL;
@@ -99,13 +109,24 @@ HRESULT STDMETHODCALLTYPE GetParameter(RawObject* self, BSTR id, LONG kind, void
 HRESULT STDMETHODCALLTYPE SetParameter(RawObject* self, BSTR id, LONG kind, VARIANT value, void** out) {
     Note(*self, 13, id, kind, value);
     *out = self->Host().parameter.Give();
+    return self->Host().writeAnswer;
+}
+
+HRESULT STDMETHODCALLTYPE ParameterValue(RawObject* self, VARIANT* out) {
+    Note(*self, 10);
+    *out = CComVariant(self->Host().parameterValue).Detach();
     return S_OK;
 }
 
-template <int slot, LONG value>
-HRESULT STDMETHODCALLTYPE GiveNumberValue(RawObject* self, VARIANT* out) {
-    Note(*self, slot);
-    *out = CComVariant(value).Detach();
+HRESULT STDMETHODCALLTYPE ItemValue(RawObject* self, VARIANT* out) {
+    Note(*self, 12);
+    *out = CComVariant(LONG{750}).Detach();
+    return S_OK;
+}
+
+HRESULT STDMETHODCALLTYPE Evaluate(RawObject* self, VARIANT_BOOL* allMet) {
+    Note(*self, 3);
+    *allMet = self->Host().allMet;
     return S_OK;
 }
 
@@ -173,14 +194,19 @@ HRESULT STDMETHODCALLTYPE FieldValue(RawObject* self, BSTR* out) {
 
 HRESULT STDMETHODCALLTYPE CommandStopped(RawObject* self, void* command) {
     Note(*self, 6, command);
+    self->Host().stoppedCommand = command;
     return self->Host().answer;
 }
 
-HRESULT STDMETHODCALLTYPE RegisterCallback(RawObject* self, void* callback, const void* registration,
-                                           std::uint32_t* cookie) {
-    Note(*self, 13, callback, registration);
+HRESULT STDMETHODCALLTYPE RegisterCallback(RawObject* self, void* callback,
+                                           const RawRegistration* registration, std::uint32_t* cookie) {
+    const auto& [sameCallback, argument, settings, ownerName, threadName] = *registration;
+    Note(*self, 13, sameCallback == callback ? L"callback" : L"two callbacks", argument, settings[0],
+         settings[1], settings[2], ownerName, threadName);
+    CallSlot<ULONG>(callback, 1);
+    self->Host().callbacks.push_back(callback);
     *cookie = 7;
-    return S_OK;
+    return self->Host().answer;
 }
 
 } // namespace
@@ -212,7 +238,7 @@ RawHost::RawHost() {
     connection.Place(7, &ConnectionIdentifier);
     parameter.Place(8, &GiveText<8>);
     parameter.Place(9, &GiveText<9>);
-    parameter.Place(10, &GiveNumberValue<10, 800>);
+    parameter.Place(10, &ParameterValue);
     parameter.Place(11, &GiveText<11>);
 
     threadService.AlsoAnswers(iidEcmServices, ecmServices);
@@ -232,7 +258,7 @@ RawHost::RawHost() {
     openedEcm.AlsoAnswers(iidSession, session);
     session.Place(7, &RegisterSession);
     session.Place(11, &Give<&RawHost::sessionItem, 11, LONG, LONG>::Object);
-    sessionItem.Place(12, &GiveNumberValue<12, 750>);
+    sessionItem.Place(12, &ItemValue);
     source.Place(9, &Give<&RawHost::sourceA, 9, LONG>::Object);
     sourceA.Place(14, &Give<&RawHost::sourceB, 14>::Object);
     sourceB.Place(8, &Give<&RawHost::sourceC, 8, void*>::Object);
@@ -246,6 +272,15 @@ RawHost::RawHost() {
     faultRecord.Place(8, &FieldCount);
     faultField.Place(7, &FieldName);
     faultField.Place(9, &FieldValue);
+
+    conditionSet.Place(3, &Evaluate);
+    conditionSet.Place(4, &GiveText<4>);
+}
+
+void RawHost::ReleaseCallbacks() {
+    for (void* const callback : callbacks)
+        CallSlot<ULONG>(callback, 2);
+    callbacks.clear();
 }
 
 std::vector<RawObject*> RawHost::Objects() {
@@ -263,7 +298,8 @@ std::vector<RawObject*> RawHost::Objects() {
             &sourceA,          &sourceB,
             &sourceC,          &sourceD,
             &faultArray,       &faultRecordList,
-            &faultRecord,      &faultField};
+            &faultRecord,      &faultField,
+            &conditionSet};
 }
 
 int RawHost::References() {

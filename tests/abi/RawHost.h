@@ -3,6 +3,7 @@
 #include "tests/abi/RawObject.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <map>
 #include <string>
 #include <utility>
@@ -23,11 +24,22 @@ inline constexpr IID iidSession = {
     0xE4E23B57, 0xAAFF, 0x4E8D, {0xBC, 0x18, 0xF5, 0x64, 0xB1, 0x49, 0xB8, 0x40}};
 inline constexpr IID iidFaultArray = {
     0xF63B87AA, 0x911A, 0x456E, {0xBD, 0xF6, 0x2F, 0xF6, 0x1B, 0x87, 0x4E, 0xCD}};
+inline constexpr IID iidConditionSet = {
+    0x0A6DE5AA, 0x944F, 0x4B75, {0xA9, 0x2C, 0xF9, 0x21, 0xFD, 0x03, 0x88, 0x9E}};
 inline constexpr IID iidFaultRecordList = {
     0xF610F5AF, 0xA42A, 0x45C3, {0x89, 0x46, 0x8D, 0x30, 0x63, 0x30, 0x0B, 0x67}};
 
 /// A field's name and value.
 using RawFaultRecord = std::vector<std::pair<std::wstring, std::wstring>>;
+
+/// The record that comes with a callback, as it lies in memory.
+struct RawRegistration {
+    void* callback;
+    std::uint32_t argument;
+    std::uint32_t settings[3];
+    BSTR ownerName;
+    BSTR threadName;
+};
 
 /// A host of raw function tables: each documented operation stands in its slot, every other slot is a trap.
 /// It knows no interface declaration. Whatever is called, is noted.
@@ -39,12 +51,25 @@ public:
     std::vector<std::wstring> calls;
     /// The data store's texts.
     std::map<std::wstring, std::wstring> entries;
+    /// The data store's objects.
+    std::map<std::wstring, RawObject*> objects;
+    /// The value of every parameter.
+    LONG parameterValue = 800;
+    /// What the condition set answers.
+    VARIANT_BOOL allMet = VARIANT_TRUE;
+    /// Every callback that was registered. A reference is held on each until ReleaseCallbacks.
+    std::vector<void*> callbacks;
+    void ReleaseCallbacks();
+    /// The command that said last that it has been stopped; no reference is held.
+    void* stoppedCommand = nullptr;
     /// The fault array, whatever its identifier.
     std::vector<RawFaultRecord> faults;
     /// What the end of the protocol source chain answers.
     LONG protocolKind = 0;
     /// What the operations of the services and of the controller answer, whatever else they do.
     HRESULT answer = S_OK;
+    /// What a write of a parameter answers.
+    HRESULT writeAnswer = S_OK;
     /// A request of the context, as `calls` has it, that answers 0x80041234 and leaves its argument alone,
     std::wstring refusedRequest;
     /// or gives the service nevertheless.
@@ -79,6 +104,7 @@ public:
     RawObject faultRecordList{*this, L"faultRecordList", &iidFaultRecordList};
     RawObject faultRecord{*this, L"faultRecord"};
     RawObject faultField{*this, L"faultField"};
+    RawObject conditionSet{*this, L"conditionSet", &iidConditionSet};
     RawObject controller{*this, L"controller"};
 
     std::vector<RawObject*> Objects();

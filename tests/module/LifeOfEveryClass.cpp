@@ -10,8 +10,6 @@ namespace vant {
 
 void LiveOnceInEveryClass(const BuiltModule& module) {
     for (const ClassRow& row : classTable) {
-        if (!row.built)
-            continue;
         SCOPED_TRACE(row.name);
         CComPtr<IVantCommand> command;
         ASSERT_EQ(module.Create(*row.classId, IID_IVantCommand, reinterpret_cast<void**>(&command)), S_OK);

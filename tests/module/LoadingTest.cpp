@@ -89,7 +89,7 @@ TEST(Loading, FirstRequestsOnManyThreads_GetOneClassObjectPerClass) {
             }
         });
         for (std::size_t row = 0; row < classes; ++row) {
-            EXPECT_EQ(seen[0][row] != nullptr, classTable[row].built);
+            EXPECT_NE(seen[0][row], nullptr);
             for (std::size_t thread = 1; thread < threads; ++thread)
                 EXPECT_EQ(seen[thread][row], seen[0][row]) << "row " << row << ", thread " << thread;
         }

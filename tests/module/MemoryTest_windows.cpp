@@ -1,3 +1,6 @@
+#include "framework/interfaces/ClassIds.h"
+#include "framework/interfaces/VantCommand.h"
+#include "platform/Bstr.h"
 #include "tests/module/BuiltModule.h"
 
 #include <gtest/gtest.h>
@@ -31,6 +34,34 @@ TEST(Memory, LoadingAndUnloadingManyTimes_LeavesNoBlockForEachTime) {
     const std::size_t before = AllocatedBlocks();
     reload();
     EXPECT_LT(AllocatedBlocks(), before + times / 2);
+}
+
+/// Has an exception thrown and caught inside the module.
+void FailInside(const BuiltModule& module) {
+    CComPtr<IVantCommand> command;
+    ASSERT_EQ(module.Create(CLSID_CommandTerminator, IID_IVantCommand, reinterpret_cast<void**>(&command)),
+              S_OK);
+    ASSERT_EQ(command->SetProperty(CComBSTR(L"commandID").Get(), CComBSTR(L"none").Get()), S_OK);
+    EXPECT_EQ(command->Execute(), E_FAIL); // It has no controller.
+}
+
+/// The slot for thread-local storage that would be allocated next.
+DWORD NextTlsSlot() {
+    const DWORD slot = TlsAlloc();
+    TlsFree(slot);
+    return slot;
+}
+
+TEST(Memory, FailingInsideAndUnloadingManyTimes_LeavesNoTlsSlotForEachTime) {
+    constexpr std::size_t times = 100;
+    const auto reload = [] {
+        for (std::size_t i = 0; i < times; ++i)
+            FailInside(BuiltModule());
+    };
+    reload();
+    const DWORD slot = NextTlsSlot();
+    reload();
+    EXPECT_EQ(NextTlsSlot(), slot);
 }
 
 } // namespace

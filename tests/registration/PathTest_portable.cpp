@@ -12,7 +12,7 @@ TEST_F(Registration, ModuleOnALongPath_IsCreatable) {
     {
         const BuiltModule other(copied.file);
         EXPECT_EQ(other.RegisterServer(), S_OK);
-        for (const StatedClass& stated : BuiltClasses())
+        for (const StatedClass& stated : StatedClasses())
             EXPECT_EQ(CreateByProgId(ProgId(stated)), S_OK) << stated.resource;
         EXPECT_EQ(other.UnregisterServer(), S_OK);
     }

@@ -73,19 +73,6 @@ std::span<const StatedClass> StatedClasses() {
     return statedClasses;
 }
 
-std::vector<StatedClass> BuiltClasses() {
-    std::vector<StatedClass> built;
-    for (const ClassRow& row : classTable) {
-        const auto stated =
-            std::find_if(std::begin(statedClasses), std::end(statedClasses), [&row](const StatedClass& each) {
-                return std::wstring_view(each.name) == row.name;
-            });
-        if (row.built && stated != std::end(statedClasses))
-            built.push_back(*stated);
-    }
-    return built;
-}
-
 std::wstring ProgId(const StatedClass& stated) {
     return std::wstring(L"VantCommands.") + stated.name;
 }
@@ -111,7 +98,7 @@ Subtree EntriesOf(const StatedClass& stated, const std::filesystem::path& module
 
 Subtree EntriesOfAll(const std::filesystem::path& module) {
     Subtree all = TypeLibraryEntries(module);
-    for (const StatedClass& stated : BuiltClasses())
+    for (const StatedClass& stated : StatedClasses())
         all.merge(EntriesOf(stated, module));
     return all;
 }

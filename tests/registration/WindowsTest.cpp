@@ -92,7 +92,7 @@ TEST_F(Registration, ClassIdentifiersKey_StaysAfterUnregistering) {
 }
 
 TEST_F(Registration, KeyThatMayNotBeWritten_EndsItAndWhatWasWrittenStays) {
-    const auto built = BuiltClasses();
+    const auto built = StatedClasses();
     ASSERT_GE(built.size(), 3U);
     const std::size_t failing = built.size() / 2;
     const std::wstring versioned = ProgId(built[failing]) + L".1";
@@ -205,6 +205,32 @@ TEST_F(Registration, PerUser_UsesThePerUserCallsForTheTypeLibrary) {
     EXPECT_EQ(root.OfTheModule(), Subtree());
 }
 
+TEST_F(Registration, TypeLibraryThatFails_EndsRegistrationAndUnregisteringRemovesWhatWasWritten) {
+    for (const char* step : {"LoadTypeLibEx", "RegisterTypeLib"}) {
+        SCOPED_TRACE(step);
+        {
+            const ReplacedFunction failing(L"oleaut32.dll", step, replaced);
+            ASSERT_TRUE(failing.Exists());
+            EXPECT_EQ(module.RegisterServer(), replaced);
+        }
+        EXPECT_EQ(ClassEntries(root.OfTheModule()), ClassEntries(EntriesOfAll(file))) << "it stays";
+        EXPECT_EQ(module.UnregisterServer(), S_OK);
+        EXPECT_EQ(root.OfTheModule(), Subtree());
+    }
+}
+
+TEST_F(Registration, TypeLibraryThatCannotBeRemoved_EndsUnregisteringWithItsCode) {
+    ASSERT_EQ(module.RegisterServer(), S_OK);
+    {
+        const ReplacedFunction failing(L"oleaut32.dll", "UnRegisterTypeLib", replaced);
+        ASSERT_TRUE(failing.Exists());
+        EXPECT_EQ(module.UnregisterServer(), replaced);
+    }
+    EXPECT_EQ(root.OfTheModule(), TypeLibraryEntries(file));
+    EXPECT_EQ(module.UnregisterServer(), S_OK);
+    EXPECT_EQ(root.OfTheModule(), Subtree());
+}
+
 TEST_F(Registration, ForTheMachine_UsesTheMachineWideCallsForTheTypeLibrary) {
     {
         const ReplacedFunction perUser(L"oleaut32.dll", "RegisterTypeLibForUser", replaced);
@@ -241,25 +267,20 @@ private:
     ULONG_PTR m_cookie = 0;
 };
 
-TEST_F(Registration, Manifest_MakesEveryBuiltClassCreatableWithoutRegistration) {
-    for (const StatedClass& stated : BuiltClasses())
+TEST_F(Registration, Manifest_MakesEveryClassCreatableWithoutRegistration) {
+    for (const StatedClass& stated : StatedClasses())
         ASSERT_EQ(CreateByProgId(ProgId(stated)), CO_E_CLASSSTRING) << stated.resource;
     {
         const ActiveManifest manifest;
         ASSERT_TRUE(manifest.active) << GetLastError();
-        for (const StatedClass& stated : BuiltClasses()) {
+        for (const StatedClass& stated : StatedClasses()) {
             EXPECT_EQ(CreateByProgId(ProgId(stated)), S_OK) << stated.resource;
             EXPECT_EQ(CreateByProgId(ProgId(stated) + L".1"), S_OK) << stated.resource;
-        }
-        for (const StatedClass& stated : StatedClasses()) {
-            const bool built = CreateByProgId(ProgId(stated)) == S_OK;
-            CLSID classId;
-            EXPECT_EQ(SUCCEEDED(CLSIDFromProgID(ProgId(stated).c_str(), &classId)), built) << stated.resource;
         }
         CComPtr<ITypeLib> library;
         EXPECT_EQ(LoadRegTypeLib(libraryId, 1, 0, 0, &library), S_OK);
     }
-    EXPECT_EQ(CreateByProgId(ProgId(BuiltClasses().front())), CO_E_CLASSSTRING);
+    EXPECT_EQ(CreateByProgId(ProgId(StatedClasses().front())), CO_E_CLASSSTRING);
 }
 
 } // namespace

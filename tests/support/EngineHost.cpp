@@ -36,6 +36,7 @@ protected:
 private:
     void Note() {
         try {
+            const std::lock_guard lock(this->m_host.Mutex());
             m_released.push_back(m_name);
         } catch (const std::bad_alloc&) {
             // A Release cannot fail, so the note is lost.
@@ -237,18 +238,55 @@ private:
     Source m_source;
 };
 
-/// Lent like the context, so it need not be held to be asked for its interfaces.
+/// Ends with its last reference.
+class Unit final : public DualHostObject<IUnit> {
+public:
+    Unit(TestHost& host, std::wstring text) : DualHostObject(host), m_text(std::move(text)) {}
+    ULONG STDMETHODCALLTYPE Release() override {
+        const ULONG left = DualHostObject::Release();
+        if (left == 0)
+            delete this;
+        return left;
+    }
+    HRESULT STDMETHODCALLTYPE Reserved7() override { return Unexpected("IUnit 7"); }
+    HRESULT STDMETHODCALLTYPE get_Text(BSTR* text) override {
+        return AnswerText(Enter("get_UnitText", ""), m_text, text);
+    }
+
+private:
+    const std::wstring m_text;
+};
+
+class UnitsTable final : public ServiceObject<IUnitsTable> {
+public:
+    using ServiceObject::ServiceObject;
+    HRESULT STDMETHODCALLTYPE GetUnit(BSTR unitsKey, IUnit** unit) override {
+        *unit = nullptr;
+        return Answer(Enter("GetUnit", Show(unitsKey)), [&] {
+            const auto found = m_engine.units.find(TextOf(unitsKey));
+            if (found == m_engine.units.end())
+                return E_INVALIDARG;
+            return m_engine.givesNothing.contains("GetUnit")
+                       ? S_OK
+                       : HandOut<IUnit>(S_OK, *new Unit(m_host, found->second), unit);
+        });
+    }
+};
+
+/// Lent like the context, so it need not be held to be asked for its interfaces. It is one object with the
+/// host's thread service.
 class Services final : public ServiceObject<IECMServicesOld> {
 public:
     Services(TestHost& host, EngineServices& engine)
-        : ServiceObject(host, engine, "ECM services"), m_sessionManager(host, engine) {}
+        : ServiceObject(host, engine, "ECM services"), m_sessionManager(host, engine),
+          m_units(host, engine, "units table") {}
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override {
         if (iid == IID_IECMServicesOld)
             return HandOut<IECMServicesOld>(m_host.Enter("QueryInterface", "IECMServicesOld"), *this,
                                             reinterpret_cast<IECMServicesOld**>(out));
         if (iid == IID_IECMSessionManager)
             return Offer<IECMSessionManager>("IECMSessionManager", m_sessionManager, out);
-        return ServiceObject::QueryInterface(iid, out);
+        return m_host.Threads().Object()->QueryInterface(iid, out);
     }
     HRESULT STDMETHODCALLTYPE Reserved7() override { return Unexpected("IECMServicesOld 7"); }
     HRESULT STDMETHODCALLTYPE Reserved8() override { return Unexpected("IECMServicesOld 8"); }
@@ -256,12 +294,12 @@ public:
     HRESULT STDMETHODCALLTYPE Reserved10() override { return Unexpected("IECMServicesOld 10"); }
     HRESULT STDMETHODCALLTYPE Reserved11() override { return Unexpected("IECMServicesOld 11"); }
     HRESULT STDMETHODCALLTYPE GetUnits(IUnknown** unitsTable) override {
-        *unitsTable = nullptr;
-        return Unexpected("IECMServicesOld 12");
+        return Give<IUnknown>("GetUnits", "", m_units, unitsTable);
     }
 
 private:
     SessionManager m_sessionManager;
+    UnitsTable m_units;
 };
 
 class Field final : public EngineObject<IFaultField> {
@@ -290,16 +328,17 @@ Item* At(std::deque<Item>& items, const VARIANT& index) {
 
 class Record final : public EngineObject<IFaultRecord> {
 public:
-    Record(TestHost& host, std::vector<std::string>& released, const std::string& name,
-           const FaultRecord& record)
-        : EngineObject(host, released, name) {
+    Record(TestHost& host, FaultArray& array, const std::string& name, const FaultRecord& record)
+        : EngineObject(host, array.released, name), m_array(array) {
         for (const FaultField& field : record)
-            m_fields.emplace_back(host, released, name + " field " + std::to_string(m_fields.size() + 1),
-                                  field);
+            m_fields.emplace_back(host, array.released,
+                                  name + " field " + std::to_string(m_fields.size() + 1), field);
     }
     HRESULT STDMETHODCALLTYPE get_Item(VARIANT index, IFaultField** field) override {
         *field = nullptr;
         const HRESULT code = Enter("get_Field", Show(index));
+        if (SUCCEEDED(code) && m_array.givesNothing.contains("get_Field"))
+            return code;
         Field* const found = At(m_fields, index);
         return found ? HandOut<IFaultField>(code, *found, field) : E_INVALIDARG;
     }
@@ -309,6 +348,7 @@ public:
     }
 
 private:
+    FaultArray& m_array;
     std::deque<Field> m_fields;
 };
 
@@ -317,8 +357,7 @@ public:
     RecordList(TestHost& host, FaultArray& array, const std::vector<FaultRecord>& records)
         : EngineObject(host, array.released, "records"), m_array(array) {
         for (const FaultRecord& record : records)
-            m_records.emplace_back(host, array.released, "record " + std::to_string(m_records.size() + 1),
-                                   record);
+            m_records.emplace_back(host, array, "record " + std::to_string(m_records.size() + 1), record);
     }
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override {
         return iid == IID_IFaultRecordList ? Offer<IFaultRecordList>("IFaultRecordList", *this, out)
@@ -327,6 +366,8 @@ public:
     HRESULT STDMETHODCALLTYPE get_Item(VARIANT index, IFaultRecord** record) override {
         *record = nullptr;
         const HRESULT code = Enter("get_Record", Show(index));
+        if (SUCCEEDED(code) && m_array.givesNothing.contains("get_Record"))
+            return code;
         Record* const found = At(m_records, index);
         return found ? HandOut<IFaultRecord>(code, *found, record) : E_INVALIDARG;
     }
@@ -343,17 +384,21 @@ private:
 class Array final : public EngineObject<IFaultArray> {
 public:
     Array(TestHost& host, FaultArray& array, const std::vector<FaultRecord>& records)
-        : EngineObject(host, array.released, "array"), m_records(host, array, records) {}
+        : EngineObject(host, array.released, "array"), m_array(array), m_records(host, array, records) {}
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override {
         return iid == IID_IFaultArray ? Offer<IFaultArray>("IFaultArray", *this, out)
                                       : EngineObject::QueryInterface(iid, out);
     }
     HRESULT STDMETHODCALLTYPE Reserved7() override { return Unexpected("IFaultArray 7"); }
     HRESULT STDMETHODCALLTYPE get_Records(IUnknown** records) override {
-        return HandOut<IUnknown>(Enter("get_Records", ""), m_records, records);
+        *records = nullptr;
+        const HRESULT code = Enter("get_Records", "");
+        return m_array.givesNothing.contains("get_Records") ? code
+                                                            : HandOut<IUnknown>(code, m_records, records);
     }
 
 private:
+    FaultArray& m_array;
     RecordList m_records;
 };
 
@@ -365,8 +410,14 @@ struct EngineServices::Objects {
     Services services;
 };
 
-EngineServices::EngineServices(TestHost& host) : m_objects(std::make_unique<Objects>(host, *this)) {}
-EngineServices::~EngineServices() = default;
+EngineServices::EngineServices(TestHost& host)
+    : m_host(host), m_objects(std::make_unique<Objects>(host, *this)) {
+    m_host.engineServices = Object();
+}
+
+EngineServices::~EngineServices() {
+    m_host.engineServices = nullptr;
+}
 
 IUnknown* EngineServices::Object() noexcept {
     return &m_objects->services;

@@ -7,6 +7,7 @@
 #include "platform/Variant.h"
 #include "tests/support/TestHost.h"
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <set>
@@ -15,8 +16,8 @@
 
 namespace vant::test {
 
-/// Engine services with a session manager, directory, one session and a protocol source chain. Must outlive
-/// what holds its objects.
+/// Engine services with a session manager, directory, one session, a protocol source chain and a units
+/// table. The host's thread service answers IECMServicesOld with them. Must outlive what holds its objects.
 class EngineServices {
 public:
     explicit EngineServices(TestHost& host);
@@ -30,6 +31,7 @@ public:
     LONG protocolKind = 0;
     LONG handle = 7; ///< what Register gives, also when it fails
     std::map<LONG, CComVariant> sessionValues;
+    std::map<std::wstring, std::wstring, std::less<>> units; ///< their texts by key
     /// Operations that succeed and give no object, by name.
     std::set<std::string> givesNothing;
     /// The objects that lost their last reference, in order: "session", "directory" ...
@@ -38,6 +40,7 @@ public:
 private:
     struct Objects;
 
+    TestHost& m_host;
     std::unique_ptr<Objects> m_objects;
 };
 
@@ -56,6 +59,8 @@ public:
     FaultArray& operator=(const FaultArray&) = delete;
 
     LONG count; ///< what the list says that it holds
+    /// Operations that succeed and give no object, by name.
+    std::set<std::string> givesNothing;
     /// The objects that lost their last reference, in order: "record 1", "records" ...
     std::vector<std::string> released;
 

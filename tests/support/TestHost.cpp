@@ -203,8 +203,9 @@ private:
         *out = nullptr;
         const std::lock_guard lock(m_host.Mutex());
         const auto found = m_host.arrays.find(TextOf(id));
-        return found == m_host.arrays.end() ? (FAILED(code) ? code : E_INVALIDARG)
-                                            : HandOut(code, *found->second, out);
+        if (found == m_host.arrays.end())
+            return FAILED(code) ? code : E_INVALIDARG;
+        return found->second ? HandOut(code, *found->second, out) : code;
     }
     static void Assign(HostParameter& parameter, const VARIANT& value) {
         parameter.value = CComVariant::Copy(value);
@@ -228,8 +229,12 @@ public:
     }
     HRESULT STDMETHODCALLTYPE Reserved4() override { return Unexpected("IVantController 4"); }
     HRESULT STDMETHODCALLTYPE Reserved5() override { return Unexpected("IVantController 5"); }
-    HRESULT STDMETHODCALLTYPE PersistentCommandStopped(IVantPersistentCommand*) override {
-        return Enter("PersistentCommandStopped", "");
+    HRESULT STDMETHODCALLTYPE PersistentCommandStopped(IVantPersistentCommand* command) override {
+        return Answer(Enter("PersistentCommandStopped", ""), [&] {
+            const std::lock_guard lock(m_host.Mutex());
+            m_host.stoppedCommands.push_back(command);
+            return S_OK;
+        });
     }
 };
 
@@ -238,8 +243,8 @@ class Context final : public HostObject<IVantContext> {
 public:
     explicit Context(TestHost& host) noexcept
         : HostObject(host), m_commandRunner(host), m_componentService(host), m_service3(host),
-          m_dataStore(host), m_presentationService(host), m_threadService(host), m_service7(host),
-          m_procedureController(host), m_parameterService(host) {}
+          m_dataStore(host), m_presentationService(host), m_service7(host), m_procedureController(host),
+          m_parameterService(host) {}
 
     HRESULT STDMETHODCALLTYPE get_ProcedureController(IProcedureController** out) override {
         return Give<IProcedureController>("get_ProcedureController", m_procedureController, out);
@@ -270,7 +275,7 @@ public:
     }
     HRESULT STDMETHODCALLTYPE Reserved16() override { return Unexpected("IVantContext 16"); }
     HRESULT STDMETHODCALLTYPE get_ThreadService(IUnknown** out) override {
-        return Give<IUnknown>("get_ThreadService", m_threadService, out);
+        return Give<IUnknown>("get_ThreadService", *m_host.Threads().Object(), out);
     }
     HRESULT STDMETHODCALLTYPE Reserved18() override { return Unexpected("IVantContext 18"); }
     HRESULT STDMETHODCALLTYPE Reserved19() override { return Unexpected("IVantContext 19"); }
@@ -290,7 +295,6 @@ private:
     UnusedService m_service3;
     DataStore m_dataStore;
     PresentationService m_presentationService;
-    UnusedService m_threadService;
     UnusedService m_service7;
     ProcedureController m_procedureController;
     DataService m_parameterService;
@@ -299,10 +303,11 @@ private:
 } // namespace
 
 struct TestHost::Objects {
-    explicit Objects(TestHost& host) : context(host), controller(host) {}
+    explicit Objects(TestHost& host) : context(host), controller(host), threads(host) {}
 
     vant::test::Context context;
     vant::test::Controller controller;
+    HostThreads threads;
 };
 
 TestHost::TestHost() : m_objects(std::make_unique<Objects>(*this)) {}
@@ -310,6 +315,10 @@ TestHost::TestHost() : m_objects(std::make_unique<Objects>(*this)) {}
 TestHost::~TestHost() {
     if (const LONG held = OutstandingReferences(); held != 0)
         ADD_FAILURE() << held << " references are still held on the host's objects";
+}
+
+HostThreads& TestHost::Threads() noexcept {
+    return m_objects->threads;
 }
 
 IVantContext* TestHost::Context() noexcept {
@@ -330,10 +339,13 @@ void TestHost::ThrowAtCall(std::size_t number) noexcept {
 }
 
 HRESULT TestHost::Enter(std::string_view operation, std::string_view arguments) {
+    const std::string call = std::string(operation) + '(' + std::string(arguments) + ')';
+    if (onCall)
+        onCall(call);
     const std::lock_guard lock(m_mutex);
-    calls.push_back(std::string(operation) + '(' + std::string(arguments) + ')');
+    calls.push_back(call);
     if (calls.size() == m_throwAt)
-        throw std::runtime_error("the host throws at " + calls.back());
+        throw std::runtime_error("the host throws at " + call);
     if (calls.size() == m_failAt)
         return m_failCode;
     const auto found = fail.find(operation);

@@ -3,6 +3,7 @@
 #include "framework/interfaces/HostServices.h"
 #include "platform/Variant.h"
 #include "platform/system.h"
+#include "tests/support/HostThreads.h"
 
 #include <atomic>
 #include <functional>
@@ -45,12 +46,19 @@ public:
     // What the services work on.
     std::map<std::wstring, CComVariant, std::less<>> dataStore;
     std::map<std::wstring, HostParameter, std::less<>> parameters;
-    /// What GetParameter gives for kind 2, by identifier; the objects are lent.
+    /// What GetParameter gives for kind 2, by identifier; the objects are lent. A null one is a success that
+    /// gives nothing.
     std::map<std::wstring, IUnknown*, std::less<>> arrays;
     std::map<std::wstring, HRESULT, std::less<>>
         commandResults; ///< RunCommand's answer by identifier; else S_OK
     std::wstring connectionIdentifier = L"1";
-    std::vector<std::wstring> transitions; ///< all that were set, in order
+    std::vector<std::wstring> transitions;                ///< all that were set, in order
+    std::vector<IVantPersistentCommand*> stoppedCommands; ///< all that the controller was told of; not held
+    /// What the thread service's object answers IECMServicesOld with; an EngineServices puts itself here.
+    IUnknown* engineServices = nullptr;
+
+    /// The thread service.
+    HostThreads& Threads() noexcept;
 
     /// Every call so far as text, `SetValue(drop, "3")`, also those that failed. Names stand bare, values as
     /// Show gives them. IUnknown's operations are no calls, but asking a parameter for its interface is:
@@ -59,6 +67,9 @@ public:
     /// Operations that fail with the given code, by name ("GetValue", "get_DataStore", "QueryInterface").
     /// With a success code they do their work and answer that.
     std::map<std::string, HRESULT, std::less<>> fail;
+
+    /// Is told of every call as it is noted, on the calling thread and before the call does anything.
+    std::function<void(const std::string& call)> onCall;
 
     /// Makes call `number` fail with `code`, counted from 1 at the last ForgetCalls. A number of 0 fails
     /// none.

@@ -1,9 +1,7 @@
 // Every call that a command makes on its host fails in turn.
 
-#include "framework/interfaces/ClassIds.h"
 #include "tests/torture/Life.h"
 
-#include <algorithm>
 #include <gtest/gtest.h>
 
 namespace vant::test {
@@ -26,13 +24,6 @@ TEST_P(HostFault, EachCallFailing_IsAnsweredAsDocumentedAndLeavesNothing) {
 TEST_P(HostFault, EachCallThrowing_IsAnsweredAsDocumentedAndLeavesNothing) {
     ThrowingCall fault;
     LiveThroughEach(GetParam(), fault);
-}
-
-TEST(TortureScenarios, CoverEveryBuiltClass) {
-    for (const ClassRow& row : classTable) {
-        const auto covers = [&row](const Scenario& scenario) { return *scenario.classId == *row.classId; };
-        EXPECT_EQ(std::any_of(Scenarios().begin(), Scenarios().end(), covers), row.built) << row.resource;
-    }
 }
 
 } // namespace

@@ -4,12 +4,15 @@
 #include "framework/interfaces/VantCommand.h"
 #include "platform/Bstr.h"
 #include "tests/module/BuiltModule.h"
+#include "tests/support/ConditionSet.h"
+#include "tests/support/EmptyDesktop.h"
 #include "tests/support/EngineHost.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
 #include <ostream>
 #include <string_view>
+#include <utility>
 
 namespace vant::test {
 
@@ -43,52 +46,70 @@ std::string ResultAfter(const Calls& calls) {
     return result == "null" ? "\"\"" : result; // the store keeps copies, and the copy of no text is empty
 }
 
+Calls Joined(Calls calls, const Calls& more) {
+    calls.insert(calls.end(), more.begin(), more.end());
+    return calls;
+}
+
 Calls First(const Calls& calls, std::size_t count) {
     return {calls.begin(), calls.begin() + static_cast<std::ptrdiff_t>(count)};
 }
 
-/// The ways in which a scenario's execution can end.
+/// The ways in which an operation can end.
 class Outcomes {
 public:
-    explicit Outcomes(const Scenario& scenario) : m_scenario(scenario) {}
+    explicit Outcomes(Work work) : m_work(std::move(work)) {}
 
-    Outcome Success() const { return {S_OK, m_scenario.calls, ResultAfter(m_scenario.calls)}; }
+    Outcome Success() const { return {m_work.done, m_work.calls, ResultAfter(m_work.calls)}; }
     /// After `count` calls that went well, before the next.
     Outcome EndedAfter(std::size_t count) const {
-        const Calls calls = First(m_scenario.calls, count);
-        return {m_scenario.failedExecute, calls, ResultAfter(calls)};
+        const Calls calls = First(m_work.calls, count);
+        return {m_work.failed, Joined(calls, m_work.afterFailure), ResultAfter(calls)};
     }
     /// In a call.
     Outcome EndedIn(std::size_t number) const {
-        return {m_scenario.failedExecute, First(m_scenario.calls, number + 1),
-                ResultAfter(First(m_scenario.calls, number))};
+        return {m_work.failed, Joined(First(m_work.calls, number + 1), m_work.afterFailure),
+                ResultAfter(Joined(First(m_work.calls, number), m_work.afterFailure))};
     }
     Outcome Ignoring(const IgnoredCall& ignored) const {
-        Calls calls = First(m_scenario.calls, ignored.number + 1);
-        calls.insert(calls.end(), ignored.then.begin(), ignored.then.end());
+        const Calls calls = Joined(First(m_work.calls, ignored.number + 1), ignored.then);
         return {ignored.execute, calls, ResultAfter(calls)};
     }
     /// Where the call answers a failure.
     Outcome Refused(std::size_t number) const {
-        for (const IgnoredCall& ignored : m_scenario.ignored) {
-            if (ignored.number == number)
-                return Ignoring(ignored);
-        }
-        return EndedIn(number);
+        const IgnoredCall* const ignored = FindIgnored(number);
+        return ignored ? Ignoring(*ignored) : EndedIn(number);
+    }
+    /// Where the call throws.
+    Outcome Thrown(std::size_t number) const {
+        const IgnoredCall* const ignored = FindIgnored(number);
+        return ignored && ignored->alsoThrown ? Ignoring(*ignored) : EndedIn(number);
     }
     /// Where memory has run out somewhere.
     std::vector<Outcome> WithoutMemory() const {
         std::vector<Outcome> all;
-        for (std::size_t number = 0; number < m_scenario.calls.size(); ++number)
+        for (std::size_t number = 0; number < m_work.calls.size(); ++number) {
             all.insert(all.end(), {EndedAfter(number), EndedIn(number), Refused(number)});
-        all.push_back(EndedAfter(m_scenario.calls.size()));
-        if (m_scenario.withoutText)
-            all.push_back({S_OK, *m_scenario.withoutText, ResultAfter(*m_scenario.withoutText)});
+            // before the call could be noted
+            if (const IgnoredCall* const ignored = FindIgnored(number); ignored && ignored->alsoThrown) {
+                const Calls calls = Joined(First(m_work.calls, number), ignored->then);
+                all.push_back({ignored->execute, calls, ResultAfter(calls)});
+            }
+        }
+        all.push_back(EndedAfter(m_work.calls.size()));
+        if (m_work.withoutText)
+            all.push_back({S_OK, *m_work.withoutText, ResultAfter(*m_work.withoutText)});
         return all;
     }
 
 private:
-    const Scenario& m_scenario;
+    const IgnoredCall* FindIgnored(std::size_t number) const {
+        const auto found = std::find_if(m_work.ignored.begin(), m_work.ignored.end(),
+                                        [number](const IgnoredCall& call) { return call.number == number; });
+        return found == m_work.ignored.end() ? nullptr : &*found;
+    }
+
+    const Work m_work;
 };
 
 class LifeOfOne {
@@ -101,7 +122,26 @@ public:
         m_host.dataStore[L"number"] = CComVariant(LONG{5});
         m_host.dataStore[L"id"] = CComVariant(CComBSTR(L"190"));
         m_host.dataStore[L"template"] = CComVariant(CComBSTR(L"$p(190) of $d(first)"));
+        m_host.dataStore[L"zero"] = CComVariant(CComBSTR(L"0"));
         m_host.parameters[L"190"] = {L"speed", L"750", CComVariant(LONG{750}), L"rpm"};
+        // of the adjusters
+        for (const auto& [id, value] : {std::pair(L"101000", 1500),
+                                        {L"13191", 0},
+                                        {L"13192", 100},
+                                        {L"199236", 8},
+                                        {L"110143", 10},
+                                        {L"110145", 42},
+                                        {L"14531", 40}})
+            m_host.parameters[id].value = CComVariant(LONG{value});
+        for (const wchar_t* id : {L"13190", L"110142"})
+            m_host.parameters[id].value = CComVariant(LONG{0});
+        m_engine.sessionValues[101000] = CComVariant(LONG{1500});
+        m_engine.units[L"rpm"] = L"1/min";
+        m_engine.released.reserve(1000); // notes that need no memory later
+        m_failing.answers = {VARIANT_FALSE};
+        m_failing.failureKey = L"first";
+        m_host.Threads().startsThreads = false;
+        m_ownReferences = m_host.OutstandingReferences();
         fault.Plan(m_host, number);
     }
 
@@ -119,6 +159,11 @@ public:
         PutLabel(L"first", L"second");
         GetLabel(L"second");
         Execute();
+        if (IsPersistent()) {
+            if (m_scenario.body)
+                RunBody(*m_scenario.body);
+            Stop();
+        }
         Release();
         return m_fault.Opportunities(m_host);
     }
@@ -161,11 +206,11 @@ private:
             // Where nothing tells what went wrong, the answer is that of the request before.
             const std::size_t before = m_fault.StruckCall().value_or(m_host.CallCount());
             EXPECT_EQ(code, m_fault.Code().value_or(before == 0 ? E_FAIL : S_OK));
-            EXPECT_EQ(m_host.OutstandingReferences(), static_cast<LONG>(before));
+            EXPECT_EQ(Held(), static_cast<LONG>(before));
             code = Do(initialize);
         }
         EXPECT_EQ(code, S_OK);
-        EXPECT_EQ(m_host.OutstandingReferences(), servicesAndController);
+        EXPECT_EQ(Held(), servicesAndController);
         EXPECT_EQ(Do(initialize), E_UNEXPECTED);
     }
 
@@ -214,30 +259,74 @@ private:
     }
 
     void Execute() {
-        const auto execute = [this] { return m_command->Execute(); };
+        Perform(
+            m_scenario.Execution(), [this] { return m_command->Execute(); }, [] {});
+    }
+
+    /// Calls the callback that was registered last.
+    void RunBody(const Body& body) {
+        if (body.stoppedBefore)
+            Stop();
+        Perform(
+            body.work, [this] { return m_host.Threads().Run(LastCookie()); },
+            [&] {
+                EXPECT_EQ(m_command->Execute(), S_OK); // the thread has ended; there must be another
+                if (body.stoppedBefore)
+                    Stop();
+            });
+    }
+
+    /// Does the work. Where the fault strikes, it must end as documented, and go well the second time,
+    /// for which `prepare` makes ready.
+    template <class Operation, class Preparation>
+    void Perform(const Work& work, Operation operation, Preparation prepare) {
         std::size_t start = m_host.CallCount();
-        HRESULT code = Do(execute);
+        HRESULT code = Do(operation);
         if (m_struck) {
             const Outcome actual{code, CallsFrom(start), Result()};
-            const auto documented = StruckOutcomes(start);
+            const auto documented = StruckOutcomes(Outcomes(work), start);
             EXPECT_TRUE(std::find(documented.begin(), documented.end(), actual) != documented.end())
                 << actual << "\nis none of the documented outcomes, as is\n"
                 << documented.back();
-            EXPECT_EQ(m_host.OutstandingReferences(), servicesAndController);
+            ExpectHeldWhileInUse();
+            prepare();
             start = m_host.CallCount();
-            code = Do(execute);
+            code = Do(operation);
         }
-        EXPECT_EQ((Outcome{code, CallsFrom(start), Result()}), Outcomes(m_scenario).Success());
+        EXPECT_EQ((Outcome{code, CallsFrom(start), Result()}), Outcomes(work).Success());
+        ExpectHeldWhileInUse();
     }
 
-    /// How the execution may have ended that began after `start` calls and was struck.
-    std::vector<Outcome> StruckOutcomes(std::size_t start) const {
-        const Outcomes outcomes(m_scenario);
+    /// How the work may have ended that began after `start` calls and was struck.
+    std::vector<Outcome> StruckOutcomes(const Outcomes& outcomes, std::size_t start) const {
         const auto struck = m_fault.StruckCall();
         if (!struck)
             return outcomes.WithoutMemory();
-        return {m_fault.Code() ? outcomes.Refused(*struck - start) : outcomes.EndedIn(*struck - start)};
+        return {m_fault.Code() ? outcomes.Refused(*struck - start) : outcomes.Thrown(*struck - start)};
     }
+
+    void Stop() {
+        CComPtr<IVantPersistentCommand> persistent;
+        ASSERT_EQ(
+            m_command->QueryInterface(IID_IVantPersistentCommand, reinterpret_cast<void**>(&persistent)),
+            S_OK);
+        const auto stop = [&] { return persistent->Stop(); };
+        const std::size_t before = m_host.stoppedCommands.size();
+        HRESULT code = Do(stop);
+        if (m_struck) {
+            // An exception tells no more than that memory ran out, or nothing.
+            EXPECT_EQ(code, m_fault.Code().value_or(m_fault.StruckCall() ? E_FAIL : E_OUTOFMEMORY));
+            EXPECT_EQ(m_host.stoppedCommands.size(), before);
+            code = Do(stop);
+        }
+        EXPECT_EQ(code, S_OK);
+        EXPECT_EQ(m_host.stoppedCommands.size(), before + 1);
+        EXPECT_EQ(m_host.stoppedCommands.back(), persistent.Get());
+    }
+
+    /// The services and the controller; a persistent command that was executed holds its thread service
+    /// twice.
+    void ExpectHeldWhileInUse() const { EXPECT_EQ(Held(), servicesAndController + (IsPersistent() ? 1 : 0)); }
 
     void Release() {
         EXPECT_EQ(Do([this] {
@@ -246,10 +335,22 @@ private:
                   }),
                   S_OK);
         EXPECT_FALSE(m_struck) << "Release needs nothing that could fail";
-        EXPECT_EQ(m_host.OutstandingReferences(), 0);
+        EXPECT_EQ(Held(), 0);
+        m_host.Threads().ReleaseCallbacks();
         EXPECT_EQ(m_module.CanUnloadNow(), S_OK);
     }
 
+    bool IsPersistent() const {
+        CComPtr<IUnknown> persistent;
+        return SUCCEEDED(
+            m_command->QueryInterface(IID_IVantPersistentCommand, reinterpret_cast<void**>(&persistent)));
+    }
+    std::uint32_t LastCookie() {
+        return HostThreads::firstCookie +
+               static_cast<std::uint32_t>(m_host.Threads().RegistrationCount() - 1);
+    }
+    /// References that the command holds on the host.
+    LONG Held() const { return m_host.OutstandingReferences() - m_ownReferences; }
     std::string Result() { return Show(m_host.dataStore[L"result"].Get()); }
     Calls CallsFrom(std::size_t start) const {
         return {m_host.calls.begin() + static_cast<std::ptrdiff_t>(start), m_host.calls.end()};
@@ -263,6 +364,10 @@ private:
         L"faulty",
         {{{L"199009", L"Inactive"}}, {{L"name", L"x"}, {L"16786047", L"Active"}, {L"16786048", L"P0123"}}}};
     const FaultArray m_clean{m_host, L"clean", {{{L"199009", L"Inactive"}}}};
+    EngineServices m_engine{m_host};
+    const ConditionSet m_met{m_host, L"met"};
+    ConditionSet m_failing{m_host, L"failing"};
+    LONG m_ownReferences = 0; // that the data store holds
     const BuiltModule m_module;
     CComPtr<IVantCommand> m_command;
     bool m_struck = false;
@@ -272,6 +377,12 @@ private:
 
 std::ostream& operator<<(std::ostream& out, const Scenario& scenario) {
     return out << scenario.name;
+}
+
+const Calls& RegistrationCalls() {
+    static const Calls calls = {"QueryInterface(IThreadService)",
+                                "RegisterCallback(IVantPersistentCommandImpl, Persistent Thread)"};
+    return calls;
 }
 
 const std::vector<Scenario>& Scenarios() {
@@ -409,6 +520,40 @@ const std::vector<Scenario>& Scenarios() {
          {{L"operation", L"numToHMS"}, {L"dsSourceString", L"id"}, {L"dsTargetString", L"result"}},
          {"GetValue(id)", "SetValue(result, \"00:03:10\")"},
          S_OK},
+        {"StartConditionCheckerOfConditionsThatHold",
+         &CLSID_StartConditionChecker,
+         {{L"dsSetID", L"met"}, {L"validTransitionID", L"good"}},
+         {"GetValue(met)", "QueryInterface(IConditionSet)", "Evaluate()", "SetTransition(good)"},
+         E_FAIL,
+         {{2, {"SetTransition(good)"}}}},
+        {"StartConditionCheckerOfConditionThatFails",
+         &CLSID_StartConditionChecker,
+         {{L"dsSetID", L"failing"}, {L"dsFailMessage", L"result"}, {L"invalidTransitionID", L"bad"}},
+         {"GetValue(failing)", "QueryInterface(IConditionSet)", "Evaluate()", "GetFailureKey()",
+          "GetValue(first)", "SetValue(result, \"12.5\")", "SetTransition(bad)"},
+         E_FAIL,
+         {{2, {"GetFailureKey()", "GetValue(first)", "SetValue(result, \"12.5\")", "SetTransition(bad)"}}}},
+        {"Timer", &CLSID_Timer, {{L"length", L"3"}, {L"dsBase", L"result"}}, RegistrationCalls(), S_OK},
+        {"StopConditionMonitor",
+         &CLSID_StopConditionMonitor,
+         {{L"dsSetID", L"met"}, {L"failTransitionID", L"bad"}, {L"dsMessageID", L"result"}},
+         RegistrationCalls(),
+         S_OK},
+        {"MonitorUpdater",
+         &CLSID_MonitorUpdater,
+         {{L"parameterIDs", L"190"}, {L"dsBaseName", L"B"}, {L"monitorID", L"gauge"}},
+         RegistrationCalls(),
+         S_OK},
+        {"ParameterSampler",
+         &CLSID_ParameterSampler,
+         {{L"parameterID", L"190"}, {L"period", L"1"}, {L"numSamples", L"2"}, {L"dsTarget", L"result"}},
+         RegistrationCalls(),
+         S_OK},
+        {"ThrottleAdjuster",
+         &CLSID_ThrottleAdjuster,
+         {{L"successTransition", L"good"}, {L"failTransition", L"bad"}},
+         RegistrationCalls(),
+         S_OK},
     };
     return all;
 }
@@ -421,14 +566,18 @@ std::size_t Live(const Scenario& scenario, Fault& fault, std::size_t number) {
 }
 
 void LiveThroughEach(const Scenario& scenario, Fault& fault) {
-    if (*scenario.classId == CLSID_MessageDisplayer && GetForegroundWindow())
-        GTEST_SKIP() << "a window has the foreground; the message would wait for somebody to close it";
-    const std::size_t opportunities = Live(scenario, fault, 0);
-    ASSERT_GT(opportunities, 0U);
-    for (std::size_t number = 1; number <= opportunities; ++number) {
-        SCOPED_TRACE(::testing::Message() << "struck at " << number << " of " << opportunities);
-        Live(scenario, fault, number);
-    }
+    const auto liveAll = [&] {
+        const std::size_t opportunities = Live(scenario, fault, 0);
+        ASSERT_GT(opportunities, 0U);
+        for (std::size_t number = 1; number <= opportunities; ++number) {
+            SCOPED_TRACE(::testing::Message() << "struck at " << number << " of " << opportunities);
+            Live(scenario, fault, number);
+        }
+    };
+    if (*scenario.classId == CLSID_MessageDisplayer)
+        OnEmptyDesktop(liveAll); // a message that appeared would wait for somebody to close it
+    else
+        liveAll();
 }
 
 } // namespace vant::test

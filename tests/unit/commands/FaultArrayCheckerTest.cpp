@@ -205,6 +205,21 @@ TEST_F(FaultArrayChecker, EveryFailingCall_EndsQuietly_WithNothingStoredOrTakenA
     }
 }
 
+TEST_F(FaultArrayChecker, CallThatSucceedsAndGivesNoObject_EndsQuietlyThere) {
+    FaultArray array(host, L"faults", {active});
+    for (const char* operation : {"get_Records", "get_Record", "get_Field"}) {
+        array.givesNothing = {operation};
+        EXPECT_EQ(quietEnd, Check()) << operation;
+        EXPECT_TRUE(host.calls.back().starts_with(std::string(operation) + '(')) << host.calls.back();
+    }
+}
+
+TEST_F(FaultArrayChecker, ServiceThatSucceedsAndGivesNoArray_EndsQuietly) {
+    host.arrays[L"faults"] = nullptr;
+    EXPECT_EQ(quietEnd, Check());
+    EXPECT_EQ((Calls{"GetParameter(faults, 2)"}), host.calls);
+}
+
 TEST_F(FaultArrayChecker, FailingSuccessTransition_EndsQuietly) {
     const FaultArray array(host, L"faults", {});
     host.fail["SetTransition"] = E_NOTIMPL;

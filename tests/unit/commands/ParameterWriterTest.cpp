@@ -1,6 +1,8 @@
 #include "commands/ParameterWriter.h"
 
+#include "platform/ComException.h"
 #include "tests/support/Commands.h"
+#include "tests/support/StoreOfNoValue.h"
 
 #include <stdexcept>
 #include <string>
@@ -16,6 +18,7 @@ using Calls = std::vector<std::string>;
 class OpenWriter : public CParameterWriter {
 public:
     using CParameterWriter::ExecuteCommand;
+    using CParameterWriter::m_dataStore;
 };
 
 class ParameterWriter : public ::testing::Test {
@@ -130,6 +133,31 @@ TEST_F(ParameterWriter, AnyFailingCodeOfTheWrite_IsThatError) {
     EXPECT_EQ("Failure reading from data service", ErrorOf(*command.Get()));
     host.fail["SetParameter"] = S_FALSE;
     EXPECT_EQ("", ErrorOf(*command.Get()));
+}
+
+/// A writer whose data store gives values that cannot be copied.
+CComPtr<IVantCommand> CreateWriterOfNoValue(TestHost& host, Properties properties) {
+    auto command = CreateCommand<OpenWriter>(host, properties);
+    static_cast<CComObject<OpenWriter>*>(command.Get())->m_dataStore = new StoreOfNoValue(host);
+    return command;
+}
+
+TEST_F(ParameterWriter, ValueThatCannotBeCopied_ThrowsThePlatformsCodeAndWritesNothing) {
+    const auto command = CreateWriterOfNoValue(host, {{L"parameterID", L"199008"}, {L"dsValue", L"what"}});
+    try {
+        static_cast<CComObject<OpenWriter>&>(*command.Get()).ExecuteCommand();
+        FAIL() << "nothing was thrown";
+    } catch (const CComException& exception) {
+        EXPECT_EQ(DISP_E_BADVARTYPE, exception.Code());
+    }
+    EXPECT_EQ(E_FAIL, command->Execute());
+    EXPECT_EQ((Calls{"GetValue(what)", "GetValue(what)"}), host.calls);
+}
+
+TEST_F(ParameterWriter, ParameterIdThatCannotBeCleared_FailsAndWritesNothing) {
+    const auto command = CreateWriterOfNoValue(host, {{L"dsParameterID", L"which"}, {L"value", L"5"}});
+    EXPECT_EQ(E_FAIL, command->Execute());
+    EXPECT_EQ((Calls{"GetValue(which)"}), host.calls);
 }
 
 // Validity

@@ -1,6 +1,8 @@
 // The calls on the host that command bodies make through their base.
 
 #include "ecm/ResultPolicy.h"
+#include "platform/ComException.h"
+#include "tests/support/StoreOfNoValue.h"
 #include "tests/unit/framework/ProbeCommand.h"
 
 namespace vant::test {
@@ -101,23 +103,26 @@ TEST_F(HostCalls, DataStoreText_ReplacesWhatWasThere) {
     EXPECT_EQ(nullptr, text.Get());
 }
 
+TEST_F(HostCalls, DataStoreTextThatCannotBeCleared_ThrowsThePlatformsCode) {
+    probe->m_dataStore = new StoreOfNoValue(host);
+    for (const HRESULT answer : {S_OK, E_UNEXPECTED}) {
+        host.fail["GetValue"] = answer;
+        CComBSTR text(L"before");
+        try {
+            probe->GetDataStoreText(x, text);
+            FAIL() << "nothing was thrown";
+        } catch (const CComException& exception) {
+            EXPECT_EQ(DISP_E_BADVARTYPE, exception.Code());
+        }
+        EXPECT_EQ(nullptr, text.Get());
+    }
+}
+
 TEST_F(HostCalls, ParameterValue_KeepsItsType) {
     EXPECT_EQ("\"41.5\"", Show(probe->ReadParameterValue(id).Get()));
     EXPECT_EQ((Calls{"GetParameter(13190, 1)", "QueryInterface(IParameterOld)", "get_Value()"}), host.calls);
     host.parameters[L"13190"].value = CComVariant(LONG{7});
     EXPECT_EQ("7", Show(probe->ReadParameterValue(id).Get()));
-}
-
-TEST_F(HostCalls, ParameterAsLong_IsRoundedHalfToEven) {
-    EXPECT_EQ(42, probe->ReadParameterAsLong(id));
-    host.parameters[L"13190"].value = CComVariant(42.5);
-    EXPECT_EQ(42, probe->ReadParameterAsLong(id));
-}
-
-TEST_F(HostCalls, ParameterAsDouble_ReadsTheParameterOfThePropertyWhateverItIsGiven) {
-    SetProperties(*command.Get(), {{L"parameterID", L"13190"}});
-    EXPECT_EQ(41.5, probe->ReadParameterAsDouble(CComBSTR(L"another")));
-    EXPECT_EQ("GetParameter(13190, 1)", host.calls.front());
 }
 
 TEST_F(HostCalls, ParameterThatCannotBeRead_EndsTheRead) {
@@ -131,13 +136,6 @@ TEST_F(HostCalls, ParameterThatCannotBeRead_EndsTheRead) {
     host.parameters[L"13190"].offersInterface = false;
     EXPECT_EQ(E_POINTER, CodeOf(read));
     EXPECT_EQ(before, host.OutstandingReferences());
-}
-
-TEST_F(HostCalls, ParameterThatIsNoNumber_FailsTheConversion) {
-    host.parameters[L"13190"].value = CComVariant(CComBSTR(L"hot"));
-    EXPECT_EQ(DISP_E_TYPEMISMATCH, CodeOf([this] { probe->ReadParameterAsLong(id); }));
-    SetProperties(*command.Get(), {{L"parameterID", L"13190"}});
-    EXPECT_EQ(DISP_E_TYPEMISMATCH, CodeOf([this] { probe->ReadParameterAsDouble(CComBSTR()); }));
 }
 
 } // namespace

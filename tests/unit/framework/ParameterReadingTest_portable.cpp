@@ -8,19 +8,12 @@ namespace vant::test {
 
 namespace {
 
-/// A probe that reads parameters.
-class CReadingProbe : public CProbeCommand {
-public:
-    using CVantCommandBase::ReadParameterAsDouble;
-    using CVantCommandBase::ReadParameterAsLong;
-};
-
 TEST(ParameterReadingMemory, String_IsFreedOnEveryPath) {
     TestHost host;
     host.parameters[L"RPM"].value = CComVariant(LONG{800});
     host.parameters[L""].value = CComVariant(1.5);
-    const auto command = CreateCommand<CReadingProbe>(host, {});
-    const auto* const reader = static_cast<CReadingProbe*>(command.Get());
+    const auto command = CreateCommand<CProbeCommand>(host, {});
+    const auto* const reader = static_cast<CProbeCommand*>(command.Get());
     const std::size_t before = vant::testing::LiveBstrCount();
     EXPECT_EQ(800, reader->ReadParameterAsLong(CComBSTR(L"RPM")));
     EXPECT_EQ(1.5, reader->ReadParameterAsDouble(CComBSTR(L"RPM")));

@@ -101,8 +101,8 @@ TEST(ValidateProperties, EmptyTable_IsAlwaysValid) {
 TEST(PropertyMap, NamesThatDifferInCaseOnly_AreTwoEntries) {
     const PropertyMap map = Map({L"value", L"Value", L"VALUE"});
     EXPECT_EQ(3u, map.size());
-    EXPECT_TRUE(map.contains(std::wstring_view(L"Value")));
-    EXPECT_FALSE(map.contains(std::wstring_view(L"vALUE")));
+    EXPECT_TRUE(map.contains(CComBSTR(L"Value")));
+    EXPECT_FALSE(map.contains(CComBSTR(L"vALUE")));
 }
 
 TEST(PropertyMap, RepeatedName_KeepsItsFirstValue) {

@@ -151,7 +151,7 @@ TEST(EngineReader, WrongLimits_AreReported) {
 TEST(EngineReader, WrongTypes_AreReported) {
     EXPECT_EQ(Said("parameters.a = 1"), "e:1:16: error: parameter 'a' must be a table, not a number\n");
     EXPECT_EQ(Said("[parameters.a]\nvalue = 1\nfails = 'no'\n"),
-              "e:3:9: error: 'fails' must be true or false, not a string\n");
+              "e:3:9: error: 'fails' must be true, false or a table with 'from' or 'read', not a string\n");
     EXPECT_EQ(Said("units.rpm = 1"),
               "e:1:13: error: unit 'rpm' must be a string, not a number: write it in quotes\n");
     EXPECT_EQ(Said("faults.a = 1"),

@@ -91,7 +91,9 @@ TEST(JsonValue, VariantsOfEveryKind_ConvertToValues) {
     EXPECT_EQ(ToValue(CComVariant(CComBSTR()).Get()), Value(""));
     VARIANT other{};
     other.vt = VT_UNKNOWN;
-    EXPECT_EQ(ToValue(other), Value("(VARIANT of type 13)"));
+    EXPECT_EQ(ToValue(other), Value("(object)"));
+    other.vt = VT_DATE;
+    EXPECT_EQ(ToValue(other), Value("(VARIANT of type 7)"));
     other.vt = VT_I2;
     other.iVal = -3;
     EXPECT_EQ(ToValue(other), Value(std::int64_t{-3}));

@@ -10,13 +10,12 @@ namespace vant {
 
 namespace {
 
-TEST(Module, EveryBuiltClass_IsCreatedByName) {
+TEST(Module, EveryClass_IsCreatedByName) {
     const Module module(test::BuiltModuleFile());
     for (const ClassRow& row : classTable) {
         CComPtr<IVantCommand> command;
-        const HRESULT expected = row.built ? S_OK : CLASS_E_CLASSNOTAVAILABLE;
-        EXPECT_EQ(module.Create(ToUtf8(row.name), command), expected) << ToUtf8(std::wstring_view(row.name));
-        EXPECT_EQ(static_cast<bool>(command), row.built);
+        EXPECT_EQ(module.Create(ToUtf8(row.name), command), S_OK) << ToUtf8(std::wstring_view(row.name));
+        EXPECT_TRUE(command);
     }
 }
 

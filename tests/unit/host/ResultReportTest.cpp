@@ -14,6 +14,13 @@ Record Event(const char* operation, std::vector<Argument> arguments) {
     return record;
 }
 
+Record Call(const char* operation, std::vector<Argument> arguments, HRESULT result) {
+    Record record = Event(operation, std::move(arguments));
+    record.service = "Service";
+    record.result = result;
+    return record;
+}
+
 TEST(ResultReport, IsMadeFromTheRunnersRecords) {
     ResultReport report;
     report(Event("ProcedureStarted", {{"name", "Check"}}));
@@ -23,6 +30,15 @@ TEST(ResultReport, IsMadeFromTheRunnersRecords) {
     ended.command = "drop";
     ended.result = E_FAIL;
     report(ended);
+    report(Call("ShowInstruction", {{"text", "Wait"}}, S_OK));
+    report(Call("ShowInstruction", {{"text", "Go on"}}, S_OK));
+    const auto setNeedle = [&](const char* value, HRESULT result) {
+        report(Call("SetComponentProperty", {{"componentId", "gauge"}, {"name", "needle"}, {"value", value}},
+                    result));
+    };
+    setNeedle("1", S_OK);
+    setNeedle("2", S_OK);
+    setNeedle("refused", E_FAIL);
     report(Event("TransitionFollowed", {{"from", "measure"}, {"to", "done"}}));
     report(Event("StepEntered", {{"step", "done"}}));
     report(Event("DataLeft", {{"name", "drop"}, {"value", "3"}}));
@@ -30,11 +46,12 @@ TEST(ResultReport, IsMadeFromTheRunnersRecords) {
     EXPECT_EQ(report.Result().dump(),
               R"({"procedure":"Check","verdict":"passed","reason":"step 'done'","steps":[{"step":"measure",)"
               R"("commands":[{"command":"drop","class":"Calculator","caller":null,"phase":"execute",)"
-              R"("result":"0x80004005"}],"next":"done"},{"step":"done","commands":[],"next":null}],)"
+              R"("result":"0x80004005"}],"instructions":["Wait","Go on"],"display":{"gauge":{"needle":"2"}},)"
+              R"("next":"done"},{"step":"done","commands":[],"instructions":[],"display":{},"next":null}],)"
               R"("data":{"drop":"3"}})");
 }
 
-TEST(ResultReport, CallsOfCommands_AreNoPartOfIt) {
+TEST(ResultReport, OtherCallsOfCommands_AreNoPartOfIt) {
     ResultReport report;
     const Json before = report.Result();
     Record call = Event("ProcedureEnded", {{"verdict", "passed"}});

@@ -114,8 +114,8 @@ TEST(Bstr, ComparedTexts_AreInTheOrderOfDigitsLettersAndLengths) {
         EXPECT_EQ(VARCMP_GT, Compare(greater, less));
         EXPECT_EQ(CSTR_LESS_THAN, CompareCounted(less, greater));
         EXPECT_EQ(CSTR_GREATER_THAN, CompareCounted(greater, less));
-        EXPECT_TRUE(LocaleLess()(CComBSTR(less), greater));
-        EXPECT_FALSE(LocaleLess()(greater, CComBSTR(less)));
+        EXPECT_TRUE(LocaleLess()(CComBSTR(less), CComBSTR(greater)));
+        EXPECT_FALSE(LocaleLess()(CComBSTR(greater), CComBSTR(less)));
         EXPECT_FALSE(LocaleLess()(CComBSTR(less), CComBSTR(less)));
     }
 }
@@ -127,14 +127,16 @@ TEST(Bstr, CompareStringW_CountsNullTerminatedTextsAndRefusesNullsAndUnknownFlag
     EXPECT_EQ(0, CompareStringW(LOCALE_USER_DEFAULT, 0x80000000U, L"a", 1, L"a", 1));
 }
 
-TEST(LocaleLess, MapOfHolders_IsSearchedWithoutMakingAHolder) {
+TEST(LocaleLess, MapOfHolders_IsInTheOrderOfTheLocaleAndKeepsCasesApart) {
     std::map<CComBSTR, int, LocaleLess> map;
     map.emplace(CComBSTR(L"b"), 2);
+    map.emplace(CComBSTR(L"A"), 3);
     map.emplace(CComBSTR(L"a"), 1);
-    ASSERT_NE(map.end(), map.find(L"a"sv));
-    EXPECT_EQ(1, map.find(L"a"sv)->second);
-    EXPECT_EQ(map.end(), map.find(L"A"sv));
-    EXPECT_EQ(map.end(), map.find(L""sv));
+    ASSERT_EQ(3u, map.size());
+    EXPECT_EQ(1, map.at(CComBSTR(L"a")));
+    EXPECT_EQ(3, map.at(CComBSTR(L"A")));
+    EXPECT_EQ(2, map.rbegin()->second);
+    EXPECT_FALSE(map.contains(CComBSTR()));
 }
 
 TEST(CComBSTR, Default_IsNull) {

@@ -6,6 +6,8 @@
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <string>
+#include <thread>
+#include <unistd.h>
 #include <vector>
 
 namespace vant {
@@ -22,11 +24,14 @@ TEST(PortableProcess, ProgramFolder_HoldsThisProgram) {
     EXPECT_TRUE(std::filesystem::exists(ProgramFolder() / "unit_platform"));
 }
 
-TEST(PortableProcess, FirstInterrupt_CallsTheHandler) {
+TEST(PortableProcess, FirstInterrupt_CallsTheHandlerOnAnotherThread) {
     EXPECT_EXIT(
         {
-            OnFirstInterrupt([] { std::_Exit(7); });
+            static const auto here = std::this_thread::get_id();
+            OnFirstInterrupt([] { std::_Exit(std::this_thread::get_id() == here ? 8 : 7); });
             std::raise(SIGINT);
+            for (;;)
+                pause();
         },
         ::testing::ExitedWithCode(7), "");
 }

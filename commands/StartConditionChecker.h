@@ -1,0 +1,30 @@
+#pragma once
+
+#include "framework/VantCommandImpl.h"
+#include "framework/interfaces/ClassIds.h"
+#include "platform/ComObject.h"
+
+namespace vant {
+
+/// Asks a condition set once and chooses a transition by the answer; where a condition does not hold, it
+/// copies that condition's message first.
+class CStartConditionChecker
+    : public CComObjectRootEx<CComMultiThreadModel>,
+      public CComCoClass<CStartConditionChecker, &CLSID_StartConditionChecker>,
+      public IVantCommandImpl<CStartConditionChecker, &CLSID_StartConditionChecker, 104> {
+public:
+    static constexpr PropertyRow properties[] = {
+        {L"dsSetID", nullptr, true},
+        {L"dsFailMessage", nullptr, false},
+        {L"validTransitionID", nullptr, false},
+        {L"invalidTransitionID", nullptr, false},
+    };
+
+protected:
+    void ExecuteCommand() override;
+
+private:
+    void ChooseOptional(PropertyName transitionId) const;
+};
+
+} // namespace vant

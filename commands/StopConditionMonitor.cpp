@@ -1,0 +1,28 @@
+#include "commands/StopConditionMonitor.h"
+
+#include "ecm/ResultPolicy.h"
+
+namespace vant {
+
+void CStopConditionMonitor::ExecutePersistent() {
+    try {
+        CheckOnce();
+    } catch (...) {
+        // Whatever fails ends this round alone.
+    }
+}
+
+void CStopConditionMonitor::CheckOnce() {
+    CCheckedResult result;
+    const CComPtr<IConditionSet> conditions = ReadConditionSet(GetProperty(L"dsSetID"));
+    VARIANT_BOOL allMet = VARIANT_FALSE;
+    result = conditions->Evaluate(&allMet);
+    if (allMet == VARIANT_TRUE)
+        return;
+    const CComVariant message = ReadFailureMessage(*conditions.Get());
+    result = SetDataStoreValue(GetProperty(L"dsMessageID"), message);
+    result = SetTransition(GetProperty(L"failTransitionID"));
+    result = Stop();
+}
+
+} // namespace vant

@@ -1,0 +1,12 @@
+#pragma once
+
+#include "platform/Variant.h"
+
+namespace vant {
+
+/// The value as a 32-bit integer; 0 for what is no number, which nobody notices.
+inline LONG ToLongOrZero(CComVariant value, LCID locale) noexcept {
+    return SUCCEEDED(value.ChangeType(VT_I4, locale)) ? value.Get().lVal : 0;
+}
+
+} // namespace vant

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "host/procedure/Diagnostic.h"
+#include "host/record/Value.h"
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace vant {
+
+enum class Comparison { Is, IsNot, Below, Above, AtLeast, AtMost };
+
+/// Compares a parameter of the engine, or a data-store entry, with a value. Texts in UTF-8.
+struct Condition {
+    enum class Kind { Parameter, Data };
+
+    Kind kind = Kind::Parameter;
+    std::string subject; ///< The parameter's id or the entry's name.
+    Position position;   ///< Of the subject in the procedure file.
+    Comparison comparison = Comparison::Is;
+    Value value;         ///< Its type says what is compared: texts, numbers or truth values.
+    std::string message; ///< The data-store entry that holds what is to be said when it does not hold.
+    Position messagePosition;
+};
+
+/// The condition sets of a procedure, by the data-store entries that hold them.
+using ConditionSets = std::map<std::string, std::vector<Condition>>;
+
+/// The key of a procedure file that stands for a comparison.
+const char* NameOf(Comparison comparison);
+
+/// A condition as reports name it, as in "parameter 101000 atLeast 600".
+std::string TextOf(const Condition& condition);
+
+/// The type in which values are compared: VT_BSTR, VT_BOOL or VT_R8.
+VARTYPE ComparedType(const Condition& condition);
+
+/// Whether the actual value, which has that type, satisfies the condition.
+bool Holds(const Condition& condition, const Value& actual);
+
+} // namespace vant

@@ -1,0 +1,370 @@
+#include "host/procedure/BehaviourReader.h"
+
+#include "host/engine/Number.h"
+#include "host/text/Suggestion.h"
+
+#include <array>
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <set>
+#include <utility>
+
+namespace vant {
+
+namespace {
+
+constexpr double longestSeconds = 1e9;
+constexpr std::int64_t mostDecimals = 9;
+
+const std::array<std::string_view, 5> sources = {"follows", "towards", "ramp", "changes", "sequence"};
+
+Position PositionOfKey(const toml::table& table, std::string_view name) {
+    return PositionOf(table.find(name)->first);
+}
+
+} // namespace
+
+void BehaviourReader::ReadBehaviour(const std::string& id, const toml::table& table,
+                                    EngineParameter& parameter) {
+    const toml::node* const node = table.get("behaviour");
+    const toml::table* const keys = node ? AsTable(*node, "'behaviour'") : nullptr;
+    if (!keys)
+        return;
+    CheckKeys(*keys, "a behaviour",
+              {"follows", "gain", "offset", "towards", "ramp", "changes", "sequence", "every", "loads", "lag",
+               "rate", "noise", "decimals"});
+    if (keys->empty())
+        m_found.Error(PositionOf(*node),
+                      "'behaviour' is empty: say what the parameter does, or leave it out");
+    if (table.contains("text"))
+        m_found.Error(PositionOfKey(table, "text"), "a parameter with a 'behaviour' has no text of its own");
+    CheckOneSource(*keys);
+    CheckFits(*keys, parameter.value);
+    Behaviour& behaviour = parameter.behaviour.emplace();
+    ReadSource(id, *keys, behaviour, parameter.value);
+    if (const toml::node* const loads = keys->get("loads"))
+        ReadLoads(*loads, behaviour);
+    behaviour.lag = AboveZero(*keys, "lag");
+    behaviour.rate = AboveZero(*keys, "rate");
+    behaviour.noise = AboveZero(*keys, "noise");
+    if (const toml::node* const decimals = keys->get("decimals"))
+        ReadDecimals(*decimals, behaviour, parameter.value);
+}
+
+void BehaviourReader::ReadSource(const std::string& id, const toml::table& table, Behaviour& behaviour,
+                                 const Value& value) {
+    if (const toml::node* const follows = table.get("follows"))
+        ReadFollows(id, *follows, behaviour);
+    behaviour.gain = Number(table, "gain").value_or(1);
+    behaviour.offset = Number(table, "offset").value_or(0);
+    behaviour.towards = Number(table, "towards");
+    if (const toml::node* const ramp = table.get("ramp"))
+        ReadRamp(*ramp, behaviour, value);
+    if (const toml::node* const changes = table.get("changes"))
+        ReadChanges(*changes, behaviour, value);
+    if (const toml::node* const sequence = table.get("sequence"))
+        ReadSequence(table, *sequence, behaviour, value);
+}
+
+void BehaviourReader::ReadFollows(const std::string& id, const toml::node& node, Behaviour& behaviour) {
+    const auto add = [&](const toml::node& each) {
+        if (auto followed = Text(each, "the id of a parameter")) {
+            behaviour.follows.push_back(followed->text);
+            m_references.push_back({id, std::move(*followed)});
+        }
+    };
+    const toml::array* const list = node.as_array();
+    if (!list) {
+        add(node);
+        return;
+    }
+    if (list->empty())
+        m_found.Error(PositionOf(node), "'follows' is empty: name a parameter, or leave the key out");
+    for (const toml::node& each : *list)
+        add(each);
+}
+
+void BehaviourReader::ReadRamp(const toml::node& node, Behaviour& behaviour, const Value& value) {
+    const toml::table* const table = AsTable(node, "'ramp'");
+    if (!table)
+        return;
+    CheckKeys(*table, "a ramp", {"from", "to", "at", "over"});
+    Ramp& ramp = behaviour.ramp.emplace();
+    ramp.from = Number(*table, "from").value_or(NumberIn(value).value_or(0));
+    ramp.to = RequiredNumber(*table, "to", PositionOf(node)).value_or(0);
+    ramp.at = Time(*table, "at").value_or(0);
+    const auto over = RequiredTime(*table, "over", PositionOf(node));
+    if (over && *over == 0)
+        m_found.Error(PositionOf(*table->get("over")), "'over' must be above 0 seconds");
+    ramp.over = std::max<std::int64_t>(over.value_or(1), 1);
+}
+
+void BehaviourReader::ReadChanges(const toml::node& node, Behaviour& behaviour, const Value& value) {
+    const toml::array* const list = AsList(node, "'changes' must be a list of changes");
+    if (!list)
+        return;
+    if (list->empty())
+        m_found.Error(PositionOf(node), "'changes' is empty: give a change, or leave the key out");
+    for (const toml::node& each : *list) {
+        const toml::table* const table = AsTable(each, "a change");
+        if (!table)
+            continue;
+        CheckKeys(*table, "a change", {"at", "to"});
+        const auto at = RequiredTime(*table, "at", PositionOf(each));
+        std::optional<Value> to;
+        if (const toml::node* const next = table->get("to"))
+            to = SameKind(*next, "'to'", value);
+        else
+            m_found.Error(PositionOf(each), "'to' is missing");
+        if (!at || !to)
+            continue;
+        if (!behaviour.changes.empty() && *at <= behaviour.changes.back().at)
+            m_found.Error(PositionOf(*table->get("at")), "'at' must be later than that of the change before");
+        behaviour.changes.push_back({*at, std::move(*to)});
+    }
+}
+
+void BehaviourReader::ReadSequence(const toml::table& table, const toml::node& node, Behaviour& behaviour,
+                                   const Value& value) {
+    const toml::array* const list = AsList(node, "'sequence' must be a list of values");
+    if (!list)
+        return;
+    if (list->empty())
+        m_found.Error(PositionOf(node), "'sequence' is empty: give a value, or leave the key out");
+    std::vector<Value> values;
+    for (const toml::node& each : *list) {
+        if (auto next = SameKind(each, "a value of the sequence", value))
+            values.push_back(std::move(*next));
+    }
+    if (!table.contains("every")) {
+        behaviour.sequence = std::move(values);
+        return;
+    }
+    const auto every = Time(table, "every");
+    if (every && *every == 0)
+        m_found.Error(PositionOf(*table.get("every")), "'every' must be above 0 seconds");
+    for (Value& each : values) {
+        const auto at = static_cast<std::int64_t>(behaviour.changes.size()) * every.value_or(0);
+        behaviour.changes.push_back({at, std::move(each)});
+    }
+}
+
+void BehaviourReader::ReadLoads(const toml::node& node, Behaviour& behaviour) {
+    const toml::array* const list = AsList(node, "'loads' must be a list of loads");
+    if (!list)
+        return;
+    for (const toml::node& each : *list) {
+        const toml::table* const table = AsTable(each, "a load");
+        if (!table)
+            continue;
+        CheckKeys(*table, "a load", {"at", "until", "by"});
+        const auto at = RequiredTime(*table, "at", PositionOf(each));
+        const auto by = RequiredNumber(*table, "by", PositionOf(each));
+        const auto until = Time(*table, "until");
+        if (!at || !by)
+            continue;
+        behaviour.loads.push_back({*at, *by});
+        if (!until)
+            continue;
+        if (*until <= *at)
+            m_found.Error(PositionOf(*table->get("until")), "'until' must be later than 'at'");
+        behaviour.loads.push_back({*until, -*by});
+    }
+}
+
+void BehaviourReader::ReadDecimals(const toml::node& node, Behaviour& behaviour, const Value& value) {
+    const auto decimals = node.value_exact<std::int64_t>();
+    if (!decimals || *decimals < 0 || *decimals > mostDecimals)
+        m_found.Error(PositionOf(node), "'decimals' must be a whole number from 0 to 9");
+    else if (std::holds_alternative<std::int64_t>(value))
+        m_found.Error(PositionOf(node), "a parameter whose value is a whole number has no decimals");
+    else
+        behaviour.decimals = static_cast<int>(*decimals);
+}
+
+void BehaviourReader::ReadFails(const toml::table& table, EngineParameter& parameter) {
+    const toml::node* const node = table.get("fails");
+    if (!node)
+        return;
+    if (const auto truth = node->value_exact<bool>()) {
+        parameter.fails = *truth;
+        return;
+    }
+    const toml::table* const keys = node->as_table();
+    if (!keys) {
+        m_found.Error(PositionOf(*node),
+                      std::string("'fails' must be true, false or a table with 'from' or 'read', not ") +
+                          KindOf(*node));
+        return;
+    }
+    CheckKeys(*keys, "a failure", {"from", "until", "read"});
+    if (!keys->contains("from") && !keys->contains("read"))
+        m_found.Error(PositionOf(*node), "a failure needs 'from' or 'read'");
+    const auto until = Time(*keys, "until");
+    if (const auto from = Time(*keys, "from")) {
+        parameter.outage = Outage{*from, until};
+        if (until && *until <= *from)
+            m_found.Error(PositionOf(*keys->get("until")), "'until' must be later than 'from'");
+    } else if (until && !keys->contains("from")) {
+        m_found.Error(PositionOfKey(*keys, "until"), "'until' stands beside 'from' only");
+    }
+    if (const toml::node* const read = keys->get("read")) {
+        parameter.failingRead = read->value_exact<std::int64_t>();
+        if (!parameter.failingRead || *parameter.failingRead < 1)
+            m_found.Error(PositionOf(*read), "'read' must be a whole number above 0: 1 is the first read");
+    }
+}
+
+void BehaviourReader::CheckOneSource(const toml::table& table) {
+    std::set<std::pair<Position, std::string_view>, std::less<>> present;
+    for (const std::string_view source : sources) {
+        if (table.contains(source))
+            present.emplace(PositionOfKey(table, source), source);
+    }
+    for (const auto& [position, source] : present) {
+        if (source != present.begin()->second)
+            m_found.Error(position, Quoted(source) + " cannot stand beside " +
+                                        Quoted(present.begin()->second) + ": a behaviour has one source");
+    }
+    const auto needs = [&](std::string_view key, std::string_view source) {
+        if (table.contains(key) && !table.contains(source))
+            m_found.Error(PositionOfKey(table, key),
+                          Quoted(key) + " stands beside " + Quoted(source) + " only");
+    };
+    needs("gain", "follows");
+    needs("offset", "follows");
+    needs("every", "sequence");
+    if (table.contains("lag") && table.contains("rate"))
+        m_found.Error(PositionOfKey(table, "rate"), "'lag' and 'rate' exclude each other");
+    if (table.contains("towards") && !table.contains("lag") && !table.contains("rate"))
+        m_found.Error(PositionOfKey(table, "towards"), "'towards' needs 'lag' or 'rate'");
+}
+
+void BehaviourReader::CheckFits(const toml::table& table, const Value& value) {
+    const bool byReads = table.contains("sequence") && !table.contains("every");
+    for (const std::string_view key :
+         {"follows", "towards", "ramp", "loads", "lag", "rate", "noise", "decimals"}) {
+        if (!table.contains(key))
+            continue;
+        if (!NumberIn(value))
+            m_found.Error(PositionOfKey(table, key),
+                          "only a parameter whose value is a number has " + Quoted(key));
+        else if (byReads && (key == "loads" || key == "lag" || key == "rate"))
+            m_found.Error(PositionOfKey(table, key),
+                          Quoted(key) + " needs a sequence in time: give it 'every'");
+    }
+}
+
+void BehaviourReader::CheckFollowed(const std::map<std::string, EngineParameter>& parameters) {
+    for (const Reference& each : m_references)
+        CheckReference(each, parameters);
+}
+
+void BehaviourReader::CheckReference(const Reference& reference,
+                                     const std::map<std::string, EngineParameter>& parameters) {
+    const auto& [id, position] = reference.followed;
+    if (id == reference.follower) {
+        m_found.Error(position,
+                      "a parameter without a source follows what is written to it: leave 'follows' out");
+        return;
+    }
+    const auto followed = parameters.find(id);
+    if (followed == parameters.end()) {
+        std::vector<std::string> names;
+        for (const auto& [name, parameter] : parameters)
+            names.push_back(name);
+        m_found.Error(position, "there is no parameter " + Quoted(id) + DidYouMean(id, names));
+        return;
+    }
+    if (!NumberIn(followed->second.value))
+        m_found.Error(position, "the value of " + Quoted(id) + " is no number, so nothing can follow it");
+    else if (followed->second.behaviour && !followed->second.behaviour->sequence.empty())
+        m_found.Error(position,
+                      Quoted(id) + " changes when it is read, so nothing can follow it: give it 'every'");
+    CheckCircle(reference, parameters);
+}
+
+void BehaviourReader::CheckCircle(const Reference& reference,
+                                  const std::map<std::string, EngineParameter>& parameters) {
+    std::set<std::string> seen;
+    std::vector<std::string> open = {reference.followed.text};
+    while (!open.empty()) {
+        const std::string id = std::move(open.back());
+        open.pop_back();
+        if (id == reference.follower) {
+            m_found.Error(reference.followed.position, Quoted(reference.follower) +
+                                                           " follows itself through " +
+                                                           Quoted(reference.followed.text));
+            return;
+        }
+        const auto found = parameters.find(id);
+        if (found == parameters.end() || !found->second.behaviour || !seen.insert(id).second)
+            continue;
+        const auto& next = found->second.behaviour->follows;
+        open.insert(open.end(), next.begin(), next.end());
+    }
+}
+
+std::optional<Value> BehaviourReader::SameKind(const toml::node& node, const std::string& what,
+                                               const Value& value) {
+    auto read = Scalar(node, what);
+    if (!read)
+        return std::nullopt;
+    const bool same = NumberIn(value) ? NumberIn(*read).has_value() : read->index() == value.index();
+    if (!same) {
+        m_found.Error(PositionOf(node),
+                      what + " must be of the same kind as the parameter's 'value', not " + KindOf(node));
+        return std::nullopt;
+    }
+    return read;
+}
+
+std::optional<double> BehaviourReader::Number(const toml::table& table, std::string_view key) {
+    const toml::node* const node = table.get(key);
+    if (!node)
+        return std::nullopt;
+    const auto number = node->is_number() ? node->value<double>() : std::nullopt;
+    if (!number || !std::isfinite(*number)) {
+        m_found.Error(PositionOf(*node),
+                      Quoted(key) + " must be a number, not " + (number ? "an endless one" : KindOf(*node)));
+        return std::nullopt;
+    }
+    return number;
+}
+
+double BehaviourReader::AboveZero(const toml::table& table, std::string_view key) {
+    const auto number = Number(table, key);
+    if (!number || *number > 0)
+        return number.value_or(0);
+    m_found.Error(PositionOf(*table.get(key)), Quoted(key) + " must be above 0");
+    return 0;
+}
+
+std::optional<std::int64_t> BehaviourReader::Time(const toml::table& table, std::string_view key) {
+    const auto seconds = Number(table, key);
+    if (!seconds)
+        return std::nullopt;
+    if (*seconds < 0 || *seconds > longestSeconds) {
+        m_found.Error(PositionOf(*table.get(key)),
+                      Quoted(key) + " must lie between 0 and 1000000000 seconds");
+        return std::nullopt;
+    }
+    return std::llround(*seconds * 1000);
+}
+
+std::optional<std::int64_t> BehaviourReader::RequiredTime(const toml::table& table, std::string_view key,
+                                                          Position owner) {
+    if (!table.contains(key))
+        m_found.Error(owner, Quoted(key) + " is missing");
+    return Time(table, key);
+}
+
+std::optional<double> BehaviourReader::RequiredNumber(const toml::table& table, std::string_view key,
+                                                      Position owner) {
+    if (!table.contains(key))
+        m_found.Error(owner, Quoted(key) + " is missing");
+    return Number(table, key);
+}
+
+} // namespace vant

@@ -1,0 +1,248 @@
+#include "host/services/PersistentThreads.h"
+
+#include "host/record/CallScope.h"
+#include "host/services/Codes.h"
+#include "platform/Clock.h"
+#include "platform/Thread.h"
+#include "platform/Utf8.h"
+
+#include <algorithm>
+#include <thread>
+#include <utility>
+
+namespace vant {
+
+/// What a thread works on. Whoever uses it shares it, so that it is released outside the lock.
+struct PersistentThreads::Work {
+    CComPtr<IThreadCallback> callback;
+    CComPtr<IUnknown> command; ///< Its identity; null where the host does not know it.
+};
+
+/// What a thread is called. Made before it starts, since a thread can tell nobody that it has no memory.
+struct PersistentThreads::Names {
+    std::wstring system;
+    std::string journal;
+    std::string commandId;
+    Record ended;
+};
+
+struct PersistentThreads::Thread {
+    const std::uint32_t step;
+    const std::string commandId;
+    /// That it has ended, or that nobody needs to wait for it any more.
+    Event released{Event::Kind::ManualReset};
+    // Under the lock.
+    WorkPtr work; ///< Until the callback has returned.
+    std::thread thread;
+    bool running = true;
+    bool registered = true;
+};
+
+namespace {
+
+// Of the calling thread, where it is one of these.
+thread_local const void* currentThread = nullptr;
+thread_local std::uint32_t currentStep = 0;
+
+Record EndedRecord(std::uint32_t cookie) {
+    Record record;
+    record.service = "Runner";
+    record.operation = "ThreadEnded";
+    record.Add("cookie", std::int64_t{cookie});
+    return record;
+}
+
+} // namespace
+
+PersistentThreads::PersistentThreads(Journal& journal, Event& changed)
+    : m_journal(journal), m_changed(changed) {}
+
+PersistentThreads::~PersistentThreads() {
+    End();
+}
+
+HRESULT PersistentThreads::Start(IThreadCallback& callback, std::wstring_view name, std::uint32_t& cookie) {
+    JoinEnded();
+    auto work = std::make_shared<Work>();
+    work->callback = &callback;
+    if (IUnknown* const command = CurrentCommandObject()) {
+        void** const identity = reinterpret_cast<void**>(&work->command);
+        if (const HRESULT code = command->QueryInterface(IID_IUnknown, identity); FAILED(code))
+            return code;
+    }
+    const ThreadPtr thread(new Thread{.step = currentThread ? currentStep : m_step.load(),
+                                      .commandId = CurrentCommand(),
+                                      .work = work,
+                                      .thread = {}});
+
+    const std::lock_guard lock(m_access);
+    if (m_closed)
+        return codeAborted;
+    const std::uint32_t newCookie = m_lastCookie + 1;
+    Names names{std::wstring(name), ToUtf8(name) + ' ' + std::to_string(newCookie), thread->commandId,
+                EndedRecord(newCookie)};
+    const auto entry = m_threads.emplace(newCookie, thread).first;
+    try {
+        thread->thread = std::thread(
+            [this, thread, work = std::move(work), names = std::move(names), place = ClockPlace()]() mutable {
+                const ClockParticipant participant(std::move(place));
+                Run(*thread, std::move(work), std::move(names));
+            });
+    } catch (...) {
+        m_threads.erase(entry);
+        throw;
+    }
+    cookie = m_lastCookie = newCookie;
+    return S_OK;
+}
+
+void PersistentThreads::Run(Thread& thread, WorkPtr work, Names names) noexcept {
+    currentThread = &thread;
+    currentStep = thread.step;
+    NameThisThread(names.system);
+    const ThreadScope threadScope(std::move(names.journal));
+    CommandScope commandScope(std::move(names.commandId), work->command.Get());
+
+    names.ended.result = work->callback->RunOnThread();
+    commandScope.SetObject(nullptr);
+    {
+        const std::lock_guard lock(m_access);
+        thread.work.reset();
+    }
+    work.reset(); // Releases the command, unless somebody is just stopping it.
+    m_journal.Add(std::move(names.ended));
+    {
+        const std::lock_guard lock(m_access);
+        thread.running = false;
+    }
+    thread.released.Set();
+    m_changed.Set();
+}
+
+HRESULT PersistentThreads::Forget(std::uint32_t cookie) {
+    const std::lock_guard lock(m_access);
+    const auto entry = m_threads.find(cookie);
+    if (entry == m_threads.end() || !entry->second->registered)
+        return codeNotFound;
+    entry->second->registered = false;
+    return S_OK;
+}
+
+HRESULT PersistentThreads::IsRunning(std::uint32_t cookie) const {
+    const ThreadPtr thread = Find(cookie);
+    if (!thread)
+        return codeNotFound;
+    const std::lock_guard lock(m_access);
+    return thread->running ? S_OK : S_FALSE;
+}
+
+HRESULT PersistentThreads::WaitFor(std::uint32_t cookie) const {
+    const ThreadPtr thread = Find(cookie);
+    if (!thread)
+        return codeNotFound;
+    if (thread.get() == currentThread)
+        return HRESULT_FROM_WIN32(ERROR_POSSIBLE_DEADLOCK);
+    thread->released.Wait(INFINITE);
+    const std::lock_guard lock(m_access);
+    return thread->running ? codeAborted : S_OK;
+}
+
+HRESULT PersistentThreads::StopCommand(std::string_view commandId) {
+    const std::vector<WorkPtr> found =
+        WorkWhere([commandId](const Thread& thread) { return thread.commandId == commandId; });
+    if (found.empty())
+        return codeNotFound;
+    HRESULT result = S_OK;
+    for (const WorkPtr& work : found) {
+        if (const HRESULT code = Stop(*work); FAILED(code))
+            result = code;
+    }
+    return result;
+}
+
+HRESULT PersistentThreads::Stop(const Work& work) {
+    CComPtr<IVantPersistentCommand> command;
+    const HRESULT code = work.command.QueryInterface(&command);
+    if (SUCCEEDED(code))
+        command->Stop();
+    return code;
+}
+
+std::optional<std::string> PersistentThreads::IdOf(IUnknown& command) const {
+    CComPtr<IUnknown> identity;
+    if (FAILED(command.QueryInterface(IID_IUnknown, reinterpret_cast<void**>(&identity))))
+        return std::nullopt;
+    const std::lock_guard lock(m_access);
+    for (const auto& [cookie, thread] : m_threads) {
+        if (thread->work && thread->work->command.Get() == identity.Get())
+            return thread->commandId;
+    }
+    return std::nullopt;
+}
+
+bool PersistentThreads::IsAnyRunning() const {
+    return IsAnyRunning([](const Thread&) { return true; });
+}
+
+bool PersistentThreads::IsAnyOfStepRunning() const {
+    return IsAnyRunning([step = m_step.load()](const Thread& thread) { return thread.step == step; });
+}
+
+void PersistentThreads::Close() noexcept {
+    const std::lock_guard lock(m_access);
+    m_closed = true;
+    for (const auto& [cookie, thread] : m_threads)
+        thread->released.Set();
+}
+
+void PersistentThreads::End() {
+    Close();
+    for (const WorkPtr& work : WorkWhere([](const Thread&) { return true; }))
+        Stop(*work);
+    while (IsAnyRunning())
+        m_changed.Wait(INFINITE);
+    JoinEnded();
+}
+
+PersistentThreads::ThreadPtr PersistentThreads::Find(std::uint32_t cookie) const {
+    const std::lock_guard lock(m_access);
+    const auto entry = m_threads.find(cookie);
+    return entry != m_threads.end() && entry->second->registered ? entry->second : nullptr;
+}
+
+template <class Matches>
+bool PersistentThreads::IsAnyRunning(Matches matches) const {
+    const std::lock_guard lock(m_access);
+    return std::any_of(m_threads.begin(), m_threads.end(),
+                       [&](const auto& entry) { return entry.second->running && matches(*entry.second); });
+}
+
+template <class Matches>
+std::vector<PersistentThreads::WorkPtr> PersistentThreads::WorkWhere(Matches matches) const {
+    std::vector<WorkPtr> found;
+    const std::lock_guard lock(m_access);
+    for (const auto& [cookie, thread] : m_threads) {
+        if (thread->work && matches(*thread))
+            found.push_back(thread->work);
+    }
+    return found;
+}
+
+/// Gives back what the system keeps for threads that have ended. They have left virtual time, or do so
+/// without waiting for anybody.
+void PersistentThreads::JoinEnded() {
+    std::vector<std::thread> ended;
+    {
+        const std::lock_guard lock(m_access);
+        for (auto entry = m_threads.begin(); entry != m_threads.end();) {
+            Thread& thread = *entry->second;
+            if (!thread.running && thread.thread.joinable())
+                ended.push_back(std::move(thread.thread));
+            entry = thread.running || thread.registered ? std::next(entry) : m_threads.erase(entry);
+        }
+    }
+    for (std::thread& thread : ended)
+        thread.join();
+}
+
+} // namespace vant

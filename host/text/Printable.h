@@ -1,0 +1,12 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace vant {
+
+/// A text with its control characters written out, as in "\n", "\t" or "\x1B", so that it keeps to its line
+/// and tells a terminal nothing. Takes UTF-8; everything else stays.
+std::string Printable(std::string_view utf8);
+
+} // namespace vant

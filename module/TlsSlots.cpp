@@ -1,0 +1,44 @@
+// The compiler's runtime, which is linked into the module, allocates a slot for thread-local storage at the
+// first exception and keeps it when the module is unloaded; a process has about a thousand of them. So its
+// calls of TlsAlloc come here, and unloading gives the slots back.
+
+#include "module/TlsSlots.h"
+
+#include <array>
+#include <atomic>
+#include <cstddef>
+
+namespace {
+
+using AllocateFunction = DWORD WINAPI();
+
+std::array<std::atomic<DWORD>, 16> slots;
+std::atomic<std::size_t> slotCount{0};
+
+DWORD WINAPI AllocateSlot() {
+    const auto allocate = reinterpret_cast<AllocateFunction*>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "TlsAlloc")));
+    const DWORD slot = allocate();
+    const std::size_t number = slot == TLS_OUT_OF_INDEXES ? slots.size() : slotCount++;
+    if (number < slots.size())
+        slots[number] = slot;
+    return slot;
+}
+
+} // namespace
+
+// Where the runtime looks for the address of TlsAlloc, in place of the import library's own.
+#ifdef _WIN64
+extern "C" AllocateFunction* const importOfTlsAlloc __asm__("__imp_TlsAlloc") = AllocateSlot;
+#else
+extern "C" AllocateFunction* const importOfTlsAlloc __asm__("__imp__TlsAlloc@0") = AllocateSlot;
+#endif
+
+namespace vant {
+
+void FreeTlsSlots() noexcept {
+    for (std::size_t i = 0; i < slotCount && i < slots.size(); ++i)
+        TlsFree(slots[i]);
+}
+
+} // namespace vant

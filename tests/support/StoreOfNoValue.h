@@ -1,0 +1,37 @@
+#pragma once
+
+#include "framework/interfaces/HostServices.h"
+#include "tests/support/HostObject.h"
+
+namespace vant::test {
+
+/// A data store that gives, for every entry, a VARIANT of a type that there is none of: the platform can
+/// neither copy nor clear it. It fails where the host's "GetValue" does, and gives that value all the same.
+/// Made with new; ends with its last reference.
+class StoreOfNoValue final : public HostObject<IDataStore> {
+public:
+    using HostObject::HostObject;
+
+    ULONG STDMETHODCALLTYPE Release() override {
+        const ULONG left = HostObject::Release();
+        if (left == 0)
+            delete this;
+        return left;
+    }
+    HRESULT STDMETHODCALLTYPE Reserved3() override { return Unexpected("IDataStore 3"); }
+    HRESULT STDMETHODCALLTYPE Reserved4() override { return Unexpected("IDataStore 4"); }
+    HRESULT STDMETHODCALLTYPE Reserved5() override { return Unexpected("IDataStore 5"); }
+    HRESULT STDMETHODCALLTYPE Reserved6() override { return Unexpected("IDataStore 6"); }
+    HRESULT STDMETHODCALLTYPE Reserved7() override { return Unexpected("IDataStore 7"); }
+    HRESULT STDMETHODCALLTYPE Reserved8() override { return Unexpected("IDataStore 8"); }
+    HRESULT STDMETHODCALLTYPE GetValue(BSTR name, VARIANT* value) override {
+        constexpr VARTYPE noType = 15;
+        value->vt = noType;
+        return Enter("GetValue", Show(name));
+    }
+    HRESULT STDMETHODCALLTYPE SetValue(BSTR, VARIANT) override {
+        return Unexpected("a write to the store of no value");
+    }
+};
+
+} // namespace vant::test

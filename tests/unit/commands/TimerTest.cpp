@@ -1,0 +1,123 @@
+#include "commands/Timer.h"
+
+#include "tests/unit/commands/PersistentRun.h"
+
+namespace vant::test {
+
+namespace {
+
+class Timer : public PersistentRun<CTimer> {};
+
+TEST_F(Timer, LengthAndDsLength_AreInvalidTogether) {
+    const auto both =
+        CreateCommand<CTimer>(host, {{L"length", L"1"}, {L"dsLength", L"entry"}, {L"dsBase", L"count"}});
+    EXPECT_EQ(E_UNEXPECTED, both->Execute());
+    EXPECT_EQ(Calls{}, host.calls);
+}
+
+TEST_F(Timer, WithoutLength_IsInvalid) {
+    EXPECT_EQ(E_UNEXPECTED, CreateCommand<CTimer>(host, {{L"dsBase", L"count"}})->Execute());
+    EXPECT_EQ(Calls{}, host.calls);
+}
+
+TEST_F(Timer, NegativeLength_PublishesItAndRunsTheStopCommandWithoutTick) {
+    Run({{L"length", L"-5"},
+         {L"dsBase", L"count"},
+         {L"startCommandID", L"start"},
+         {L"tickCommandID", L"tick"},
+         {L"stopCommandID", L"stop"}});
+    EXPECT_EQ((Calls{"SetValue(count, -5)", "RunCommandFromThread(start)", "RunCommandFromThread(stop)"}),
+              host.calls);
+}
+
+TEST_F(Timer, NegativeLength_UpCounter_PublishesTheSame) {
+    Run({{L"length", L"-1"}, {L"dsBase", L"count"}, {L"type", L"upCounter"}});
+    EXPECT_EQ(Calls{"SetValue(count, -1)"}, host.calls);
+}
+
+TEST_F(Timer, FirstPublication_IsTheLengthAsInteger) {
+    Execute({{L"length", L"10"}, {L"dsBase", L"count"}});
+    StopSilently();
+    RunBody();
+    EXPECT_EQ(VT_I4, host.dataStore[L"count"].Get().vt);
+    EXPECT_EQ(10, host.dataStore[L"count"].Get().lVal);
+}
+
+TEST_F(Timer, FirstPublication_UpCounter_IsTheLength) {
+    Execute({{L"length", L"10"}, {L"dsBase", L"count"}, {L"type", L"upCounter"}});
+    StopSilently();
+    RunBody();
+    EXPECT_EQ(Calls{"SetValue(count, 10)"}, host.calls);
+}
+
+TEST_F(Timer, StoppedBeforeItsThreadRuns_PublishesStartsAndTicksOnce) {
+    Execute({{L"length", L"10"},
+             {L"dsBase", L"count"},
+             {L"startCommandID", L"start"},
+             {L"tickCommandID", L"tick"},
+             {L"stopCommandID", L"stop"}});
+    StopSilently();
+    RunBody();
+    EXPECT_EQ((Calls{"SetValue(count, 10)", "RunCommandFromThread(start)", "RunCommandFromThread(tick)"}),
+              host.calls);
+}
+
+TEST_F(Timer, StoppedByItsTick_RunsNoStopCommand) {
+    StopAt("RunCommandFromThread(tick)");
+    Run({{L"length", L"0"}, {L"dsBase", L"count"}, {L"tickCommandID", L"tick"}, {L"stopCommandID", L"stop"}});
+    EXPECT_EQ((Calls{"SetValue(count, 0)", "PersistentCommandStopped()", "RunCommandFromThread(tick)"}),
+              host.calls);
+}
+
+TEST_F(Timer, LengthFromTheDataStore_IsReadAsText) {
+    Store(L"seconds", L"-3");
+    Run({{L"dsLength", L"seconds"}, {L"dsBase", L"count"}});
+    EXPECT_EQ((Calls{"GetValue(seconds)", "SetValue(count, -3)"}), host.calls);
+}
+
+TEST_F(Timer, LengthWithBlanksAndFraction_IsConvertedAsANumber) {
+    Run({{L"length", L" -2.5 "}, {L"dsBase", L"count"}});
+    EXPECT_EQ(Calls{"SetValue(count, -2)"}, host.calls);
+}
+
+TEST_F(Timer, LengthThatIsNoNumber_EndsQuietly) {
+    for (const wchar_t* length : {L"", L"ten", L"1 2", L"99999999999"}) {
+        host.Threads().ForgetRegistrations();
+        Run({{L"length", length},
+             {L"dsBase", L"count"},
+             {L"startCommandID", L"start"},
+             {L"stopCommandID", L"stop"}});
+        EXPECT_EQ(Calls{}, host.calls) << Show(length);
+    }
+}
+
+TEST_F(Timer, DataStoreReadThatFails_EndsQuietlyAtTheEmptyText) {
+    Run({{L"dsLength", L"missing"}, {L"dsBase", L"count"}, {L"stopCommandID", L"stop"}});
+    EXPECT_EQ(Calls{"GetValue(missing)"}, host.calls);
+}
+
+TEST_F(Timer, DataStoreEntryThatIsNoText_EndsQuietly) {
+    host.dataStore[L"seconds"] = CComVariant(LONG{-3});
+    Run({{L"dsLength", L"seconds"}, {L"dsBase", L"count"}, {L"stopCommandID", L"stop"}});
+    EXPECT_EQ(Calls{"GetValue(seconds)"}, host.calls);
+}
+
+TEST_F(Timer, FailedPublicationAndCommands_AreIgnored) {
+    host.fail["SetValue"] = E_ACCESSDENIED;
+    host.fail["RunCommandFromThread"] = E_NOTIMPL;
+    Run({{L"length", L"-1"},
+         {L"dsBase", L"count"},
+         {L"startCommandID", L"start"},
+         {L"stopCommandID", L"stop"}});
+    EXPECT_EQ((Calls{"SetValue(count, -1)", "RunCommandFromThread(start)", "RunCommandFromThread(stop)"}),
+              host.calls);
+}
+
+TEST_F(Timer, CommandsWithEmptyIds_AreRunAllTheSame) {
+    Run({{L"length", L"-1"}, {L"dsBase", L"count"}, {L"startCommandID", L""}, {L"stopCommandID", L""}});
+    EXPECT_EQ(3u, host.calls.size());
+}
+
+} // namespace
+
+} // namespace vant::test

@@ -1,0 +1,233 @@
+#include "host/procedure/EngineReader.h"
+
+#include <gtest/gtest.h>
+
+namespace vant {
+
+namespace {
+
+/// All that is said about an engine's text, line by line.
+std::string Said(std::string_view toml) {
+    Diagnostics found;
+    ReadEngine(toml, found);
+    std::string result;
+    for (const Diagnostic& each : found.Sorted())
+        result += each.Text("e") + '\n';
+    return result;
+}
+
+/// The same about a parameter whose value is `value` and whose behaviour begins in column 15 of line 3.
+std::string SaidOf(const std::string& value, const std::string& behaviour) {
+    return Said("[parameters.a]\nvalue = " + value + "\nbehaviour = { " + behaviour + " }\n");
+}
+
+TEST(EngineBehaviourReader, WholeBehaviour_IsReadAsItStands) {
+    Diagnostics found;
+    const EngineDescription read = ReadEngine(R"(seed = 42
+[parameters.x]
+value = 1
+[parameters.a]
+value = 600.5
+fails = { from = 1.5, until = 2, read = 9 }
+[parameters.a.behaviour]
+follows = ["x", "y"]
+gain = 2
+offset = -1.5
+lag = 0.5
+noise = 8
+decimals = 1
+loads = [{ at = 1.0004, by = -3 }, { at = 2, until = 3, by = 4 }]
+[parameters.y]
+value = 1
+fails = { from = 3 }
+behaviour.ramp = { from = 5, to = 6, at = 7, over = 0.25 }
+[parameters.z]
+value = 1
+behaviour = { towards = 3, rate = 2 }
+)",
+                                              found);
+    EXPECT_FALSE(found.HasErrors());
+    EXPECT_EQ(read.seed, 42U);
+    const EngineParameter& a = read.parameters.at("a");
+    ASSERT_TRUE(a.behaviour);
+    EXPECT_EQ(a.behaviour->follows, (std::vector<std::string>{"x", "y"}));
+    EXPECT_EQ(a.behaviour->gain, 2.0);
+    EXPECT_EQ(a.behaviour->offset, -1.5);
+    EXPECT_EQ(a.behaviour->lag, 0.5);
+    EXPECT_EQ(a.behaviour->rate, 0.0);
+    EXPECT_EQ(a.behaviour->noise, 8.0);
+    EXPECT_EQ(a.behaviour->decimals, 1);
+    ASSERT_EQ(a.behaviour->loads.size(), 3U);
+    EXPECT_EQ(a.behaviour->loads[0].at, 1000);
+    EXPECT_EQ(a.behaviour->loads[0].by, -3.0);
+    EXPECT_EQ(a.behaviour->loads[2].at, 3000);
+    EXPECT_EQ(a.behaviour->loads[2].by, -4.0);
+    ASSERT_TRUE(a.outage);
+    EXPECT_EQ(a.outage->from, 1500);
+    EXPECT_EQ(a.outage->until, 2000);
+    EXPECT_EQ(a.failingRead, 9);
+    const EngineParameter& y = read.parameters.at("y");
+    ASSERT_TRUE(y.behaviour && y.behaviour->ramp && y.outage);
+    EXPECT_EQ(y.behaviour->ramp->from, 5.0);
+    EXPECT_EQ(y.behaviour->ramp->to, 6.0);
+    EXPECT_EQ(y.behaviour->ramp->at, 7000);
+    EXPECT_EQ(y.behaviour->ramp->over, 250);
+    EXPECT_EQ(y.outage->until, std::nullopt);
+    EXPECT_EQ(read.parameters.at("z").behaviour->towards, 3.0);
+    EXPECT_EQ(read.parameters.at("z").behaviour->rate, 2.0);
+    EXPECT_FALSE(read.parameters.at("x").behaviour);
+}
+
+TEST(EngineBehaviourReader, WrongSeed_IsReported) {
+    EXPECT_EQ(Said("seed = -1"), "e:1:8: error: 'seed' must be a whole number from 0\n");
+    EXPECT_EQ(Said("seed = 1.5"), "e:1:8: error: 'seed' must be a whole number from 0\n");
+}
+
+TEST(EngineBehaviourReader, UnknownKeys_AreReportedWithSuggestions) {
+    EXPECT_EQ(SaidOf("1", "folows = 'x', noise = 1"),
+              "e:3:15: error: a behaviour has no key 'folows' (did you mean 'follows'?)\n");
+    EXPECT_EQ(SaidOf("1", "ramp = { to = 1, ower = 1, over = 2 }"),
+              "e:3:32: error: a ramp has no key 'ower' (did you mean 'over'?)\n");
+    EXPECT_EQ(SaidOf("1", "changes = [{ At = 1, at = 1, to = 2 }]"),
+              "e:3:28: error: a change has no key 'At' (did you mean 'at'?)\n");
+    EXPECT_EQ(SaidOf("1", "loads = [{ at = 1, by = 2, untill = 3 }]"),
+              "e:3:42: error: a load has no key 'untill' (did you mean 'until'?)\n");
+    EXPECT_EQ(Said("[parameters.a]\nvalue = 1\nfails = { reed = 1, read = 2 }\n"),
+              "e:3:11: error: a failure has no key 'reed' (did you mean 'read'?)\n");
+}
+
+TEST(EngineBehaviourReader, ReferenceToNothing_IsReportedWithASuggestion) {
+    EXPECT_EQ(Said("[parameters.13190]\nvalue = 1\n[parameters.a]\nvalue = 1\nbehaviour.follows = '13191'\n"),
+              "e:5:21: error: there is no parameter '13191' (did you mean '13190'?)\n");
+    EXPECT_EQ(Said("[parameters.13190]\nvalue = 1\n[parameters.a]\nvalue = 1\n"
+                   "behaviour.follows = ['13190', 'x', 3]\n"),
+              "e:5:31: error: there is no parameter 'x'\n"
+              "e:5:36: error: the id of a parameter must be a string, not a number: write it in quotes\n");
+}
+
+TEST(EngineBehaviourReader, ReferenceThatNothingCanFollow_IsReported) {
+    EXPECT_EQ(Said("[parameters.b]\nvalue = '1'\n[parameters.a]\nvalue = 1\nbehaviour.follows = 'b'\n"),
+              "e:5:21: error: the value of 'b' is no number, so nothing can follow it\n");
+    EXPECT_EQ(Said("[parameters.b]\nvalue = 1\nbehaviour.sequence = [1]\n[parameters.a]\nvalue = 1\n"
+                   "behaviour.follows = 'b'\n"),
+              "e:6:21: error: 'b' changes when it is read, so nothing can follow it: give it 'every'\n");
+    EXPECT_EQ(SaidOf("1", "follows = 'a'"),
+              "e:3:25: error: a parameter without a source follows what is written to it: leave 'follows' "
+              "out\n");
+    EXPECT_EQ(SaidOf("1", "follows = []"),
+              "e:3:25: error: 'follows' is empty: name a parameter, or leave the key out\n");
+}
+
+TEST(EngineBehaviourReader, Circle_IsReportedAtEachOfItsMembers) {
+    EXPECT_EQ(Said("[parameters.a]\nvalue = 1\nbehaviour.follows = 'b'\n"
+                   "[parameters.b]\nvalue = 1\nbehaviour = { follows = 'c', lag = 1 }\n"
+                   "[parameters.c]\nvalue = 1\nbehaviour.follows = ['d', 'a']\n"
+                   "[parameters.d]\nvalue = 1\n"
+                   "[parameters.e]\nvalue = 1\nbehaviour.follows = 'a'\n"),
+              "e:3:21: error: 'a' follows itself through 'b'\n"
+              "e:6:25: error: 'b' follows itself through 'c'\n"
+              "e:9:27: error: 'c' follows itself through 'a'\n");
+}
+
+TEST(EngineBehaviourReader, SecondSource_IsReported) {
+    EXPECT_EQ(SaidOf("1", "towards = 2, lag = 1, ramp = { to = 1, over = 1 }, sequence = [1], every = 1"),
+              "e:3:37: error: 'ramp' cannot stand beside 'towards': a behaviour has one source\n"
+              "e:3:66: error: 'sequence' cannot stand beside 'towards': a behaviour has one source\n");
+}
+
+TEST(EngineBehaviourReader, KeyWithoutItsCompanion_IsReported) {
+    EXPECT_EQ(SaidOf("1", "gain = 2, offset = 1, every = 1"),
+              "e:3:15: error: 'gain' stands beside 'follows' only\n"
+              "e:3:25: error: 'offset' stands beside 'follows' only\n"
+              "e:3:37: error: 'every' stands beside 'sequence' only\n");
+    EXPECT_EQ(SaidOf("1", "towards = 2"), "e:3:15: error: 'towards' needs 'lag' or 'rate'\n");
+    EXPECT_EQ(SaidOf("1", "lag = 2, rate = 1"), "e:3:24: error: 'lag' and 'rate' exclude each other\n");
+    EXPECT_EQ(Said("[parameters.a]\nvalue = 1\nbehaviour = {}\n"),
+              "e:3:13: error: 'behaviour' is empty: say what the parameter does, or leave it out\n");
+    EXPECT_EQ(Said("[parameters.a]\nvalue = 1\ntext = 'x'\nbehaviour.noise = 1\n"),
+              "e:3:1: error: a parameter with a 'behaviour' has no text of its own\n");
+}
+
+TEST(EngineBehaviourReader, NumbersThatCannotBe_AreReported) {
+    EXPECT_EQ(SaidOf("1.0", "lag = 0"), "e:3:21: error: 'lag' must be above 0\n");
+    EXPECT_EQ(SaidOf("1.0", "rate = -1"), "e:3:22: error: 'rate' must be above 0\n");
+    EXPECT_EQ(SaidOf("1.0", "noise = '8'"), "e:3:23: error: 'noise' must be a number, not a string\n");
+    EXPECT_EQ(SaidOf("1.0", "noise = inf"), "e:3:23: error: 'noise' must be a number, not an endless one\n");
+    EXPECT_EQ(SaidOf("1.0", "decimals = 10"),
+              "e:3:26: error: 'decimals' must be a whole number from 0 to 9\n");
+    EXPECT_EQ(SaidOf("1.0", "decimals = 1.0"),
+              "e:3:26: error: 'decimals' must be a whole number from 0 to 9\n");
+    EXPECT_EQ(SaidOf("1", "decimals = 1"),
+              "e:3:26: error: a parameter whose value is a whole number has no decimals\n");
+}
+
+TEST(EngineBehaviourReader, TextWithWhatOnlyNumbersHave_IsReported) {
+    EXPECT_EQ(SaidOf("'x'", "noise = 1, lag = 1"),
+              "e:3:15: error: only a parameter whose value is a number has 'noise'\n"
+              "e:3:26: error: only a parameter whose value is a number has 'lag'\n");
+    EXPECT_EQ(SaidOf("true", "ramp = { to = 1, over = 1 }"),
+              "e:3:15: error: only a parameter whose value is a number has 'ramp'\n");
+    EXPECT_EQ(SaidOf("1", "sequence = [1], lag = 1, noise = 1"),
+              "e:3:31: error: 'lag' needs a sequence in time: give it 'every'\n");
+}
+
+TEST(EngineBehaviourReader, WrongRamps_AreReported) {
+    EXPECT_EQ(SaidOf("1", "ramp = 1"), "e:3:22: error: 'ramp' must be a table, not a number\n");
+    EXPECT_EQ(SaidOf("1", "ramp = { at = -1 }"),
+              "e:3:22: error: 'to' is missing\n"
+              "e:3:22: error: 'over' is missing\n"
+              "e:3:29: error: 'at' must lie between 0 and 1000000000 seconds\n");
+    EXPECT_EQ(SaidOf("1", "ramp = { to = 1, over = 0 }"), "e:3:39: error: 'over' must be above 0 seconds\n");
+}
+
+TEST(EngineBehaviourReader, WrongChanges_AreReported) {
+    EXPECT_EQ(SaidOf("1", "changes = 1"),
+              "e:3:25: error: 'changes' must be a list of changes, not a number\n");
+    EXPECT_EQ(SaidOf("1", "changes = []"),
+              "e:3:25: error: 'changes' is empty: give a change, or leave the key out\n");
+    EXPECT_EQ(SaidOf("1", "changes = [1, {}]"), "e:3:26: error: a change must be a table, not a number\n"
+                                                "e:3:29: error: 'at' is missing\n"
+                                                "e:3:29: error: 'to' is missing\n");
+    EXPECT_EQ(SaidOf("1", "changes = [{ at = 1, to = 'x' }]"),
+              "e:3:41: error: 'to' must be of the same kind as the parameter's 'value', not a string\n");
+    EXPECT_EQ(SaidOf("1", "changes = [{ at = 2, to = 1 }, { at = 2, to = 3 }]"),
+              "e:3:53: error: 'at' must be later than that of the change before\n");
+}
+
+TEST(EngineBehaviourReader, WrongSequences_AreReported) {
+    EXPECT_EQ(SaidOf("1", "sequence = 1"),
+              "e:3:26: error: 'sequence' must be a list of values, not a number\n");
+    EXPECT_EQ(SaidOf("1", "sequence = []"),
+              "e:3:26: error: 'sequence' is empty: give a value, or leave the key out\n");
+    EXPECT_EQ(
+        SaidOf("true", "sequence = [false, 1]"),
+        "e:3:34: error: a value of the sequence must be of the same kind as the parameter's 'value', not "
+        "a number\n");
+    EXPECT_EQ(SaidOf("1", "sequence = [1], every = 0"), "e:3:39: error: 'every' must be above 0 seconds\n");
+}
+
+TEST(EngineBehaviourReader, WrongLoads_AreReported) {
+    EXPECT_EQ(SaidOf("1", "loads = 1"), "e:3:23: error: 'loads' must be a list of loads, not a number\n");
+    EXPECT_EQ(SaidOf("1", "loads = [1, {}]"), "e:3:24: error: a load must be a table, not a number\n"
+                                              "e:3:27: error: 'at' is missing\n"
+                                              "e:3:27: error: 'by' is missing\n");
+    EXPECT_EQ(SaidOf("1", "loads = [{ at = 2, until = 2, by = 1 }]"),
+              "e:3:42: error: 'until' must be later than 'at'\n");
+}
+
+TEST(EngineBehaviourReader, WrongFailures_AreReported) {
+    const auto said = [](const std::string& fails) {
+        return Said("[parameters.a]\nvalue = 1\nfails = " + fails + "\n");
+    };
+    EXPECT_EQ(said("{}"), "e:3:9: error: a failure needs 'from' or 'read'\n");
+    EXPECT_EQ(said("{ until = 1 }"), "e:3:9: error: a failure needs 'from' or 'read'\n"
+                                     "e:3:11: error: 'until' stands beside 'from' only\n");
+    EXPECT_EQ(said("{ from = 1, until = 1 }"), "e:3:29: error: 'until' must be later than 'from'\n");
+    EXPECT_EQ(said("{ from = 'x' }"), "e:3:18: error: 'from' must be a number, not a string\n");
+    EXPECT_EQ(said("{ read = 0 }"),
+              "e:3:18: error: 'read' must be a whole number above 0: 1 is the first read\n");
+}
+
+} // namespace
+
+} // namespace vant

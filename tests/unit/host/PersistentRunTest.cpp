@@ -1,0 +1,217 @@
+// Procedures whose commands run on, in virtual time, with the commands of the built module.
+
+#include "host/procedure/ProcedureReader.h"
+#include "host/record/Json.h"
+#include "host/runner/Runner.h"
+#include "tests/support/VirtualTime.h"
+#include "tests/unit/host/BuiltModule.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <sstream>
+
+namespace vant {
+
+namespace {
+
+constexpr const char* head = R"(
+name = 'n'
+start = 's'
+[data]
+left = ''
+message = 'm'
+reason = ''
+[conditions.notOne]
+all = [{ data = 'left', isNot = '1', message = 'message' }]
+[engine.parameters."100"]
+value = 800
+units = 'rpm'
+[engine.parameters."13190"]
+value = 0
+[engine.parameters."13191"]
+value = 0
+[engine.parameters."13192"]
+value = 2000000000
+[engine.units]
+rpm = '1/min'
+[commands.long]
+class = 'Timer'
+properties = { length = '9', dsBase = 'left' }
+[commands.short]
+class = 'Timer'
+properties = { length = '2', dsBase = 'other' }
+[commands.guard]
+class = 'StopConditionMonitor'
+properties = { dsSetID = 'notOne', dsMessageID = 'reason', failTransitionID = 'tripped' }
+[commands.show]
+class = 'MonitorUpdater'
+properties = { parameterIDs = '100', dsBaseName = 'm', monitorID = 'c' }
+[commands.sample]
+class = 'ParameterSampler'
+properties = { parameterID = '100', period = '300', numSamples = '3', dsTarget = 'mean' }
+[commands.choosing]
+class = 'ParameterSampler'
+[commands.choosing.properties]
+parameterID = '100'
+period = '300'
+numSamples = '3'
+dsTarget = 'mean'
+completionTransition = 'good'
+[commands.note]
+class = 'DataStoreWriter'
+properties = { dsLocation = 'noted', value = '1' }
+[commands.fail]
+class = 'CommandTerminator'
+properties = { commandID = 'nobody' }
+[commands.endLong]
+class = 'CommandTerminator'
+properties = { commandID = 'long' }
+[steps.good]
+end = 'passed'
+[steps.bad]
+end = 'failed'
+)";
+
+/// What one run has left behind.
+struct Outcome {
+    Verdict verdict{};
+    std::vector<Record> records;
+    std::string journal;
+
+    std::int64_t TimeOf(const std::string& operation, const std::string& command = {}) const {
+        const auto found = std::find_if(records.begin(), records.end(), [&](const Record& record) {
+            return record.operation == operation && (command.empty() || record.command == command);
+        });
+        EXPECT_NE(found, records.end()) << operation << ' ' << command;
+        return found == records.end() ? -1 : found->time;
+    }
+    std::int64_t TimeOfStep(const std::string& step) const {
+        const auto found = std::find_if(records.begin(), records.end(), [&](const Record& record) {
+            return record.operation == "StepEntered" && record.Text("step") == step;
+        });
+        EXPECT_NE(found, records.end()) << step;
+        return found == records.end() ? -1 : found->time;
+    }
+};
+
+Outcome RunSteps(const std::string& steps) {
+    Outcome outcome;
+    std::ostringstream text;
+    Diagnostics found;
+    const Procedure procedure = ReadProcedure(head + steps, found);
+    EXPECT_FALSE(found.HasErrors()) << found.Sorted().front().Text("f");
+    const test::VirtualTime time;
+    const Module module(test::BuiltModuleFile());
+    {
+        Journal journal;
+        journal.Observe([&](const Record& record) { outcome.records.push_back(record); });
+        journal.Observe(JsonLinesWriter(text));
+        Runner runner(procedure, module, journal);
+        outcome.verdict = runner.Run();
+        EXPECT_TRUE(runner.StillHeld().empty());
+    }
+    EXPECT_TRUE(module.CanUnload());
+    outcome.journal = text.str();
+    return outcome;
+}
+
+TEST(PersistentRun, StepWithoutWait_GoesOnAtOnceAndTheEndStopsWhatRuns) {
+    const Outcome outcome = RunSteps("[steps.s]\nrun = ['long', 'show']\nnext = 'good'\n");
+    EXPECT_EQ(outcome.verdict, Verdict::Passed);
+    EXPECT_EQ(outcome.TimeOf("ThreadEnded", "long"), 0);
+    EXPECT_EQ(outcome.TimeOf("ThreadEnded", "show"), 0);
+    EXPECT_EQ(outcome.records.back().operation, "ProcedureEnded");
+}
+
+TEST(PersistentRun, WaitForATransition_EndsWithTheChoiceWhileOthersRunOn) {
+    const Outcome outcome =
+        RunSteps("[steps.s]\nrun = ['long', 'choosing']\nwait = 'transition'\nnext = 'bad'\n");
+    EXPECT_EQ(outcome.verdict, Verdict::Passed);
+    EXPECT_EQ(outcome.TimeOf("TransitionFollowed"), 900);
+}
+
+TEST(PersistentRun, WaitForATransition_EndsWithTheLastPersistentCommand) {
+    const Outcome outcome =
+        RunSteps("[steps.s]\nrun = ['short', 'sample']\nwait = 'transition'\nnext = 'good'\n");
+    EXPECT_EQ(outcome.verdict, Verdict::Passed);
+    EXPECT_EQ(outcome.TimeOf("TransitionFollowed"), 3000);
+}
+
+TEST(PersistentRun, WaitForATransition_IsOverAtOnceWhereNothingRuns) {
+    const Outcome outcome = RunSteps("[steps.s]\nrun = ['note']\nwait = 'transition'\nnext = 'good'\n");
+    EXPECT_EQ(outcome.TimeOf("TransitionFollowed"), 0);
+}
+
+TEST(PersistentRun, WaitForTheEnd_WaitsForTheCommandsOfThisStepAlone) {
+    const Outcome outcome = RunSteps("[steps.s]\nrun = ['long']\nnext = 't'\n"
+                                     "[steps.t]\nrun = ['short', 'sample']\nwait = 'end'\nnext = 'good'\n");
+    EXPECT_EQ(outcome.TimeOfStep("good"), 3000);
+    EXPECT_EQ(outcome.TimeOf("ThreadEnded", "long"), 3000);
+}
+
+TEST(PersistentRun, WaitForTheEnd_FollowsAChoiceAfterwards) {
+    const Outcome outcome = RunSteps("[steps.s]\nrun = ['short', 'choosing']\nwait = 'end'\nnext = 'bad'\n");
+    EXPECT_EQ(outcome.verdict, Verdict::Passed);
+    EXPECT_EQ(outcome.TimeOf("SetTransition"), 900);
+    EXPECT_EQ(outcome.TimeOf("TransitionFollowed"), 3000);
+}
+
+TEST(PersistentRun, FailedCommand_EndsTheStepWithoutWaiting) {
+    for (const char* const wait : {"transition", "end"}) {
+        const Outcome outcome = RunSteps(std::string("[steps.s]\nrun = ['long', 'fail']\nwait = '") + wait +
+                                         "'\nnext = 'bad'\nfailed = 'good'\n");
+        EXPECT_EQ(outcome.verdict, Verdict::Passed);
+        EXPECT_EQ(outcome.TimeOf("TransitionFollowed"), 0);
+    }
+}
+
+TEST(PersistentRun, MonitorOfConditions_ChoosesAndStopsItself) {
+    const Outcome outcome = RunSteps("[steps.s]\nrun = ['long', 'guard']\nwait = 'transition'\nnext = 'bad'\n"
+                                     "on = { tripped = 'good' }\n");
+    EXPECT_EQ(outcome.verdict, Verdict::Passed);
+    EXPECT_EQ(outcome.TimeOf("PersistentCommandStopped"), 8000);
+    EXPECT_EQ(outcome.TimeOf("ThreadEnded", "guard"), 8000);
+}
+
+TEST(PersistentRun, TerminatedCommand_RunsNoLonger) {
+    const Outcome outcome = RunSteps("[steps.s]\nrun = ['long', 'endLong']\nwait = 'end'\nnext = 'good'\n");
+    EXPECT_EQ(outcome.verdict, Verdict::Passed);
+    EXPECT_EQ(outcome.TimeOf("TerminateCommand"), 0);
+    EXPECT_EQ(outcome.TimeOf("ThreadEnded", "long"), 0);
+}
+
+TEST(PersistentRun, AbortWhileTheStepWaits_StopsEveryCommandAndCompletesTheJournal) {
+    Diagnostics found;
+    const Procedure procedure = ReadProcedure(
+        std::string(head) + "[steps.s]\nrun = ['long', 'show', 'guard']\nwait = 'end'\nnext = 'bad'\n",
+        found);
+    const test::VirtualTime time;
+    const Module module(test::BuiltModuleFile());
+    Journal journal;
+    Runner runner(procedure, module, journal);
+    std::vector<std::string> ended;
+    journal.Observe([&](const Record& record) {
+        if (record.operation == "ThreadEnded")
+            ended.push_back(record.command);
+        if (record.operation == "SetComponentProperty" && record.time == 1000)
+            runner.Abort();
+    });
+    EXPECT_EQ(runner.Run(), Verdict::Aborted);
+    std::sort(ended.begin(), ended.end());
+    EXPECT_EQ(ended, (std::vector<std::string>{"guard", "long", "show"}));
+    EXPECT_TRUE(runner.StillHeld().empty());
+}
+
+TEST(PersistentRun, OneHundredRuns_GiveTheSameJournal) {
+    const char* const steps =
+        "[steps.s]\nrun = ['show', 'long', 'short', 'guard', 'sample']\nwait = 'transition'\n"
+        "next = 'good'\non = { tripped = 'good' }\n";
+    const std::string first = RunSteps(steps).journal;
+    EXPECT_GT(first.size(), 10000U);
+    for (int i = 1; i < 100; ++i)
+        ASSERT_EQ(RunSteps(steps).journal, first) << "run " << i;
+}
+
+} // namespace
+
+} // namespace vant

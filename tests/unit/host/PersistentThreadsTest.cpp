@@ -1,0 +1,264 @@
+#include "host/record/CallScope.h"
+#include "host/services/Codes.h"
+#include "host/services/Services.h"
+#include "platform/ComObject.h"
+
+#include <algorithm>
+#include <functional>
+#include <gtest/gtest.h>
+#include <thread>
+
+namespace vant {
+
+namespace {
+
+/// A callback whose work is written in the test.
+class Callback : public CComObjectRootEx<CComMultiThreadModel>, public IThreadCallback {
+public:
+    std::function<void()> work;
+
+    HRESULT STDMETHODCALLTYPE RunOnThread() override {
+        work();
+        return E_FAIL;
+    }
+    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override {
+        return E_NOTIMPL;
+    }
+    HRESULT STDMETHODCALLTYPE Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*,
+                                     UINT*) override {
+        return E_NOTIMPL;
+    }
+
+protected:
+    ~Callback() = default;
+    void* FindInterface(REFIID iid) noexcept {
+        return iid == IID_IUnknown || iid == IID_IThreadCallback ? static_cast<IThreadCallback*>(this)
+                                                                 : nullptr;
+    }
+};
+
+/// A command that ends when it is stopped.
+class Stoppable : public CComObjectRootEx<CComMultiThreadModel>, public IVantPersistentCommand {
+public:
+    Event stopped;
+    IVantController* controller = nullptr;
+    HRESULT told = E_FAIL;
+
+    HRESULT STDMETHODCALLTYPE Stop() override {
+        if (controller)
+            told = controller->PersistentCommandStopped(this);
+        stopped.Set();
+        return told;
+    }
+
+protected:
+    ~Stoppable() = default;
+    void* FindInterface(REFIID iid) noexcept {
+        return iid == IID_IUnknown || iid == IID_IVantPersistentCommand
+                   ? static_cast<IVantPersistentCommand*>(this)
+                   : nullptr;
+    }
+};
+
+template <class Object>
+CComPtr<Object> Make() {
+    CComObject<Object>* created = nullptr;
+    CComObject<Object>::CreateInstance(&created);
+    return CComPtr<Object>(created);
+}
+
+class PersistentThreadsTest : public ::testing::Test {
+protected:
+    PersistentThreadsTest() {
+        journal.Observe([this](const Record& record) { records.push_back(record); });
+    }
+
+    HRESULT Register(std::function<void()> work) {
+        const CComPtr<Callback> callback = Make<Callback>();
+        callback->work = std::move(work);
+        const CComBSTR name(L"Worker");
+        const ThreadRegistration registration = {callback.Get(), 0, {}, nullptr, name.Get()};
+        return services.threadService.RegisterCallback(callback.Get(), &registration, &cookie);
+    }
+    /// Registers as the command of that id, which runs until it is stopped.
+    CComPtr<Stoppable> RegisterStoppable(const char* id) {
+        CComPtr<Stoppable> command = Make<Stoppable>();
+        command->controller = &services.controller;
+        const CommandScope scope(id, command.Get());
+        EXPECT_EQ(Register([running = command.Get()] { running->stopped.Wait(INFINITE); }), S_OK);
+        return command;
+    }
+    const Record* Find(const std::string& operation) const {
+        const auto found = std::find_if(records.begin(), records.end(),
+                                        [&](const Record& record) { return record.operation == operation; });
+        return found == records.end() ? nullptr : &*found;
+    }
+
+    std::vector<Record> records;
+    Journal journal{[] { return std::int64_t{0}; }};
+    Services services{journal, [](const std::string&) { return S_OK; }};
+    std::uint32_t cookie = 0;
+};
+
+TEST_F(PersistentThreadsTest, Callback_RunsOnceOnAThreadOfItsOwnUnderItsNameAndCommand) {
+    int runs = 0;
+    std::string where;
+    std::thread::id thread;
+    {
+        const CommandScope scope("watch");
+        ASSERT_EQ(Register([&] {
+                      ++runs;
+                      where = CurrentThread() + '/' + CurrentCommand();
+                      thread = std::this_thread::get_id();
+                  }),
+                  S_OK);
+    }
+    EXPECT_EQ(cookie, 1U);
+    EXPECT_EQ(services.threadService.Operation12(cookie), S_OK);
+    EXPECT_EQ(runs, 1);
+    EXPECT_EQ(where, "Worker 1/watch");
+    EXPECT_NE(thread, std::this_thread::get_id());
+    const Record* const ended = Find("ThreadEnded");
+    ASSERT_NE(ended, nullptr);
+    EXPECT_EQ(ended->service, "Runner");
+    EXPECT_EQ(ended->thread, "Worker 1");
+    EXPECT_EQ(ended->command, "watch");
+    EXPECT_EQ(*ended->Find("cookie"), Value(std::int64_t{1}));
+    EXPECT_EQ(ended->result, E_FAIL);
+}
+
+TEST_F(PersistentThreadsTest, NullPointers_AreRefused) {
+    const CComPtr<Callback> callback = Make<Callback>();
+    const ThreadRegistration registration = {};
+    EXPECT_EQ(services.threadService.RegisterCallback(nullptr, &registration, &cookie), E_POINTER);
+    EXPECT_EQ(services.threadService.RegisterCallback(callback.Get(), nullptr, &cookie), E_POINTER);
+    EXPECT_EQ(services.threadService.RegisterCallback(callback.Get(), &registration, nullptr), E_POINTER);
+}
+
+TEST_F(PersistentThreadsTest, Command_LivesUntilItsThreadHasReturned) {
+    const std::size_t before = ModuleLock::Count();
+    CComPtr<Stoppable> command = RegisterStoppable("watch");
+    Stoppable* const kept = command.Get();
+    command.Release();
+    EXPECT_EQ(ModuleLock::Count(), before + 2); // with its callback
+    kept->stopped.Set();
+    EXPECT_EQ(services.threadService.Operation12(cookie), S_OK);
+    EXPECT_EQ(ModuleLock::Count(), before);
+}
+
+TEST_F(PersistentThreadsTest, Operation11_TellsWhetherTheThreadRuns) {
+    const CComPtr<Stoppable> command = RegisterStoppable("watch");
+    EXPECT_EQ(services.threadService.Operation11(cookie), S_OK);
+    command->stopped.Set();
+    EXPECT_EQ(services.threadService.Operation12(cookie), S_OK);
+    EXPECT_EQ(services.threadService.Operation11(cookie), S_FALSE);
+    EXPECT_EQ(services.threadService.Operation11(99), codeNotFound);
+}
+
+TEST_F(PersistentThreadsTest, Operation12OnItsOwnThread_IsRefused) {
+    HRESULT answer = S_OK;
+    Event registered;
+    ASSERT_EQ(Register([&] {
+                  registered.Wait(INFINITE);
+                  answer = services.threadService.Operation12(cookie);
+              }),
+              S_OK);
+    registered.Set();
+    EXPECT_EQ(services.threadService.Operation12(cookie), S_OK);
+    EXPECT_EQ(answer, HRESULT_FROM_WIN32(ERROR_POSSIBLE_DEADLOCK));
+}
+
+TEST_F(PersistentThreadsTest, UnregisteredCookie_IsForgottenWhileItsThreadGoesOn) {
+    const CComPtr<Stoppable> command = RegisterStoppable("watch");
+    EXPECT_EQ(services.threadService.UnregisterCallback(cookie), S_OK);
+    EXPECT_EQ(services.threadService.UnregisterCallback(cookie), codeNotFound);
+    EXPECT_EQ(services.threadService.Operation11(cookie), codeNotFound);
+    EXPECT_EQ(services.threadService.Operation12(cookie), codeNotFound);
+    EXPECT_TRUE(services.persistentThreads.IsAnyRunning());
+    services.persistentThreads.End();
+    EXPECT_NE(Find("ThreadEnded"), nullptr);
+}
+
+TEST_F(PersistentThreadsTest, Termination_StopsEveryRunningCommandOfThatIdAndNoOther) {
+    const CComPtr<Stoppable> first = RegisterStoppable("watch");
+    const std::uint32_t firstCookie = cookie;
+    const CComPtr<Stoppable> second = RegisterStoppable("watch");
+    const CComPtr<Stoppable> other = RegisterStoppable("other");
+    const std::uint32_t otherCookie = cookie;
+    EXPECT_EQ(services.controller.TerminateCommand(CComBSTR(L"watch").Get()), S_OK);
+    EXPECT_EQ(first->told, S_OK);
+    EXPECT_EQ(second->told, S_OK);
+    EXPECT_EQ(Find("PersistentCommandStopped")->Text("commandId"), "watch");
+    EXPECT_EQ(services.threadService.Operation12(firstCookie), S_OK);
+    EXPECT_EQ(services.threadService.Operation12(firstCookie + 1), S_OK);
+    EXPECT_EQ(services.threadService.Operation11(otherCookie), S_OK);
+    EXPECT_EQ(services.controller.TerminateCommand(CComBSTR(L"watch").Get()), codeNotFound);
+}
+
+TEST_F(PersistentThreadsTest, StopOfACommandThatDoesNotRun_IsNotFound) {
+    const CComPtr<Stoppable> command = Make<Stoppable>();
+    EXPECT_EQ(services.controller.PersistentCommandStopped(command.Get()), codeNotFound);
+    EXPECT_EQ(services.controller.PersistentCommandStopped(nullptr), E_POINTER);
+}
+
+TEST_F(PersistentThreadsTest, CommandThatCannotBeStopped_MakesTerminationFail) {
+    Event end;
+    {
+        const CommandScope scope("plain", &services.service3);
+        ASSERT_EQ(Register([&] { end.Wait(INFINITE); }), S_OK);
+    }
+    EXPECT_EQ(services.controller.TerminateCommand(CComBSTR(L"plain").Get()), E_NOINTERFACE);
+    end.Set();
+    services.persistentThreads.End();
+}
+
+TEST_F(PersistentThreadsTest, OnceClosed_RegistrationIsRefusedAndNobodyWaitsAnyMore) {
+    const CComPtr<Stoppable> command = RegisterStoppable("watch");
+    services.Close();
+    EXPECT_EQ(services.threadService.Operation12(cookie), codeAborted);
+    EXPECT_EQ(Register([] {}), codeAborted);
+    EXPECT_EQ(services.threadService.Operation11(cookie), S_OK);
+}
+
+TEST_F(PersistentThreadsTest, End_StopsAndAwaitsEveryThread) {
+    const CComPtr<Stoppable> first = RegisterStoppable("a");
+    const CComPtr<Stoppable> second = RegisterStoppable("b");
+    services.persistentThreads.End();
+    EXPECT_FALSE(services.persistentThreads.IsAnyRunning());
+    EXPECT_EQ(services.threadService.Operation11(1), S_FALSE);
+    EXPECT_EQ(services.threadService.Operation11(2), S_FALSE);
+}
+
+TEST_F(PersistentThreadsTest, ThreadStartedByAThread_BelongsToItsStep) {
+    Event inNextStep;
+    Event end;
+    services.persistentThreads.EnterStep();
+    ASSERT_EQ(Register([&] {
+                  inNextStep.Wait(INFINITE);
+                  Register([&] { end.Wait(INFINITE); });
+              }),
+              S_OK);
+    EXPECT_TRUE(services.persistentThreads.IsAnyOfStepRunning());
+    services.persistentThreads.EnterStep();
+    inNextStep.Set();
+    EXPECT_EQ(services.threadService.Operation12(1), S_OK);
+    EXPECT_TRUE(services.persistentThreads.IsAnyRunning());
+    EXPECT_FALSE(services.persistentThreads.IsAnyOfStepRunning());
+    end.Set();
+    services.persistentThreads.End();
+}
+
+TEST_F(PersistentThreadsTest, ThreadService_IsOneObjectThatAlwaysAnswersItsInterface) {
+    CComPtr<IUnknown> unknown(&services.threadService);
+    CComPtr<IThreadService> service;
+    CComPtr<IDispatch> dispatch;
+    EXPECT_EQ(unknown.QueryInterface(&service), S_OK);
+    EXPECT_EQ(unknown.QueryInterface(&dispatch), S_OK);
+    EXPECT_EQ(static_cast<IDispatch*>(service.Get()), dispatch.Get());
+}
+
+} // namespace
+
+} // namespace vant
