@@ -19,6 +19,10 @@ class MinimalHost final : public IVantContext,
                           public IVantController,
                           public IDataServiceOld {
 public:
+    // What the host hands out of these; lent.
+    IUnknown* threadService = nullptr;
+    IUnknown* parameter = nullptr;
+
     std::uint64_t Calls() const { return m_calls; }
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void** out) override {
@@ -39,7 +43,9 @@ public:
         return Give(out);
     }
     HRESULT STDMETHODCALLTYPE get_DataStore(IDataStore** out) override { return Give(out); }
-    HRESULT STDMETHODCALLTYPE get_ThreadService(IUnknown** out) override { return GiveUnknown(out); }
+    HRESULT STDMETHODCALLTYPE get_ThreadService(IUnknown** out) override {
+        return threadService ? GiveLent(threadService, out) : GiveUnknown(out);
+    }
     HRESULT STDMETHODCALLTYPE get_ParameterService(IDataServiceOld** out) override { return Give(out); }
 
     HRESULT STDMETHODCALLTYPE RunCommand(BSTR) override { return Count(); }
@@ -52,7 +58,9 @@ public:
     HRESULT STDMETHODCALLTYPE TerminateCommand(BSTR) override { return Count(); }
     HRESULT STDMETHODCALLTYPE PersistentCommandStopped(IVantPersistentCommand*) override { return Count(); }
     HRESULT STDMETHODCALLTYPE GetConnection(IConnectionOld**) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE GetParameter(BSTR, LONG, IUnknown**) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetParameter(BSTR, LONG, IUnknown** out) override {
+        return parameter ? GiveLent(parameter, out) : E_NOTIMPL;
+    }
     HRESULT STDMETHODCALLTYPE SetParameter(BSTR, LONG, VARIANT, IUnknown**) override { return E_NOTIMPL; }
 
     HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
@@ -91,6 +99,11 @@ private:
     HRESULT GiveUnknown(IUnknown** out) {
         AddRef();
         *out = static_cast<ICommandRunner*>(this);
+        return Count();
+    }
+    HRESULT GiveLent(IUnknown* object, IUnknown** out) {
+        object->AddRef();
+        *out = object;
         return Count();
     }
     HRESULT Count() {

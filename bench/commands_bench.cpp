@@ -1,18 +1,12 @@
 // What a command costs beside straight-line code that does the same work: its Execute alone, and its whole
 // life.
 
-#include "bench/Floor.h"
-#include "bench/MinimalHost.h"
+#include "bench/BuiltCommand.h"
 #include "framework/interfaces/ClassIds.h"
-#include "framework/interfaces/VantCommand.h"
-#include "platform/ComPtr.h"
-#include "platform/DynamicLibrary.h"
-#include "platform/Process.h"
 
 #include <array>
 #include <benchmark/benchmark.h>
 #include <memory>
-#include <stdexcept>
 #include <string>
 
 namespace vant::bench {
@@ -50,46 +44,9 @@ const std::vector<Case>& Cases() {
 
 MinimalHost host;
 
-void Require(HRESULT code) {
-    if (FAILED(code))
-        throw std::runtime_error("a command failed during the benchmark");
-}
-
-IClassFactory& Factory(const CLSID& classId) {
-    static const DynamicLibrary module(ProgramFolder() / LibraryFileName("VantCommands"));
-    static const auto getClassObject =
-        module.Find<HRESULT STDAPICALLTYPE(REFCLSID, REFIID, void**)>("DllGetClassObject");
-    IClassFactory* factory = nullptr;
-    Require(getClassObject(classId, IID_IClassFactory, reinterpret_cast<void**>(&factory)));
-    return *factory; // the module keeps its class objects for as long as it is loaded
-}
-
-/// Creates, initialises and configures a command. The names and values are the caller's, as a host's would
-/// be.
-CComPtr<IVantCommand> Prepare(IClassFactory& factory, const std::vector<CComBSTR>& names,
-                              const std::vector<CComBSTR>& values) {
-    CComPtr<IVantCommand> command;
-    Require(factory.CreateInstance(nullptr, IID_IVantCommand, reinterpret_cast<void**>(&command)));
-    Require(command->Initialize(&host, &host));
-    for (std::size_t i = 0; i < names.size(); ++i)
-        Require(command->SetProperty(names[i].Get(), values[i].Get()));
-    return command;
-}
-
-struct Strings {
-    explicit Strings(const Properties& properties) {
-        for (const auto& [name, value] : properties) {
-            names.emplace_back(name);
-            values.emplace_back(value);
-        }
-    }
-    std::vector<CComBSTR> names;
-    std::vector<CComBSTR> values;
-};
-
 void Execute(benchmark::State& state, const Case& subject) {
     const Strings strings(subject.properties);
-    const auto command = Prepare(Factory(*subject.classId), strings.names, strings.values);
+    const auto command = Prepare(Factory(*subject.classId), host, strings.names, strings.values);
     for ([[maybe_unused]] auto _ : state)
         Require(command->Execute());
 }
@@ -105,7 +62,7 @@ void Life(benchmark::State& state, const Case& subject) {
     const Strings strings(subject.properties);
     IClassFactory& factory = Factory(*subject.classId);
     for ([[maybe_unused]] auto _ : state)
-        Require(Prepare(factory, strings.names, strings.values)->Execute());
+        Require(Prepare(factory, host, strings.names, strings.values)->Execute());
 }
 
 /// The same life without a contract: one allocation for the object, the nine requests and the controller, a
@@ -153,7 +110,7 @@ void CompositeItems(benchmark::State& state) {
     for (std::int64_t i = 1; i < state.range(0); ++i)
         list += L" command";
     const Strings strings({{L"commandIDList", list}});
-    const auto command = Prepare(Factory(CLSID_CompositeCommand), strings.names, strings.values);
+    const auto command = Prepare(Factory(CLSID_CompositeCommand), host, strings.names, strings.values);
     for ([[maybe_unused]] auto _ : state)
         Require(command->Execute());
     state.SetItemsProcessed(state.iterations() * state.range(0));

@@ -8,11 +8,13 @@
 #include <map>
 #include <nlohmann/json.hpp>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace vant::bench {
 void RegisterCommandBenchmarks();
-}
+void RegisterPersistentBenchmarks();
+} // namespace vant::bench
 
 namespace {
 
@@ -25,13 +27,24 @@ public:
             if (run.error_occurred)
                 errors.push_back(run.benchmark_name() + ": " + run.error_message);
             else if (run.aggregate_name == "median")
-                medians[run.run_name.str()] = run;
+                medians[NameOf(run)] = run;
         }
     }
 
     std::map<std::string, Run> medians;
     std::vector<std::string> errors;
+
+private:
+    static std::string NameOf(const Run& run) {
+        const auto& [function, args] = std::pair(run.run_name.function_name, run.run_name.args);
+        return args.empty() ? function : function + '/' + args;
+    }
 };
+
+/// Benchmarks that measure their time themselves measure wall time, the others take CPU time.
+double TimeOf(const benchmark::BenchmarkReporter::Run& run) {
+    return run.run_name.time_type.empty() ? run.GetAdjustedCPUTime() : run.GetAdjustedRealTime();
+}
 
 constexpr double perSecondToNanoseconds = 1e9;
 
@@ -40,10 +53,10 @@ nlohmann::ordered_json Summarise(const std::map<std::string, benchmark::Benchmar
     for (const auto& [name, run] : medians) {
         if (name.ends_with("/floor"))
             continue;
-        nlohmann::ordered_json row = {{"name", name}, {"ns", run.GetAdjustedCPUTime()}};
+        nlohmann::ordered_json row = {{"name", name}, {"ns", TimeOf(run)}};
         if (const auto floor = medians.find(name + "/floor"); floor != medians.end()) {
-            row["floor_ns"] = floor->second.GetAdjustedCPUTime();
-            row["ratio"] = run.GetAdjustedCPUTime() / floor->second.GetAdjustedCPUTime();
+            row["floor_ns"] = TimeOf(floor->second);
+            row["ratio"] = TimeOf(run) / TimeOf(floor->second);
         }
         if (const auto rate = run.counters.find("items_per_second"); rate != run.counters.end())
             row["ns_per_item"] = perSecondToNanoseconds / rate->second.value;
@@ -53,7 +66,8 @@ nlohmann::ordered_json Summarise(const std::map<std::string, benchmark::Benchmar
 }
 
 void Print(const nlohmann::ordered_json& rows) {
-    std::printf("%-36s %14s %12s %7s %12s\n", "median CPU time", "ns", "floor ns", "ratio", "ns per item");
+    // Of Stop and Round, which wait, it is wall time; of the others CPU time.
+    std::printf("%-36s %14s %12s %7s %12s\n", "median time", "ns", "floor ns", "ratio", "ns per item");
     for (const auto& row : rows) {
         std::printf("%-36s %14.1f", row["name"].get<std::string>().c_str(), row["ns"].get<double>());
         if (row.contains("ratio"))
@@ -85,6 +99,7 @@ int main(int argc, char** argv) {
         return 2;
 
     vant::bench::RegisterCommandBenchmarks();
+    vant::bench::RegisterPersistentBenchmarks();
     MedianReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
     for (const std::string& error : reporter.errors)
