@@ -7,6 +7,10 @@ if(WIN32)
   add_compile_definitions(_WIN32_WINNT=0x0601 UNICODE _UNICODE)
   # Programs start on any Windows machine: the runtime is linked in.
   add_link_options(-static)
+  if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+    # Doubles are computed as doubles. The old floating-point unit would keep more digits of what lies between.
+    add_compile_options($<$<COMPILE_LANGUAGE:C,CXX>:-msse2> $<$<COMPILE_LANGUAGE:C,CXX>:-mfpmath=sse>)
+  endif()
 elseif(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   # Unique symbols would keep the module in memory for ever, whatever dlclose says.
   add_compile_options($<$<COMPILE_LANGUAGE:CXX>:-fno-gnu-unique>)

@@ -2,9 +2,14 @@
 
 #include "ecm/ResultPolicy.h"
 
+#include <cfloat>
+
 namespace vant {
 
 namespace {
+
+// Every operation is rounded to a double at once.
+static_assert(FLT_EVAL_METHOD == 0);
 
 double Apply(std::wstring_view operation, double a, double b) {
     if (operation == L"add")

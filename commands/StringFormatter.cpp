@@ -4,6 +4,7 @@
 #include "framework/Conversion.h"
 #include "framework/ReferenceExpansion.h"
 
+#include <cfloat>
 #include <cmath>
 #include <limits>
 #include <string>
@@ -25,6 +26,9 @@ LONG Truncate(double number) {
     const bool fits = whole >= smallest && whole <= std::numeric_limits<LONG>::max();
     return fits ? static_cast<LONG>(whole) : smallest;
 }
+
+// 0.03 times 100 is 3 as a double and less than that with more digits: what is cut off would differ.
+static_assert(FLT_EVAL_METHOD == 0);
 
 /// Cuts the further decimals off; deliberately no rounding to the nearest.
 CComBSTR Round(const CComBSTR& text, LONG decimals) {
