@@ -12,14 +12,19 @@
 
 namespace vant {
 
-/// The characters of a BSTR, embedded nulls included; empty for a null one. The length is read where every
-/// BSTR has it, in the 32 bits before the text: this is asked for too often for a call into another library.
-inline std::wstring_view TextOf(BSTR text) noexcept {
-    if (!text)
-        return L"";
+/// The length of a BSTR in bytes; 0 of a null one. It is read where every BSTR has it, in the 32 bits before
+/// the text: this is asked for too often for a call into another library.
+inline std::uint32_t ByteLengthOf(BSTR text) noexcept {
     std::uint32_t byteLength = 0;
-    std::memcpy(&byteLength, reinterpret_cast<const char*>(text) - sizeof(byteLength), sizeof(byteLength));
-    return {text, byteLength / sizeof(OLECHAR)};
+    if (text)
+        std::memcpy(&byteLength, reinterpret_cast<const char*>(text) - sizeof(byteLength),
+                    sizeof(byteLength));
+    return byteLength;
+}
+
+/// The characters of a BSTR, embedded nulls included; empty for a null one.
+inline std::wstring_view TextOf(BSTR text) noexcept {
+    return text ? std::wstring_view(text, ByteLengthOf(text) / sizeof(OLECHAR)) : L"";
 }
 
 /// Owns a BSTR, or holds a null one, which equals the empty string. Copies throw CComException(E_OUTOFMEMORY)
@@ -65,12 +70,19 @@ private:
     static BSTR Allocate(std::wstring_view text) {
         if (text.size() > std::numeric_limits<UINT>::max())
             throw CComException(E_OUTOFMEMORY);
-        const BSTR result = SysAllocStringLen(text.data(), static_cast<UINT>(text.size()));
-        if (!result)
-            throw CComException(E_OUTOFMEMORY);
-        return result;
+        return Allocated(SysAllocStringLen(text.data(), static_cast<UINT>(text.size())));
     }
-    static BSTR CopyOf(BSTR text) { return text ? Allocate(TextOf(text)) : nullptr; }
+    /// Byte by byte: what a host keeps in a BSTR need not be whole characters.
+    static BSTR CopyOf(BSTR text) {
+        if (!text)
+            return nullptr;
+        return Allocated(SysAllocStringByteLen(reinterpret_cast<const char*>(text), ByteLengthOf(text)));
+    }
+    static BSTR Allocated(BSTR text) {
+        if (!text)
+            throw CComException(E_OUTOFMEMORY);
+        return text;
+    }
 
     BSTR m_text = nullptr;
 };

@@ -2,6 +2,7 @@
 #include "tests/unit/framework/ProbeCommand.h"
 
 #include <algorithm>
+#include <cstring>
 #include <stdexcept>
 #include <vector>
 
@@ -326,6 +327,16 @@ TEST_F(CommandContract, LabelWithEmbeddedNulls_IsKeptWhole) {
     const std::wstring text(L"a\0b", 3);
     EXPECT_EQ(S_OK, command->put_Label(CComBSTR(text).Get()));
     EXPECT_EQ(text, Label());
+}
+
+TEST_F(CommandContract, LabelOfAnOddNumberOfBytes_IsKeptWhole) {
+    CComBSTR bytes;
+    bytes.Attach(SysAllocStringByteLen("abcde", 5));
+    EXPECT_EQ(S_OK, command->put_Label(bytes.Get()));
+    CComBSTR label;
+    EXPECT_EQ(S_OK, command->get_Label(&label));
+    ASSERT_EQ(5U, SysStringByteLen(label.Get()));
+    EXPECT_EQ(0, std::memcmp("abcde", label.Get(), 5));
 }
 
 TEST_F(CommandContract, NullLabel_ReplacesTheOldOne) {

@@ -1,5 +1,6 @@
 #include "platform/Bstr.h"
 
+#include <cstring>
 #include <gtest/gtest.h>
 #include <map>
 #include <string>
@@ -182,6 +183,14 @@ TEST(CComBSTR, CopyOfACallersString_LeavesItToTheCaller) {
     }
     EXPECT_STREQ(L"abc", text);
     SysFreeString(text);
+}
+
+TEST(CComBSTR, CopyOfAnOddNumberOfBytes_HoldsThemAll) {
+    CComBSTR bytes;
+    bytes.Attach(SysAllocStringByteLen("abcde", 5));
+    const CComBSTR copy = CComBSTR::Copy(bytes.Get());
+    ASSERT_EQ(5U, SysStringByteLen(copy.Get()));
+    EXPECT_EQ(0, std::memcmp("abcde", copy.Get(), 5));
 }
 
 TEST(CComBSTR, Moved_HandsTheStringOverAndIsNull) {
