@@ -18,7 +18,7 @@ double Decay(double x) noexcept {
     // e^-x = 2^-n * e^-r, where n * ln 2 + r = x and r is small. ln 2 in two parts keeps r exact.
     constexpr double ln2High = 0x1.62e42fee00000p-1;
     constexpr double ln2Low = 0x1.a39ef35793c76p-33;
-    const int n = static_cast<int>(x * 1.4426950408889634 + 0.5);
+    const int n = static_cast<int>(std::lround(x * 1.4426950408889634));
     const double r = (x - n * ln2High) - n * ln2Low;
     double power = 1;
     for (int term = 15; term > 0; --term)
