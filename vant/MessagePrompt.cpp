@@ -1,5 +1,6 @@
 #include "vant/MessagePrompt.h"
 
+#include "host/text/Printable.h"
 #include "platform/Utf8.h"
 
 #include <string>
@@ -18,7 +19,7 @@ MessagePrompt::~MessagePrompt() {
 
 void MessagePrompt::Show(const std::wstring& text, const std::wstring& caption) {
     const std::lock_guard lock(m_oneAtATime);
-    m_out << '[' << ToUtf8(caption) << "] " << ToUtf8(text) << '\n';
+    m_out << '[' << Printable(ToUtf8(caption)) << "] " << Printable(ToUtf8(text)) << '\n';
     if (m_answers) {
         m_out.flush();
         return;

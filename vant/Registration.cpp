@@ -47,6 +47,10 @@ ExitCode PrintCatalogue() {
         std::cout << each.progId << ' ' << each.classId << ' ' << each.module << '\n';
     if (classes.empty())
         std::cerr << "vant: no class is registered\n";
+    if (!std::cout.flush()) {
+        std::cerr << "vant: the list could not be written completely\n";
+        return ExitCode::Broken;
+    }
     return ExitCode::Passed;
 }
 

@@ -91,6 +91,7 @@ int RunProgram(int argc, char** argv) {
     CLI::App* const unregisterModule = addRegistration("unregister", "Remove the registration");
     CLI::App* const catalogue =
         app.add_subcommand("catalogue", "List the registered classes and their modules");
+    catalogue->footer("Exit codes: 0 done, 2 wrong usage, 3 the list could not be written.");
 
     std::vector<std::string> arguments = vant::ProcessArguments(argc, argv);
     std::reverse(arguments.begin(), arguments.end()); // as the parser expects them
