@@ -272,6 +272,7 @@ void BehaviourReader::CheckReference(const Reference& reference,
     const auto followed = parameters.find(id);
     if (followed == parameters.end()) {
         std::vector<std::string> names;
+        names.reserve(parameters.size());
         for (const auto& [name, parameter] : parameters)
             names.push_back(name);
         m_found.Error(position, "there is no parameter " + Quoted(id) + DidYouMean(id, names));

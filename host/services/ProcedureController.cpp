@@ -11,7 +11,7 @@ HRESULT ProcedureController::SetTransition(BSTR transitionId) {
         {
             const std::lock_guard lock(m_access);
             if (!m_transitions.contains(id))
-                return E_INVALIDARG;
+                return id.empty() ? S_OK : E_INVALIDARG;
             m_chosen = std::move(id);
         }
         m_changed.Set();

@@ -23,7 +23,8 @@ public:
     HRESULT STDMETHODCALLTYPE Reserved5() override { return Refuse("Reserved5"); }
     HRESULT STDMETHODCALLTYPE Reserved6() override { return Refuse("Reserved6"); }
     /// The last choice counts. E_INVALIDARG, and an earlier choice stays, for an id that leads nowhere from
-    /// this step, and for every id between two steps.
+    /// this step, and for every id between two steps. The empty id, which a command hands on where none was
+    /// given to it, chooses nothing.
     HRESULT STDMETHODCALLTYPE SetTransition(BSTR transitionId) override;
 
     /// Begins a step: forgets what was chosen, and from now on accepts these ids.

@@ -131,6 +131,16 @@ TEST_F(RunnerTest, UnknownTransition_IsRefusedAndNextIsFollowed) {
     EXPECT_EQ(answer, E_INVALIDARG);
 }
 
+TEST_F(RunnerTest, EmptyTransition_ChoosesNothingAndKeepsAnEarlierChoice) {
+    factory.classes["choose"] = [](const test::Scene& scene) {
+        scene.SetTransition(L"good");
+        return scene.SetTransition(L"");
+    };
+    factory.classes["none"] = [](const test::Scene& scene) { return scene.SetTransition(L""); };
+    EXPECT_EQ(Run(Commands({"choose", "none"}) + "[steps.s]\nrun = ['none', 'choose']\nnext = 'bad'\n"),
+              Verdict::Passed);
+}
+
 TEST_F(RunnerTest, TransitionOfAnotherStepsTable_IsRefused) {
     factory.classes["choose"] = [](const test::Scene& scene) { return scene.SetTransition(L"weak"); };
     EXPECT_EQ(Run(Commands({"choose", "ok"}) + "[steps.s]\nrun = ['ok']\nnext = 't'\non = { weak = 'good' }\n"
