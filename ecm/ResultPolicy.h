@@ -14,7 +14,7 @@
 
 namespace vant {
 
-/// A failed host call. Thrown and caught by value; handlers treat every exception alike and look at no field.
+/// A failed host call, thrown and caught by value. No std::exception: handlers take all alike, read no field.
 class CComErrorHandlerException {
 public:
     CComErrorHandlerException(HRESULT code, std::uint32_t contextCode)

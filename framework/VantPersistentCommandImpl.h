@@ -74,6 +74,8 @@ private:
         return 0;
     }
 
+    /// Set by the first Execute and never cleared: a command that was executed before Initialize stays
+    /// without a thread service.
     bool m_threadServiceBound = false;
 
 protected:

@@ -5,6 +5,7 @@
 #include "tests/support/EmptyDesktop.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <initializer_list>
 #include <ostream>
 #include <utility>
@@ -227,6 +228,31 @@ TEST_P(EveryBuiltCommand, Slots7And8_KeepTheLabelWhole) {
 TEST_P(EveryBuiltCommand, LiveObject_KeepsTheModule) {
     RawCommand command(*GetParam().id);
     EXPECT_EQ(command.Module().CanUnloadNow(), S_FALSE);
+}
+
+TEST(BuiltCommand, ResultsAndTruth_AreTheNumbersOfTheContract) {
+    RawHost host;
+    {
+        RawCommand command(commandTerminator);
+        const auto validity = [&command] {
+            VARIANT_BOOL valid = 77;
+            EXPECT_EQ(static_cast<std::uint32_t>(command.GetIsValid(&valid)), 0U);
+            return static_cast<std::uint16_t>(valid);
+        };
+        const auto number = [](HRESULT code) { return static_cast<std::uint32_t>(code); };
+        EXPECT_EQ(number(command.SetProperty(L"CommandID", L"T1")), 0x80070057U);
+        EXPECT_EQ(number(command.GetIsValid(nullptr)), 0x80004003U);
+        EXPECT_EQ(validity(), 0U);
+        EXPECT_EQ(number(command.Execute()), 0x8000FFFFU);
+        EXPECT_EQ(number(command.SetProperty(L"commandID", L"T1")), 0U);
+        EXPECT_EQ(validity(), 0xFFFFU);
+        EXPECT_EQ(number(command.Initialize(host)), 0U);
+        EXPECT_EQ(number(command.Initialize(host)), 0x8000FFFFU);
+        EXPECT_EQ(number(command.Execute()), 0U);
+        host.answer = E_INVALIDARG;
+        EXPECT_EQ(number(command.Execute()), 0x80004005U);
+    }
+    ExpectCleanEnd(host);
 }
 
 TEST(BuiltCommand, CompositeCommand_RunsEachIdentifierThroughSlot3OfTheRunner) {

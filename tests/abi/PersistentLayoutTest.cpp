@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 #include <memory>
+#include <tuple>
 #include <vector>
 
 namespace vant::abi {
@@ -74,6 +75,14 @@ TEST_F(PersistentLayout, ThreadManagement_HasATableOfItsOwnWithTheFourOperations
               (Calls{L"threadService 13(callback, 9, 0, 0, 0, IVantPersistentCommandImpl, Persistent Thread)",
                      L"threadService 12(7)", L"threadService 11(7)", L"threadService 8(7)"}));
     EXPECT_EQ(host.Trapped(), Calls());
+}
+
+TEST_F(PersistentLayout, ThreadManagement_ItsDestructorDestroysTheWholeCommand) {
+    const LONG before = ModuleLock::Count();
+    CThreadManagement* const management = probe;
+    std::ignore = command.Detach(); // its reference goes with it
+    delete management;
+    EXPECT_EQ(ModuleLock::Count(), before - 1);
 }
 
 TEST_F(PersistentLayout, Members_StandInTheirOrder) {

@@ -38,7 +38,7 @@ TEST(ModuleMemory, NoMemoryForTheClassObject_AnswersOutOfMemory_AndTheNextReques
         const HRESULT code = WithoutMemory([&] {
             return module.GetClassObject(*row.classId, IID_IClassFactory, &out); //
         });
-        EXPECT_EQ(code, E_OUTOFMEMORY);
+        EXPECT_EQ(code, static_cast<HRESULT>(0x8007000E));
         EXPECT_EQ(out, nullptr);
         EXPECT_TRUE(module.ClassObject(*row.classId));
         EXPECT_EQ(module.CanUnloadNow(), S_OK);
@@ -53,7 +53,7 @@ TEST(ModuleMemory, NoMemoryForTheObject_AnswersOutOfMemory_AndLeavesNoLock) {
         const HRESULT code = WithoutMemory([&] {
             return factory->CreateInstance(nullptr, IID_IVantCommand, &out); //
         });
-        EXPECT_EQ(code, E_OUTOFMEMORY);
+        EXPECT_EQ(code, static_cast<HRESULT>(0x8007000E));
         EXPECT_EQ(out, nullptr);
         EXPECT_EQ(module.CanUnloadNow(), S_OK);
     }

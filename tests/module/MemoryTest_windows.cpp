@@ -24,11 +24,15 @@ std::size_t AllocatedBlocks() {
     return blocks;
 }
 
-TEST(Memory, LoadingAndUnloadingManyTimes_LeavesNoBlockForEachTime) {
+TEST(Memory, LoadingCreatingAndUnloadingManyTimes_LeavesNoBlockForEachTime) {
     constexpr std::size_t times = 100;
     const auto reload = [] {
-        for (std::size_t i = 0; i < times; ++i)
+        for (std::size_t i = 0; i < times; ++i) {
             const BuiltModule module;
+            CComPtr<IVantCommand> command;
+            EXPECT_EQ(module.Create(CLSID_Calculator, IID_IVantCommand, reinterpret_cast<void**>(&command)),
+                      S_OK);
+        }
     };
     reload(); // what the system keeps once
     const std::size_t before = AllocatedBlocks();

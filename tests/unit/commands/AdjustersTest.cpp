@@ -15,8 +15,6 @@ namespace vant::test {
 
 namespace {
 
-using Calls = std::vector<std::string>;
-
 /// A host with an engine at its target, and one command.
 template <class Class>
 class Adjustment {

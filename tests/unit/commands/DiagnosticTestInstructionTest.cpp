@@ -50,10 +50,24 @@ TEST_F(DiagnosticTestInstruction, MissingEntry_ShowsAnEmptyInstruction) {
     EXPECT_EQ((Calls{"GetValue(entry)", "ShowInstruction()"}), host.calls);
 }
 
-TEST_F(DiagnosticTestInstruction, EntryThatHoldsNoString_ShowsAnEmptyInstruction) {
-    Store(CComVariant(LONG{5}));
+TEST_F(DiagnosticTestInstruction, EntryThatHoldsNoText_ShowsAnEmptyInstruction) {
+    for (const CComVariant& value : {CComVariant(LONG{5}), CComVariant(), CComVariant(CComBSTR())}) {
+        Store(value);
+        EXPECT_EQ(S_OK, Instruct());
+        EXPECT_EQ((Calls{"GetValue(entry)", "ShowInstruction()"}), host.calls);
+    }
+}
+
+TEST_F(DiagnosticTestInstruction, UnclosedReference_StaysAsItIs) {
+    Store(L"$p(RPM) rpm, not $p(RPM");
     EXPECT_EQ(S_OK, Instruct());
-    EXPECT_EQ((Calls{"GetValue(entry)", "ShowInstruction()"}), host.calls);
+    EXPECT_EQ("ShowInstruction(1200 rpm, not $p(RPM)", host.calls.back());
+}
+
+TEST_F(DiagnosticTestInstruction, DataStoreReferences_AreNotExpanded) {
+    Store(L"$d(entry)");
+    EXPECT_EQ(S_OK, Instruct());
+    EXPECT_EQ("ShowInstruction($d(entry))", host.calls.back());
 }
 
 TEST_F(DiagnosticTestInstruction, NothingGiven_ShowsANullText) {

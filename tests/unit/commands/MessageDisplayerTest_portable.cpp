@@ -48,10 +48,12 @@ TEST_F(ShownMessage, MissingEntry_IsShownEmpty) {
     EXPECT_EQ((std::vector<std::string>{"TORVEX: "}), shown);
 }
 
-TEST_F(ShownMessage, EntryThatHoldsNoString_IsShownEmpty) {
-    Store(CComVariant(LONG{5}));
-    EXPECT_EQ(S_OK, Display());
-    EXPECT_EQ((std::vector<std::string>{"TORVEX: "}), shown);
+TEST_F(ShownMessage, EntryThatHoldsNoText_IsShownEmpty) {
+    for (const CComVariant& value : {CComVariant(LONG{5}), CComVariant(), CComVariant(CComBSTR())}) {
+        Store(value);
+        EXPECT_EQ(S_OK, Display());
+    }
+    EXPECT_EQ(std::vector<std::string>(3, "TORVEX: "), shown);
 }
 
 TEST_F(ShownMessage, References_AreNotExpanded) {

@@ -6,7 +6,15 @@ namespace vant::test {
 
 namespace {
 
-class MonitorUpdaterInTime : public TimedRun<CMonitorUpdater> {
+/// Lets a test change a property, which no host can.
+class CChangingUpdater : public CMonitorUpdater {
+public:
+    void Change(std::wstring_view name, std::wstring_view value) {
+        m_properties.insert_or_assign(CComBSTR(name), CComBSTR(value));
+    }
+};
+
+class MonitorUpdaterInTime : public TimedRun<CChangingUpdater> {
 protected:
     MonitorUpdaterInTime() {
         engine.units = {{L"rpm", L"1/min"}};
@@ -46,6 +54,27 @@ TEST_F(MonitorUpdaterInTime, EveryRound_PublishesTheValueOfThatMoment) {
     StopAfter(200);
     EXPECT_EQ((Calls{"0 SetValue(B100_value, \"750\")", "250 SetValue(B100_value, \"800\")"}),
               LoggedCalls("SetValue(B100_value"));
+}
+
+TEST_F(MonitorUpdaterInTime, ListThatChangesBetweenRounds_IsSplitAgain) {
+    Start(L"100");
+    Sleep(300);
+    const auto change = [this](std::wstring_view ids) {
+        static_cast<CChangingUpdater*>(command.Get())->Change(L"parameterIDs", ids);
+    };
+    change(L"200 100");
+    Sleep(250);
+    change(L"200");
+    Sleep(250);
+    change(L"");
+    StopAfter(500);
+    EXPECT_EQ((Calls{"0 SetComponentProperty(monitor, parameter, \"B100\")",
+                     "250 SetComponentProperty(monitor, parameter, \"B100\")",
+                     "500 SetComponentProperty(monitor, parameter, \"B200\")",
+                     "500 SetComponentProperty(monitor, parameter, \"B100\")",
+                     "750 SetComponentProperty(monitor, parameter, \"B200\")"}),
+              LoggedCalls("SetComponentProperty"));
+    EXPECT_EQ(1300, ClockMilliseconds());
 }
 
 TEST_F(MonitorUpdaterInTime, OneFailure_EndsItForGood) {

@@ -61,7 +61,7 @@ TEST_F(ParameterSamplerInTime, NegativeNumberOfSamples_TakesNoTimeButTheDelay) {
               {L"numSamples", L"-1"},
               {L"delay", L"300"},
               {L"dsTarget", L"mean"}});
-    EXPECT_EQ(Calls{"300 SetValue(mean, \"0\")"}, log);
+    EXPECT_EQ((Calls{"300 SetValue(mean, \"0\")", "300 SetTransition(null)"}), log);
 }
 
 TEST_F(ParameterSamplerInTime, StoppedDuringTheDelay_ReadsNothing) {

@@ -45,6 +45,15 @@ TEST_F(PropertySetter, EmptyLiteral_StillWins) {
     EXPECT_EQ(SetTo(""), host.calls);
 }
 
+TEST_F(PropertySetter, NullLiteral_IsTheEmptyTextAndStillWins) {
+    const auto command =
+        CreateCommand<CPropertySetter>(host, {{L"propertyName", L"text"}, {L"componentID", L"label"}});
+    ASSERT_EQ(S_OK, command->SetProperty(CComBSTR(L"value").Get(), nullptr));
+    SetProperties(*command.Get(), {{L"dsValue", L"x"}, {L"pValue", L"RPM"}});
+    EXPECT_EQ(S_OK, command->Execute());
+    EXPECT_EQ(SetTo(""), host.calls);
+}
+
 TEST_F(PropertySetter, DataStoreEntry_WinsOverTheParameter) {
     EXPECT_EQ(S_OK, Set({{L"dsValue", L"x"}, {L"pValue", L"RPM"}}));
     EXPECT_EQ((Calls{"GetValue(x)", SetTo("stored").front()}), host.calls);
@@ -62,10 +71,12 @@ TEST_F(PropertySetter, NoSource_SetsTheEmptyText) {
     EXPECT_EQ(SetTo(""), host.calls);
 }
 
-TEST_F(PropertySetter, EntryThatHoldsNoString_SetsTheEmptyText) {
-    host.dataStore[L"x"] = CComVariant(LONG{5});
-    EXPECT_EQ(S_OK, Set({{L"dsValue", L"x"}}));
-    EXPECT_EQ((Calls{"GetValue(x)", SetTo("").front()}), host.calls);
+TEST_F(PropertySetter, EntryThatHoldsNoText_SetsTheEmptyText) {
+    for (const CComVariant& value : {CComVariant(LONG{5}), CComVariant(), CComVariant(CComBSTR())}) {
+        host.dataStore[L"x"] = value;
+        EXPECT_EQ(S_OK, Set({{L"dsValue", L"x"}}));
+        EXPECT_EQ((Calls{"GetValue(x)", SetTo("").front()}), host.calls);
+    }
 }
 
 // References
@@ -73,6 +84,7 @@ TEST_F(PropertySetter, EntryThatHoldsNoString_SetsTheEmptyText) {
 TEST_F(PropertySetter, ReferencesInALiteral_AreExpanded) {
     EXPECT_EQ(S_OK, Set({{L"value", L"speed $p(VSS) km/h at $p(RPM)"}}));
     EXPECT_EQ(SetTo("speed 42 km/h at 750").front(), host.calls.back());
+    EXPECT_EQ("GetParameter(VSS, 1)", host.calls.front());
 }
 
 TEST_F(PropertySetter, ReferencesInAnEntryAndInAParametersText_AreExpanded) {

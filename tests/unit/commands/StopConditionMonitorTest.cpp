@@ -7,6 +7,12 @@ namespace vant::test {
 
 namespace {
 
+/// Its body can be run without Execute.
+class COpenMonitor : public CStopConditionMonitor {
+public:
+    using CStopConditionMonitor::ExecutePersistent;
+};
+
 class StopConditionMonitor : public PersistentRun<CStopConditionMonitor> {
 protected:
     StopConditionMonitor() { Store(L"failure", L"too hot"); }
@@ -104,6 +110,17 @@ TEST_F(StopConditionMonitor, EmptyFailTransition_IsPassedOn) {
     PersistentRun::Execute({{L"dsSetID", L"set"}, {L"failTransitionID", L""}, {L"dsMessageID", L"message"}});
     RunBody();
     EXPECT_EQ((std::vector<std::wstring>{L""}), host.transitions);
+}
+
+TEST_F(StopConditionMonitor, FailTransitionThatWasNotGiven_IsPassedOnAsNull) {
+    conditions.answers = {VARIANT_FALSE};
+    const auto monitor =
+        CreateCommand<COpenMonitor>(host, {{L"dsSetID", L"set"}, {L"dsMessageID", L"message"}});
+    static_cast<COpenMonitor*>(monitor.Get())->ExecutePersistent();
+    EXPECT_EQ(readAndEvaluate +
+                  (Calls{"GetFailureKey()", "GetValue(failure)", "SetValue(message, \"too hot\")",
+                         "SetTransition(null)", "PersistentCommandStopped()"}),
+              host.calls);
 }
 
 TEST_F(StopConditionMonitor, EntryThatHoldsNoSet_EndsTheRound) {

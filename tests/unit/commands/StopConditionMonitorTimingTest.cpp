@@ -33,6 +33,17 @@ TEST_F(StopConditionMonitorInTime, ConditionsHoldThroughout_EndsOnlyWhenStopped)
     EXPECT_EQ(10'100, ClockMilliseconds());
 }
 
+TEST_F(StopConditionMonitorInTime, ConditionFailsInTheFirstRound_TripsAtOnce) {
+    conditions.answers = {VARIANT_FALSE};
+    Start();
+    Join();
+    EXPECT_EQ((Calls{"0 GetValue(set)", "0 QueryInterface(IConditionSet)", "0 Evaluate()",
+                     "0 GetFailureKey()", "0 GetValue(failure)", "0 SetValue(message, \"too hot\")",
+                     "0 SetTransition(failed)", "0 PersistentCommandStopped()"}),
+              log);
+    EXPECT_EQ(0, ClockMilliseconds());
+}
+
 TEST_F(StopConditionMonitorInTime, ConditionFailsInALaterRound_TripsThere) {
     conditions.answers = {VARIANT_TRUE, VARIANT_TRUE, VARIANT_FALSE};
     Start();

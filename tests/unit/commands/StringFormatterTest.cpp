@@ -188,6 +188,15 @@ TEST_F(StringFormatter, RoundWithoutLength_CutsAllDecimals) {
     EXPECT_EQ("\"-3\"", Format(L"round", Text(L"-3.99")));
 }
 
+TEST_F(StringFormatter, Round_CutsWhatTheProductIsAsADouble) {
+    // With more digits the first three would be cut one lower; 0.29 times 100 is less than 29 as a double,
+    // too.
+    EXPECT_EQ("\"0.03\"", Round(L"0.03", L"2"));
+    EXPECT_EQ("\"0.06\"", Round(L"0.06", L"2"));
+    EXPECT_EQ("\"0.09\"", Round(L"0.09", L"2"));
+    EXPECT_EQ("\"0.28\"", Round(L"0.29", L"2"));
+}
+
 TEST_F(StringFormatter, Round_AddsNoZeros) {
     EXPECT_EQ("\"2.5\"", Round(L"2.5", L"2"));
     EXPECT_EQ("\"7\"", Round(L"7.000", L"3"));
@@ -236,6 +245,21 @@ TEST_F(StringFormatter, InputThatIsNoNumber_CountsAs0) {
 TEST_F(StringFormatter, RoundLengthThatIsNoInteger_CountsAs0) {
     EXPECT_EQ("\"3\"", Round(L"3.99", L"two"));
     EXPECT_EQ("\"3\"", Round(L"3.99", L""));
+}
+
+TEST_F(StringFormatter, RoundLengthWithDecimals_RoundsHalfToEven) {
+    EXPECT_EQ("\"3.45\"", Round(L"3.456", L"1.5"));
+    EXPECT_EQ("\"3.45\"", Round(L"3.456", L"2.5"));
+}
+
+TEST_F(StringFormatter, NullProperties_CountAsEmptyTexts) {
+    host.dataStore[L"source"] = Text(L"3.99");
+    const auto command =
+        CreateCommand<CStringFormatter>(host, {{L"dsSourceString", L"source"}, {L"operation", L"round"}});
+    for (const wchar_t* name : {L"dsTargetString", L"roundLength"})
+        ASSERT_EQ(S_OK, command->SetProperty(CComBSTR(name).Get(), nullptr));
+    EXPECT_EQ(S_OK, command->Execute());
+    EXPECT_EQ((Calls{"GetValue(source)", "SetValue(null, \"3\")"}), host.calls);
 }
 
 // NumToHms

@@ -96,6 +96,12 @@ TEST_F(ThrottleAdjuster, UnknownLowerLimit_FailsBeforeTheUpperIsRead) {
     EXPECT_EQ((Calls{"GetParameter(13191, 1)", "SetTransition(bad)"}), host.calls);
 }
 
+TEST_F(ThrottleAdjuster, LimitWithoutValue_IsAFailedRead) {
+    host.fail["get_Value"] = E_ACCESSDENIED;
+    Run();
+    EXPECT_EQ(Calls(limitReads.begin(), limitReads.begin() + 3) + Calls{"SetTransition(bad)"}, host.calls);
+}
+
 TEST_F(ThrottleAdjuster, LimitWithoutParameterInterface_IsAFailedRead) {
     host.parameters[L"13192"].offersInterface = false;
     Run();

@@ -6,6 +6,12 @@ namespace vant::test {
 
 namespace {
 
+/// Its body can be run without Execute.
+class COpenTimer : public CTimer {
+public:
+    using CTimer::ExecutePersistent;
+};
+
 class Timer : public PersistentRun<CTimer> {};
 
 TEST_F(Timer, LengthAndDsLength_AreInvalidTogether) {
@@ -67,6 +73,21 @@ TEST_F(Timer, StoppedByItsTick_RunsNoStopCommand) {
     Run({{L"length", L"0"}, {L"dsBase", L"count"}, {L"tickCommandID", L"tick"}, {L"stopCommandID", L"stop"}});
     EXPECT_EQ((Calls{"SetValue(count, 0)", "PersistentCommandStopped()", "RunCommandFromThread(tick)"}),
               host.calls);
+}
+
+TEST_F(Timer, WaitThatFails_EndsLikeAStop) {
+    const auto timer = CreateCommand<COpenTimer>(
+        host,
+        {{L"length", L"3"}, {L"dsBase", L"count"}, {L"tickCommandID", L"tick"}, {L"stopCommandID", L"stop"}});
+    static_cast<COpenTimer*>(timer.Get())->ExecutePersistent(); // There is no stop event before Execute.
+    EXPECT_EQ((Calls{"SetValue(count, 3)", "RunCommandFromThread(tick)"}), host.calls);
+}
+
+TEST_F(Timer, LengthAndDsLength_InABodyThatIsNotValidated_TheLiteralCounts) {
+    const auto timer = CreateCommand<COpenTimer>(
+        host, {{L"length", L"-1"}, {L"dsLength", L"seconds"}, {L"dsBase", L"count"}});
+    static_cast<COpenTimer*>(timer.Get())->ExecutePersistent();
+    EXPECT_EQ(Calls{"SetValue(count, -1)"}, host.calls);
 }
 
 TEST_F(Timer, LengthFromTheDataStore_IsReadAsText) {

@@ -504,6 +504,14 @@ TEST_F(ECMParameter2Test, WrittenObject_NeedNotOfferItsInterface_NorBeThere) {
     EXPECT_EQ(S_OK, Open().WriteLong(L"13190", 3, false));
 }
 
+TEST_F(ECMParameter2Test, Write_AnswersTheResultOfClearingTheValue) {
+    constexpr VARTYPE noType = 15; // the platform cannot clear a value of it
+    service.writesGiveNothing = true;
+    CComVariant value;
+    (&value)->vt = noType;
+    EXPECT_EQ(DISP_E_BADVARTYPE, Open().Write(L"13190", std::move(value), false));
+}
+
 TEST_F(ECMParameter2Test, FailedWrite_Throws) {
     EXPECT_EQ(E_INVALIDARG, Thrown([&] { Open().WriteLong(L"unknown", 3, false); }));
     host.fail["SetParameter"] = E_NOTIMPL;

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstring>
+#include <exception>
 #include <gtest/gtest.h>
 #include <limits>
 #include <type_traits>
@@ -140,6 +141,10 @@ TEST(ComErrorHandlerException, Class_IsPolymorphicAndCopyable) {
     EXPECT_TRUE(std::is_polymorphic_v<CComErrorHandlerException>);
     EXPECT_TRUE(std::has_virtual_destructor_v<CComErrorHandlerException>);
     EXPECT_TRUE(std::is_copy_constructible_v<CComErrorHandlerException>);
+}
+
+TEST(ComErrorHandlerException, Class_IsNoStandardException) {
+    EXPECT_FALSE((std::is_base_of_v<std::exception, CComErrorHandlerException>));
 }
 
 TEST(ComErrorHandlerException, Copy_CarriesEveryField) {

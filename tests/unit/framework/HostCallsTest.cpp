@@ -36,6 +36,7 @@ protected:
 
 TEST_F(HostCalls, EveryCall_ReachesItsServiceWithItsArguments) {
     EXPECT_EQ(S_OK, probe->RunCommand(x));
+    EXPECT_EQ(S_OK, probe->RunCommandFromThread(y));
     EXPECT_EQ(S_OK, probe->TerminateCommand(x));
     EXPECT_EQ(S_OK, probe->SetDataStoreValue(x, CComVariant(LONG{3})));
     CComVariant value;
@@ -48,20 +49,22 @@ TEST_F(HostCalls, EveryCall_ReachesItsServiceWithItsArguments) {
     EXPECT_EQ(S_OK, probe->GetParameter(id, 7, parameter));
     EXPECT_TRUE(parameter);
     EXPECT_EQ(S_OK, probe->SetParameter(id, CComVariant(2.5)));
-    EXPECT_EQ((Calls{"RunCommand(x)", "TerminateCommand(x)", "SetValue(x, 3)", "GetValue(x)",
-                     "SetComponentProperty(x, y, \"13190\")", "ShowInstruction(x)", "SetTransition(x)",
-                     "GetParameter(13190, 7)", "SetParameter(13190, 1, 2.5)"}),
+    EXPECT_EQ((Calls{"RunCommand(x)", "RunCommandFromThread(y)", "TerminateCommand(x)", "SetValue(x, 3)",
+                     "GetValue(x)", "SetComponentProperty(x, y, \"13190\")", "ShowInstruction(x)",
+                     "SetTransition(x)", "GetParameter(13190, 7)", "SetParameter(13190, 1, 2.5)"}),
               host.calls);
 }
 
 TEST_F(HostCalls, CodeOfTheHost_IsAnswered) {
-    for (const char* operation : {"RunCommand", "TerminateCommand", "SetValue", "GetValue", "GetParameter",
-                                  "SetParameter", "SetComponentProperty", "ShowInstruction", "SetTransition"})
+    for (const char* operation :
+         {"RunCommand", "RunCommandFromThread", "TerminateCommand", "SetValue", "GetValue", "GetParameter",
+          "SetParameter", "SetComponentProperty", "ShowInstruction", "SetTransition"})
         host.fail[operation] = E_UNEXPECTED;
     CComVariant value;
     CComBSTR text;
     CComPtr<IUnknown> parameter;
     EXPECT_EQ(E_UNEXPECTED, probe->RunCommand(x));
+    EXPECT_EQ(E_UNEXPECTED, probe->RunCommandFromThread(x));
     EXPECT_EQ(E_UNEXPECTED, probe->TerminateCommand(x));
     EXPECT_EQ(E_UNEXPECTED, probe->SetDataStoreValue(x, value));
     EXPECT_EQ(E_UNEXPECTED, probe->GetDataStoreValue(x, value));
@@ -80,6 +83,7 @@ TEST_F(HostCalls, WithoutInitialize_EveryCallAnswersPointer) {
     CComBSTR text;
     CComPtr<IUnknown> parameter;
     EXPECT_EQ(E_POINTER, bare.RunCommand(x));
+    EXPECT_EQ(E_POINTER, bare.RunCommandFromThread(x));
     EXPECT_EQ(E_POINTER, bare.TerminateCommand(x));
     EXPECT_EQ(E_POINTER, bare.SetDataStoreValue(x, value));
     EXPECT_EQ(E_POINTER, bare.GetDataStoreValue(x, value));

@@ -26,6 +26,9 @@ protected:
     RunRepeatedly() : WithoutThreads(host) {}
 };
 
+/// On a thread of its own, with a period that no test lasts.
+class RunEveryMinute : public WithPersistentProbe<60'000> {};
+
 // Executing
 
 TEST_F(RunOnce, Execute_RegistersACallbackAndReturns) {
@@ -98,7 +101,7 @@ TEST_F(RunOnce, Body_RunsOnTheServicesThread) {
     EXPECT_EQ(E_FAIL, host.Threads().Record().result);
 }
 
-TEST_F(RunOnce, InvalidPropertySet_StartsNothing) {
+TEST_F(RunOnce, UndeclaredProperty_IsRefused) {
     EXPECT_EQ(E_INVALIDARG, SetProperty(*command.Get(), L"unknown", L""));
     EXPECT_EQ(S_OK, SetProperty(*command.Get(), L"value", L""));
     EXPECT_EQ(Calls{}, host.calls);
@@ -108,8 +111,22 @@ TEST_F(RunOnce, InvalidPropertySet_StartsNothing) {
 
 TEST_F(RunOnce, NoThreadService_NothingRunsAndNothingIsReported) {
     const auto uninitialised = CreateCommand<CPersistentProbe<0>>();
+    auto* const object = static_cast<CPersistentProbe<0>*>(uninitialised.Get());
+    const LONG before = ModuleLock::Count();
     EXPECT_EQ(S_OK, uninitialised->Execute());
+    EXPECT_EQ(0, object->runs);
+    EXPECT_EQ(before, ModuleLock::Count()); // no callback
+    EXPECT_EQ(E_FAIL, object->StartThread(1, 0));
+}
+
+TEST_F(RunOnce, ExecutedBeforeInitialize_StartsNothingAfterwardsEither) {
+    const auto late = CreateCommand<CPersistentProbe<0>>();
+    EXPECT_EQ(S_OK, late->Execute());
+    EXPECT_EQ(S_OK, late->Initialize(host.Context(), host.Controller()));
+    host.ForgetCalls();
+    EXPECT_EQ(S_OK, late->Execute());
     EXPECT_EQ(Calls{}, host.calls);
+    EXPECT_EQ(0u, host.Threads().RegistrationCount());
 }
 
 TEST_F(RunOnce, ServiceWithoutItsInterface_NothingRunsAndNothingIsReported) {
@@ -306,8 +323,15 @@ TEST_F(RunRepeatedly, BodyThatStopsItself_IsNotRunAgain) {
     EXPECT_EQ(Calls{"PersistentCommandStopped()"}, host.calls);
 }
 
-TEST_F(RunRepeatedly, StoppedInRealTime_EndsWithinItsPeriod) {
-    host.Threads().startsThreads = true;
+TEST_F(RunRepeatedly, WaitThatFails_EndsTheLoop) {
+    // Without Execute there is no event to wait for.
+    CComPtr<IUnknown>(host.Threads().Object()).Swap(probe->m_threadServiceRef);
+    EXPECT_EQ(S_OK, probe->StartThread(1, 0));
+    EXPECT_EQ(E_FAIL, host.Threads().Run());
+    EXPECT_EQ(1, probe->runs);
+}
+
+TEST_F(RunEveryMinute, StoppedInRealTime_EndsWithinItsPeriod) {
     Event running;
     probe->body = [&running] { running.Set(); };
     Execute();

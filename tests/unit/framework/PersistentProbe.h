@@ -28,6 +28,8 @@ public:
     std::function<void()> body = [] {};
     int runs = 0;
 
+    using CThreadManagement::m_threadServiceRef;
+
     DWORD WaitForStop(DWORD milliseconds) { return this->m_stopEvent.Wait(milliseconds); }
 
 protected:

@@ -37,6 +37,7 @@ public:
     using CVantCommandBase::ReadParameterText;
     using CVantCommandBase::ReadParameterValue;
     using CVantCommandBase::RunCommand;
+    using CVantCommandBase::RunCommandFromThread;
     using CVantCommandBase::SetComponentProperty;
     using CVantCommandBase::SetDataStoreValue;
     using CVantCommandBase::SetParameter;

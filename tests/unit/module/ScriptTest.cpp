@@ -130,7 +130,7 @@ TEST_F(Script, MalformedPlace_StopsThereAndKeepsWhatWasWritten) {
     EXPECT_EQ(Register("HKCR { A = s 'a' B = s C = s 'c' }"), scriptMalformed);
     EXPECT_EQ(store.operations, (Operations{L"create A", L"set A [] a"}));
 }
-TEST_F(Script, MalformedScripts_AreRefusedWithNothingWritten) {
+TEST_F(Script, MalformedScripts_AreRefusedAndWriteNothingFromThereOn) {
     for (const std::string_view script : {"",
                                           "HKCR",
                                           "HKCR {",

@@ -146,6 +146,13 @@ TEST_F(SampledThrottleAdjusterInTime, UnreadableStatus_ClosesTheSessionAndTakesT
     EXPECT_EQ((Calls{"GetParameter(199236, 1)", "CloseECM(7)", "SetTransition(bad)"}), Last(3));
 }
 
+TEST_F(SampledThrottleAdjusterInTime, StatusWithoutValue_IsAFailedRead) {
+    speed.engine.protocolKind = 4; // the speed is no get_Value
+    host.fail["get_Value"] = E_ACCESSDENIED;
+    EXPECT_EQ(5000, Adjust());
+    EXPECT_EQ((Calls{"get_Value()", "CloseECM(7)", "SetTransition(bad)"}), Last(3));
+}
+
 TEST_F(SampledThrottleAdjusterInTime, StatusWithoutParameterInterface_IsAFailedRead) {
     host.parameters[L"199236"].offersInterface = false;
     Adjust();

@@ -24,6 +24,15 @@ protected:
         host.parameters[L"13192"].value = CComVariant(upper);
     }
     void Start() { TimedRun::Start({{L"successTransition", L"good"}, {L"failTransition", L"bad"}}); }
+    /// The stop event is then signalled while the body does not wait.
+    void StopDuringTheReading() {
+        const auto note = host.onCall;
+        host.onCall = [this, note](const std::string& call) {
+            note(call);
+            if (call == "GetParameter(101000, 1)")
+                Stop();
+        };
+    }
     void RunToEnd() {
         Start();
         Join();
@@ -99,6 +108,22 @@ TEST_F(ThrottleAdjusterInTime, StoppedInTheThirdWait_ChoosesNoTransitionAndLeave
     EXPECT_TRUE(host.transitions.empty());
     EXPECT_EQ(30, host.parameters[L"13190"].value.Get().lVal);
     EXPECT_EQ("12000 PersistentCommandStopped()", log.back());
+}
+
+TEST_F(ThrottleAdjusterInTime, StoppedDuringAReading_WritesTheNextCommandAndEndsAtItsWait) {
+    speed.Set({1300});
+    StopDuringTheReading();
+    RunToEnd();
+    EXPECT_EQ((Calls{"20", "25"}), speed.Written());
+    EXPECT_EQ(5000, ClockMilliseconds());
+    EXPECT_TRUE(host.transitions.empty());
+}
+
+TEST_F(ThrottleAdjusterInTime, StoppedDuringAReadingInTheBand_Succeeds) {
+    StopDuringTheReading();
+    RunToEnd();
+    EXPECT_EQ(Calls{"5000 PersistentCommandStopped()"}, LoggedCalls("PersistentCommandStopped"));
+    EXPECT_EQ("5000 SetTransition(good)", log.back());
 }
 
 TEST_F(ThrottleAdjusterInTime, FailedFirstReading_IsNotTakenForOneInTheBand) {

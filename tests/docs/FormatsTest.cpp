@@ -1,0 +1,152 @@
+// docs/procedures.md, docs/engines.md and README.md against the readers of the two file formats, the program
+// and its output.
+
+#include "host/procedure/EngineReader.h"
+#include "host/procedure/ProcedureCheck.h"
+#include "host/procedure/ProcedureReader.h"
+#include "host/runner/Module.h"
+#include "platform/Process.h"
+#include "tests/docs/Markdown.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <iterator>
+#include <regex>
+#include <set>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace vant::test {
+namespace {
+
+using Words = std::set<std::string>;
+
+/// The first group of every match.
+Words Matches(const std::string& text, const std::regex& expression) {
+    Words found;
+    for (std::sregex_iterator each(text.begin(), text.end(), expression), end; each != end; ++each)
+        found.insert(each->str(1));
+    return found;
+}
+
+/// Every key that a reader's source knows; it names them where it refuses all others.
+Words KnownKeys(const std::string& source) {
+    const std::string text = ReadProjectFile(source);
+    const std::regex lists(R"(CheckKeys\([^{;]*\{([^}]*)\}\))");
+    Words keys;
+    for (std::sregex_iterator list(text.begin(), text.end(), lists), end; list != end; ++list)
+        keys.merge(Matches(list->str(1), std::regex(R"re("(\w+)")re")));
+    EXPECT_FALSE(keys.empty()) << source;
+    return keys;
+}
+
+/// Every word of the code in the tables of a document.
+Words WordsInTables(const std::string& document) {
+    Words words;
+    for (const Section& section : ReadSections(document)) {
+        for (const std::string& line : section.lines) {
+            if (!line.starts_with('|'))
+                continue;
+            for (const std::string& code : Matches(line, std::regex("`([^`]*)`")))
+                words.merge(Matches(code, std::regex(R"((\w+))")));
+        }
+    }
+    return words;
+}
+
+Words Missing(const Words& wanted, const Words& given) {
+    Words missing;
+    std::set_difference(wanted.begin(), wanted.end(), given.begin(), given.end(),
+                        std::inserter(missing, missing.end()));
+    return missing;
+}
+
+const Section& SectionOf(const std::vector<Section>& sections, const std::string& title) {
+    return *std::find_if(sections.begin(), sections.end(),
+                         [&](const Section& each) { return each.title == title; });
+}
+
+std::string TomlOfTheFile(const std::string& document) {
+    return SectionOf(ReadSections(document), "The file").Code("toml").at(0);
+}
+
+/// The first column of the table with that heading, wherever it stands in the document.
+Words FirstColumn(const std::string& document, std::string_view heading) {
+    Words cells;
+    for (const Section& section : ReadSections(document)) {
+        for (const TableRow& row : section.Table(heading))
+            cells.insert(Unquoted(row.at(0)));
+    }
+    return cells;
+}
+
+void ExpectNoMistake(const Diagnostics& found) {
+    for (const Diagnostic& each : found.Sorted())
+        ADD_FAILURE() << each.Text("the example");
+}
+
+TEST(ProceduresDocument, Tables_HoldEveryKey) {
+    const Words described = WordsInTables("docs/procedures.md");
+    for (const char* const source :
+         {"host/procedure/ProcedureReader.cpp", "host/procedure/ConditionReader.cpp"})
+        EXPECT_EQ(Missing(KnownKeys(source), described), Words{}) << source;
+}
+
+TEST(EnginesDocument, Tables_HoldEveryKey) {
+    const Words described = WordsInTables("docs/engines.md");
+    for (const char* const source : {"host/procedure/EngineReader.cpp", "host/procedure/BehaviourReader.cpp"})
+        EXPECT_EQ(Missing(KnownKeys(source), described), Words{}) << source;
+}
+
+TEST(ProceduresDocument, Example_IsAccepted) {
+    Diagnostics found;
+    const Procedure procedure = ReadProcedure(TomlOfTheFile("docs/procedures.md"), found);
+    CheckCommands(procedure, Module(ProgramFolder() / LibraryFileName("VantCommands")), found);
+    ExpectNoMistake(found);
+    EXPECT_FALSE(procedure.steps.empty());
+}
+
+TEST(EnginesDocument, Example_IsAccepted) {
+    Diagnostics found;
+    const EngineDescription engine = ReadEngine(TomlOfTheFile("docs/engines.md"), found);
+    ExpectNoMistake(found);
+    EXPECT_FALSE(engine.parameters.empty());
+}
+
+TEST(ProceduresDocument, Events_AreThoseOfTheRunner) {
+    Words events = Matches(ReadProjectFile("host/runner/Runner.cpp"), std::regex(R"re(Tell\("(\w+)")re"));
+    events.insert("ThreadEnded"); // which the threads tell
+    EXPECT_EQ(FirstColumn("docs/procedures.md", "event of \"Runner\""), events);
+}
+
+TEST(ProceduresDocument, ExitCodes_AreThoseOfTheProgram) {
+    const Words declared = Matches(ReadProjectFile("vant/Run.h"), std::regex(R"( = (\d+)[,} ])"));
+    EXPECT_EQ(FirstColumn("docs/procedures.md", "exit code"), declared);
+}
+
+TEST(Documents, Program_IsDescribedWithEveryCommandAndOption) {
+    std::string text = ReadProjectFile("README.md");
+    for (const auto& entry : std::filesystem::directory_iterator("docs"))
+        text += ReadProjectFile("docs/" + entry.path().filename().string());
+    const std::string program = ReadProjectFile("vant/main.cpp");
+    Words wanted = Matches(program, std::regex(R"re("(--[a-z]+)")re"));
+    for (const std::string& name :
+         Matches(program, std::regex(R"re((?:add_subcommand|addRegistration)\("(\w+)")re")))
+        wanted.insert("vant " + name);
+    EXPECT_GE(wanted.size(), 15U);
+    for (const std::string& each : wanted)
+        EXPECT_NE(text.find(each), std::string::npos) << each;
+}
+
+TEST(Readme, ReportOfTheExample_IsWhatTheProgramPrints) {
+    std::istringstream lines(ReadProjectFile("tests/procedures/expected/battery_check.out"));
+    std::string indented;
+    for (std::string line; std::getline(lines, line);)
+        indented += (line.empty() ? "" : "    " + line) + '\n';
+    EXPECT_NE(ReadProjectFile("README.md").find("\n\n" + indented + '\n'), std::string::npos);
+}
+
+} // namespace
+} // namespace vant::test
