@@ -27,6 +27,7 @@ if(VANT_FUZZ)
   add_compile_options(-fsanitize=fuzzer-no-link)
 endif()
 if(VANT_COVERAGE)
-  add_compile_options(--coverage -fprofile-abs-path)
+  # Many threads count: without atomic counters some counts would be wrong, even negative.
+  add_compile_options(--coverage -fprofile-abs-path -fprofile-update=atomic)
   add_link_options(--coverage)
 endif()
