@@ -210,7 +210,7 @@ void RegisterPersistentBenchmarks() {
         Add<const Case&>(name, StopLatency, subject);
         Add<const Case&>(name + "/floor", StopLatencyFloor, subject);
     }
-    for (const int count : {1, 10, 100}) {
+    for (const int count : {10, 100, 1000, 10000}) {
         const std::string name = "Round/MonitorUpdater/" + std::to_string(count);
         Add<int>(name, Round, count);
         Add<int>(name + "/floor", RoundFloor, count);
