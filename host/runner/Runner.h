@@ -28,7 +28,8 @@ public:
     Runner(const Procedure& procedure, const CommandFactory& factory, Journal& journal);
 
     /// Runs the procedure to its end on the calling thread, which should take part in virtual time. Once.
-    /// When it returns, every persistent command has been stopped, and its thread has ended.
+    /// When it returns, or passes on what the factory throws, every persistent command has been stopped, and
+    /// its thread has ended.
     Verdict Run();
 
     /// Asks the run to end before the next command or step, and ends its waiting. What would actuate
@@ -64,9 +65,9 @@ private:
     const Procedure& m_procedure;
     const CommandFactory& m_factory;
     Journal& m_journal;
-    Services m_services;
     std::atomic<bool> m_aborted{false};
     std::atomic<bool> m_ending{false}; ///< The run has begun to end, aborted or not.
+    Services m_services;               ///< Its threads may use everything above until it ends.
 };
 
 } // namespace vant

@@ -16,6 +16,7 @@ namespace vant {
 struct PersistentThreads::Work {
     CComPtr<IThreadCallback> callback;
     CComPtr<IUnknown> command; ///< Its identity; null where the host does not know it.
+    std::string commandId;
 };
 
 /// What a thread is called. Made before it starts, since a thread can tell nobody that it has no memory.
@@ -28,12 +29,11 @@ struct PersistentThreads::Names {
 
 struct PersistentThreads::Thread {
     const std::uint32_t step;
-    const std::string commandId;
     /// That it has ended, or that nobody needs to wait for it any more.
     Event released{Event::Kind::ManualReset};
     // Under the lock.
     WorkPtr work; ///< Until the callback has returned.
-    std::thread thread;
+    std::jthread thread;
     bool running = true;
     bool registered = true;
 };
@@ -70,20 +70,19 @@ HRESULT PersistentThreads::Start(IThreadCallback& callback, std::wstring_view na
         if (const HRESULT code = command->QueryInterface(IID_IUnknown, identity); FAILED(code))
             return code;
     }
-    const ThreadPtr thread(new Thread{.step = currentThread ? currentStep : m_step.load(),
-                                      .commandId = CurrentCommand(),
-                                      .work = work,
-                                      .thread = {}});
+    work->commandId = CurrentCommand();
+    const ThreadPtr thread(
+        new Thread{.step = currentThread ? currentStep : m_step.load(), .work = work, .thread = {}});
 
     const std::lock_guard lock(m_access);
     if (m_closed)
         return codeAborted;
     const std::uint32_t newCookie = m_lastCookie + 1;
-    Names names{std::wstring(name), ToUtf8(name) + ' ' + std::to_string(newCookie), thread->commandId,
+    Names names{std::wstring(name), ToUtf8(name) + ' ' + std::to_string(newCookie), work->commandId,
                 EndedRecord(newCookie)};
     const auto entry = m_threads.emplace(newCookie, thread).first;
     try {
-        thread->thread = std::thread(
+        thread->thread = std::jthread(
             [this, thread, work = std::move(work), names = std::move(names), place = ClockPlace()]() mutable {
                 const ClockParticipant participant(std::move(place));
                 Run(*thread, std::move(work), std::move(names));
@@ -121,6 +120,8 @@ void PersistentThreads::Run(Thread& thread, WorkPtr work, Names names) noexcept 
 
 HRESULT PersistentThreads::Forget(std::uint32_t cookie) {
     const std::lock_guard lock(m_access);
+    if (m_endedCookies.erase(cookie) != 0)
+        return S_OK;
     const auto entry = m_threads.find(cookie);
     if (entry == m_threads.end() || !entry->second->registered)
         return codeNotFound;
@@ -129,17 +130,19 @@ HRESULT PersistentThreads::Forget(std::uint32_t cookie) {
 }
 
 HRESULT PersistentThreads::IsRunning(std::uint32_t cookie) const {
-    const ThreadPtr thread = Find(cookie);
+    bool hasEnded = false;
+    const ThreadPtr thread = Find(cookie, hasEnded);
     if (!thread)
-        return codeNotFound;
+        return hasEnded ? S_FALSE : codeNotFound;
     const std::lock_guard lock(m_access);
     return thread->running ? S_OK : S_FALSE;
 }
 
 HRESULT PersistentThreads::WaitFor(std::uint32_t cookie) const {
-    const ThreadPtr thread = Find(cookie);
+    bool hasEnded = false;
+    const ThreadPtr thread = Find(cookie, hasEnded);
     if (!thread)
-        return codeNotFound;
+        return hasEnded ? S_OK : codeNotFound;
     if (thread.get() == currentThread)
         return HRESULT_FROM_WIN32(ERROR_POSSIBLE_DEADLOCK);
     thread->released.Wait(INFINITE);
@@ -149,22 +152,31 @@ HRESULT PersistentThreads::WaitFor(std::uint32_t cookie) const {
 
 HRESULT PersistentThreads::StopCommand(std::string_view commandId) {
     const std::vector<WorkPtr> found =
-        WorkWhere([commandId](const Thread& thread) { return thread.commandId == commandId; });
+        WorkWhere([commandId](const Work& work) { return work.commandId == commandId; });
     if (found.empty())
         return codeNotFound;
     HRESULT result = S_OK;
     for (const WorkPtr& work : found) {
-        if (const HRESULT code = Stop(*work); FAILED(code))
+        if (const HRESULT code = Stop(work); FAILED(code))
             result = code;
     }
     return result;
 }
 
-HRESULT PersistentThreads::Stop(const Work& work) {
+HRESULT PersistentThreads::Stop(const WorkPtr& work) {
     CComPtr<IVantPersistentCommand> command;
-    const HRESULT code = work.command.QueryInterface(&command);
-    if (SUCCEEDED(code))
-        command->Stop();
+    const HRESULT code = work->command.QueryInterface(&command);
+    if (FAILED(code))
+        return code;
+    std::list<WorkPtr> entry{work};
+    const auto place = entry.begin();
+    {
+        const std::lock_guard lock(m_access);
+        m_stopping.splice(m_stopping.end(), entry);
+    }
+    command->Stop();
+    const std::lock_guard lock(m_access);
+    entry.splice(entry.end(), m_stopping, place);
     return code;
 }
 
@@ -175,7 +187,11 @@ std::optional<std::string> PersistentThreads::IdOf(IUnknown& command) const {
     const std::lock_guard lock(m_access);
     for (const auto& [cookie, thread] : m_threads) {
         if (thread->work && thread->work->command.Get() == identity.Get())
-            return thread->commandId;
+            return thread->work->commandId;
+    }
+    for (const WorkPtr& work : m_stopping) {
+        if (work->command.Get() == identity.Get())
+            return work->commandId;
     }
     return std::nullopt;
 }
@@ -197,15 +213,16 @@ void PersistentThreads::Close() noexcept {
 
 void PersistentThreads::End() {
     Close();
-    for (const WorkPtr& work : WorkWhere([](const Thread&) { return true; }))
-        Stop(*work);
+    for (const WorkPtr& work : WorkWhere([](const Work&) { return true; }))
+        Stop(work);
     while (IsAnyRunning())
         m_changed.Wait(INFINITE);
     JoinEnded();
 }
 
-PersistentThreads::ThreadPtr PersistentThreads::Find(std::uint32_t cookie) const {
+PersistentThreads::ThreadPtr PersistentThreads::Find(std::uint32_t cookie, bool& hasEnded) const {
     const std::lock_guard lock(m_access);
+    hasEnded = m_endedCookies.contains(cookie);
     const auto entry = m_threads.find(cookie);
     return entry != m_threads.end() && entry->second->registered ? entry->second : nullptr;
 }
@@ -222,7 +239,7 @@ std::vector<PersistentThreads::WorkPtr> PersistentThreads::WorkWhere(Matches mat
     std::vector<WorkPtr> found;
     const std::lock_guard lock(m_access);
     for (const auto& [cookie, thread] : m_threads) {
-        if (thread->work && matches(*thread))
+        if (thread->work && matches(*thread->work))
             found.push_back(thread->work);
     }
     return found;
@@ -231,18 +248,20 @@ std::vector<PersistentThreads::WorkPtr> PersistentThreads::WorkWhere(Matches mat
 /// Gives back what the system keeps for threads that have ended. They have left virtual time, or do so
 /// without waiting for anybody.
 void PersistentThreads::JoinEnded() {
-    std::vector<std::thread> ended;
-    {
-        const std::lock_guard lock(m_access);
-        for (auto entry = m_threads.begin(); entry != m_threads.end();) {
-            Thread& thread = *entry->second;
-            if (!thread.running && thread.thread.joinable())
-                ended.push_back(std::move(thread.thread));
-            entry = thread.running || thread.registered ? std::next(entry) : m_threads.erase(entry);
+    std::vector<std::jthread> ended; // Joined as it goes, outside the lock.
+    const std::lock_guard lock(m_access);
+    ended.reserve(m_threads.size());
+    for (auto entry = m_threads.begin(); entry != m_threads.end();) {
+        const auto& [cookie, thread] = *entry;
+        if (thread->running) {
+            ++entry;
+            continue;
         }
+        if (thread->registered)
+            m_endedCookies.insert(cookie);
+        ended.push_back(std::move(thread->thread));
+        entry = m_threads.erase(entry);
     }
-    for (std::thread& thread : ended)
-        thread.join();
 }
 
 } // namespace vant

@@ -9,10 +9,12 @@
 
 #include <atomic>
 #include <cstdint>
+#include <list>
 #include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -50,7 +52,7 @@ public:
     /// Calls Stop of every running command of that id. codeNotFound where none runs, E_NOINTERFACE where one
     /// cannot be stopped. (What Stop answers is what the controller has answered to it.)
     HRESULT StopCommand(std::string_view commandId);
-    /// The id of the running command that `command` is; nothing where it is none.
+    /// The id of the command that `command` is, if it runs or is just being stopped; nothing otherwise.
     std::optional<std::string> IdOf(IUnknown& command) const;
 
     /// Threads that are started from now on from the runner's thread belong to this step; those that a thread
@@ -72,7 +74,8 @@ private:
     using WorkPtr = std::shared_ptr<Work>;
     using ThreadPtr = std::shared_ptr<Thread>;
 
-    ThreadPtr Find(std::uint32_t cookie) const;
+    /// Null for a cookie that was never given or is forgotten, and where `hasEnded` becomes true.
+    ThreadPtr Find(std::uint32_t cookie, bool& hasEnded) const;
     template <class Matches>
     bool IsAnyRunning(Matches matches) const;
     /// The work of every command that runs and matches, in the order of the cookies.
@@ -80,7 +83,7 @@ private:
     std::vector<WorkPtr> WorkWhere(Matches matches) const;
     /// The whole life of a thread, on that thread.
     void Run(Thread& thread, WorkPtr work, Names names) noexcept;
-    static HRESULT Stop(const Work& work);
+    HRESULT Stop(const WorkPtr& work);
     void JoinEnded();
 
     Journal& m_journal;
@@ -89,7 +92,11 @@ private:
     mutable std::mutex m_access; ///< Of what follows.
     bool m_closed = false;
     std::uint32_t m_lastCookie = 0;
-    std::map<std::uint32_t, ThreadPtr> m_threads; ///< By cookie.
+    std::map<std::uint32_t, ThreadPtr> m_threads; ///< By cookie; those that have ended go by and by.
+    std::set<std::uint32_t> m_endedCookies;       ///< Of those that went and are not forgotten.
+    /// Whose Stop has been called and has not returned: it may report to the controller after its thread has
+    /// ended.
+    std::list<WorkPtr> m_stopping;
 };
 
 } // namespace vant

@@ -9,6 +9,8 @@
 #include <algorithm>
 #include <gtest/gtest.h>
 #include <sstream>
+#include <stdexcept>
+#include <string_view>
 
 namespace vant {
 
@@ -200,6 +202,39 @@ TEST(PersistentRun, AbortWhileTheStepWaits_StopsEveryCommandAndCompletesTheJourn
     std::sort(ended.begin(), ended.end());
     EXPECT_EQ(ended, (std::vector<std::string>{"guard", "long", "show"}));
     EXPECT_TRUE(runner.StillHeld().empty());
+}
+
+/// The built module, but one class breaks down.
+class BreakingFactory final : public CommandFactory {
+public:
+    HRESULT Create(std::string_view className, CComPtr<IVantCommand>& command) const override {
+        if (className == "DataStoreWriter")
+            throw std::runtime_error("broken");
+        return m_module.Create(className, command);
+    }
+    bool CanUnload() const override { return m_module.CanUnload(); }
+
+private:
+    const Module m_module{test::BuiltModuleFile()};
+};
+
+TEST(PersistentRun, RunThatBreaksOff_HasStoppedEveryCommand) {
+    Diagnostics found;
+    const Procedure procedure = ReadProcedure(
+        std::string(head) + "[steps.s]\nrun = ['long', 'show', 'note']\nnext = 'good'\n", found);
+    const test::VirtualTime time;
+    const BreakingFactory factory;
+    Journal journal;
+    std::vector<std::string> ended;
+    journal.Observe([&](const Record& record) {
+        if (record.operation == "ThreadEnded")
+            ended.push_back(record.command);
+    });
+    Runner runner(procedure, factory, journal);
+    EXPECT_THROW(runner.Run(), std::runtime_error);
+    std::sort(ended.begin(), ended.end());
+    EXPECT_EQ(ended, (std::vector<std::string>{"long", "show"}));
+    EXPECT_TRUE(factory.CanUnload());
 }
 
 TEST(PersistentRun, OneHundredRuns_GiveTheSameJournal) {

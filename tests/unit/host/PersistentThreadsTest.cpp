@@ -45,11 +45,13 @@ public:
     Event stopped;
     IVantController* controller = nullptr;
     HRESULT told = E_FAIL;
+    std::function<void()> beforeTelling = [] {};
 
     HRESULT STDMETHODCALLTYPE Stop() override {
+        stopped.Set();
+        beforeTelling();
         if (controller)
             told = controller->PersistentCommandStopped(this);
-        stopped.Set();
         return told;
     }
 
@@ -157,6 +159,19 @@ TEST_F(PersistentThreadsTest, Operation11_TellsWhetherTheThreadRuns) {
     EXPECT_EQ(services.threadService.Operation11(99), codeNotFound);
 }
 
+TEST_F(PersistentThreadsTest, CookieOfAnEndedThread_LastsUntilItIsUnregistered) {
+    ASSERT_EQ(Register([] {}), S_OK);
+    const std::uint32_t ended = cookie;
+    EXPECT_EQ(services.threadService.Operation12(ended), S_OK);
+    ASSERT_EQ(Register([] {}), S_OK); // What was kept for the ended thread goes.
+    EXPECT_EQ(services.threadService.Operation11(ended), S_FALSE);
+    EXPECT_EQ(services.threadService.Operation12(ended), S_OK);
+    EXPECT_EQ(services.threadService.UnregisterCallback(ended), S_OK);
+    EXPECT_EQ(services.threadService.UnregisterCallback(ended), codeNotFound);
+    EXPECT_EQ(services.threadService.Operation11(ended), codeNotFound);
+    EXPECT_EQ(services.threadService.Operation12(ended), codeNotFound);
+}
+
 TEST_F(PersistentThreadsTest, Operation12OnItsOwnThread_IsRefused) {
     HRESULT answer = S_OK;
     Event registered;
@@ -190,11 +205,20 @@ TEST_F(PersistentThreadsTest, Termination_StopsEveryRunningCommandOfThatIdAndNoO
     EXPECT_EQ(services.controller.TerminateCommand(CComBSTR(L"watch").Get()), S_OK);
     EXPECT_EQ(first->told, S_OK);
     EXPECT_EQ(second->told, S_OK);
-    EXPECT_EQ(Find("PersistentCommandStopped")->Text("commandId"), "watch");
     EXPECT_EQ(services.threadService.Operation12(firstCookie), S_OK);
     EXPECT_EQ(services.threadService.Operation12(firstCookie + 1), S_OK);
+    EXPECT_EQ(Find("PersistentCommandStopped")->Text("commandId"), "watch");
     EXPECT_EQ(services.threadService.Operation11(otherCookie), S_OK);
     EXPECT_EQ(services.controller.TerminateCommand(CComBSTR(L"watch").Get()), codeNotFound);
+}
+
+TEST_F(PersistentThreadsTest, CommandWhoseThreadEndsWhileItIsStopped_IsKnownToTheController) {
+    const CComPtr<Stoppable> command = RegisterStoppable("watch");
+    command->beforeTelling = [this] { EXPECT_EQ(services.threadService.Operation12(cookie), S_OK); };
+    EXPECT_EQ(services.controller.TerminateCommand(CComBSTR(L"watch").Get()), S_OK);
+    EXPECT_EQ(command->told, S_OK);
+    EXPECT_EQ(Find("PersistentCommandStopped")->Text("commandId"), "watch");
+    EXPECT_EQ(services.controller.PersistentCommandStopped(command.Get()), codeNotFound);
 }
 
 TEST_F(PersistentThreadsTest, StopOfACommandThatDoesNotRun_IsNotFound) {
