@@ -2,7 +2,6 @@
 
 #include "host/services/Codes.h"
 
-#include <set>
 #include <utility>
 
 namespace vant {
@@ -48,7 +47,13 @@ Verdict Runner::Run() {
     }
     for (const auto& [name, conditions] : m_procedure.conditions)
         Tell("ConditionsGiven", {{"name", name}, {"conditions", TextOf(conditions)}});
-    const Ending ending = RunSteps();
+    Ending ending{};
+    try {
+        ending = RunSteps();
+    } catch (...) {
+        EndPersistentCommands(); // They use what the caller may take away now.
+        throw;
+    }
     EndPersistentCommands();
     for (const auto& [name, value] : m_services.dataStore.Entries())
         Tell("DataLeft", {{"name", name}, {"value", value}});
@@ -58,10 +63,6 @@ Verdict Runner::Run() {
 }
 
 Runner::Ending Runner::RunSteps() {
-    std::set<std::string> everyStep;
-    for (const auto& [id, step] : m_procedure.steps)
-        everyStep.insert(id);
-
     std::string current = m_procedure.start.text;
     while (!m_aborted) {
         const Step& step = m_procedure.steps.at(current);
@@ -69,11 +70,10 @@ Runner::Ending Runner::RunSteps() {
         if (step.end)
             return {*step.end, "step '" + current + "'"};
 
-        std::set<std::string> transitions = everyStep;
-        for (const auto& [id, target] : step.on)
-            transitions.insert(id);
         m_services.persistentThreads.EnterStep();
-        m_services.procedureController.EnterStep(std::move(transitions));
+        m_services.procedureController.EnterStep([this, &step](const std::string& id) {
+            return step.on.contains(id) || m_procedure.steps.contains(id);
+        });
 
         const std::optional<std::string> failedCommand = RunCommandsOf(step);
         if (!failedCommand)

@@ -10,7 +10,7 @@ HRESULT ProcedureController::SetTransition(BSTR transitionId) {
         record.Add("transitionId", id);
         {
             const std::lock_guard lock(m_access);
-            if (!m_transitions.contains(id))
+            if (!m_leadsOn || !m_leadsOn(id))
                 return id.empty() ? S_OK : E_INVALIDARG;
             m_chosen = std::move(id);
         }
@@ -19,9 +19,9 @@ HRESULT ProcedureController::SetTransition(BSTR transitionId) {
     });
 }
 
-void ProcedureController::EnterStep(std::set<std::string> transitions) {
+void ProcedureController::EnterStep(std::function<bool(const std::string&)> leadsOn) {
     const std::lock_guard lock(m_access);
-    m_transitions = std::move(transitions);
+    m_leadsOn = std::move(leadsOn);
     m_chosen.reset();
 }
 
@@ -32,7 +32,7 @@ std::optional<std::string> ProcedureController::Chosen() const {
 
 std::optional<std::string> ProcedureController::LeaveStep() {
     const std::lock_guard lock(m_access);
-    m_transitions.clear();
+    m_leadsOn = nullptr;
     return std::exchange(m_chosen, std::nullopt);
 }
 

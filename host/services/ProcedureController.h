@@ -4,9 +4,9 @@
 #include "host/services/HostObject.h"
 #include "platform/Event.h"
 
+#include <functional>
 #include <mutex>
 #include <optional>
-#include <set>
 #include <string>
 
 namespace vant {
@@ -27,8 +27,9 @@ public:
     /// given to it, chooses nothing.
     HRESULT STDMETHODCALLTYPE SetTransition(BSTR transitionId) override;
 
-    /// Begins a step: forgets what was chosen, and from now on accepts these ids.
-    void EnterStep(std::set<std::string> transitions);
+    /// Begins a step: forgets what was chosen, and from now on accepts every id for which `leadsOn` is true,
+    /// until the step is left. It may be asked on any thread and must not call back.
+    void EnterStep(std::function<bool(const std::string&)> leadsOn);
     /// What was chosen since the step began.
     std::optional<std::string> Chosen() const;
     /// Ends the step: accepts no choice any more, and gives the one that counts.
@@ -37,7 +38,7 @@ public:
 private:
     Event& m_changed;
     mutable std::mutex m_access;
-    std::set<std::string> m_transitions;
+    std::function<bool(const std::string&)> m_leadsOn; ///< None between steps.
     std::optional<std::string> m_chosen;
 };
 

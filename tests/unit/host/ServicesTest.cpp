@@ -3,7 +3,9 @@
 #include "host/record/Json.h"
 #include "host/services/Codes.h"
 
+#include <functional>
 #include <gtest/gtest.h>
+#include <set>
 #include <thread>
 
 namespace vant {
@@ -116,8 +118,13 @@ TEST_F(ServicesTest, CommandRunner_ExceptionBecomesAResult) {
     EXPECT_EQ(records.size(), 2U);
 }
 
+/// What a step accepts.
+std::function<bool(const std::string&)> OneOf(std::set<std::string> ids) {
+    return [ids = std::move(ids)](const std::string& id) { return ids.contains(id); };
+}
+
 TEST_F(ServicesTest, ProcedureController_LastOfSeveralChoicesCounts) {
-    services.procedureController.EnterStep({"weak", "strong"});
+    services.procedureController.EnterStep(OneOf({"weak", "strong"}));
     EXPECT_EQ(services.procedureController.Chosen(), std::nullopt);
     EXPECT_EQ(services.procedureController.SetTransition(Text(L"weak").Get()), S_OK);
     EXPECT_EQ(services.procedureController.SetTransition(Text(L"strong").Get()), S_OK);
@@ -126,7 +133,7 @@ TEST_F(ServicesTest, ProcedureController_LastOfSeveralChoicesCounts) {
 }
 
 TEST_F(ServicesTest, ProcedureController_UnknownTransitionIsRefusedAndTheEarlierChoiceStays) {
-    services.procedureController.EnterStep({"weak"});
+    services.procedureController.EnterStep(OneOf({"weak"}));
     services.procedureController.SetTransition(Text(L"weak").Get());
     EXPECT_EQ(services.procedureController.SetTransition(Text(L"Weak").Get()), E_INVALIDARG);
     EXPECT_EQ(services.procedureController.SetTransition(nullptr), S_OK);
@@ -134,9 +141,9 @@ TEST_F(ServicesTest, ProcedureController_UnknownTransitionIsRefusedAndTheEarlier
 }
 
 TEST_F(ServicesTest, ProcedureController_NewStepForgetsTheChoice) {
-    services.procedureController.EnterStep({"weak"});
+    services.procedureController.EnterStep(OneOf({"weak"}));
     services.procedureController.SetTransition(Text(L"weak").Get());
-    services.procedureController.EnterStep({"other"});
+    services.procedureController.EnterStep(OneOf({"other"}));
     EXPECT_EQ(services.procedureController.Chosen(), std::nullopt);
     EXPECT_EQ(services.procedureController.SetTransition(Text(L"weak").Get()), E_INVALIDARG);
 }
