@@ -15,8 +15,8 @@ namespace {
 constexpr std::size_t idWidth = 16;
 
 std::string Padded(std::string text, std::size_t width) {
-    if (text.size() < width)
-        text.resize(width, ' ');
+    if (const std::size_t taken = WidthOf(text); taken < width)
+        text.append(width - taken, ' ');
     return text;
 }
 
@@ -33,6 +33,14 @@ std::size_t ClassWidth() {
 
 std::string Quoted(const Value* value) {
     return value ? Printable(ToJson(*value).dump()) : "null";
+}
+
+/// Why a command failed, or did nothing, is seldom to be seen but from the call that failed.
+std::string LineOfFailedCall(const Record& record) {
+    std::string line = "call failed: " + record.service + ' ' + record.operation;
+    for (const Argument& each : record.arguments)
+        line += (&each == &record.arguments.front() ? " " : ", ") + each.name + " = " + Quoted(&each.value);
+    return line + ": " + ToText(*record.result);
 }
 
 std::string KeyOf(const Record& record) {
@@ -58,7 +66,7 @@ void ConsoleReport::WriteEvent(const Record& record) {
     } else if (record.operation == "CommandEnded") {
         Write(record, LineOfCommand(record));
     } else if (record.operation == "ThreadEnded") {
-        m_out << "  " << Padded(Printable(record.command), idWidth) << " has ended\n";
+        m_out << "  " + Padded(Printable(record.command), idWidth) + " has ended\n";
     } else if (record.operation == "TransitionFollowed") {
         m_out << "  -> " << Printable(record.Text("to")) << '\n';
     } else if (record.operation == "DataLeft") {
@@ -69,8 +77,10 @@ void ConsoleReport::WriteEvent(const Record& record) {
 }
 
 std::string ConsoleReport::LineOfCall(const Record& record) {
-    if (!record.result || FAILED(*record.result))
+    if (!record.result)
         return {};
+    if (FAILED(*record.result))
+        return LineOfFailedCall(record);
     if (record.operation == "ShowInstruction")
         return "instruction: " + Printable(record.Text("text"));
     if (record.operation == "SetComponentProperty")
@@ -99,7 +109,7 @@ std::string ConsoleReport::LineOfCommand(const Record& record) {
 
 void ConsoleReport::Write(const Record& record, const std::string& line) {
     if (record.thread == mainThread || m_linesOfThreads.insert(line).second)
-        m_out << "  " << line << '\n';
+        m_out << "  " + line + '\n'; // in one piece: a message may come from another thread
 }
 
 void ConsoleReport::WriteEntry(const Record& record) {

@@ -5,6 +5,7 @@
 #include "host/procedure/ProcedureReader.h"
 #include "host/record/Json.h"
 #include "host/services/Codes.h"
+#include "host/text/Printable.h"
 #include "host/text/Suggestion.h"
 #include "platform/Utf8.h"
 
@@ -128,7 +129,7 @@ bool IsProcedure(std::string_view text) {
 std::optional<EngineDescription> ReadEngineFile(const std::filesystem::path& file, Mistakes& mistakes) {
     Diagnostics found;
     EngineDescription engine = ReadEngine(ReadFile(file), found);
-    mistakes.Add(found, ToUtf8(file.generic_wstring()));
+    mistakes.Add(found, FileName(file));
     return engine;
 }
 
@@ -216,12 +217,6 @@ Row IdRow(const EngineDescription& description) {
     for (const auto& [id, parameter] : description.parameters)
         ids.push_back(id);
     return ids;
-}
-
-/// Characters, not bytes.
-std::size_t WidthOf(const std::string& utf8) {
-    return static_cast<std::size_t>(
-        std::count_if(utf8.begin(), utf8.end(), [](char each) { return (each & 0xC0) != 0x80; }));
 }
 
 /// Ids, names and units, then the rows, each column as wide as it must be.

@@ -19,12 +19,12 @@ MessagePrompt::~MessagePrompt() {
 
 void MessagePrompt::Show(const std::wstring& text, const std::wstring& caption) {
     const std::lock_guard lock(m_oneAtATime);
-    m_out << '[' << Printable(ToUtf8(caption)) << "] " << Printable(ToUtf8(text)) << '\n';
-    if (m_answers) {
-        m_out.flush();
+    // In one piece: other threads write, too.
+    m_out << '[' + Printable(ToUtf8(caption)) + "] " + Printable(ToUtf8(text)) +
+                 (m_answers ? "\n" : "\nPress Enter to go on.\n");
+    m_out.flush();
+    if (m_answers)
         return;
-    }
-    m_out << "Press Enter to go on." << std::endl;
     std::string ignored;
     std::getline(m_in, ignored);
 }

@@ -99,7 +99,7 @@ EngineFile ReadEngineFile(const RunOptions& options, Procedure& procedure, Diagn
     const std::filesystem::path path = PathFromUtf8(options.procedure).parent_path() / PathFromUtf8(name);
     try {
         procedure.engine = ReadEngine(ReadFile(path), engine.found);
-        engine.name = ToUtf8(path.generic_wstring());
+        engine.name = FileName(path);
     } catch (const std::exception& failure) {
         found.Error(position, "cannot read the engine '" + name + "': " + failure.what());
     }
@@ -123,6 +123,8 @@ void OpenJournal(std::ofstream& out, const RunOptions& options, const std::strin
         throw Stop(ExitCode::WrongInput, options.journal + ": the journal would overwrite the procedure");
     if (!engineFile.empty() && std::filesystem::equivalent(file, PathFromUtf8(engineFile), unknown))
         throw Stop(ExitCode::WrongInput, options.journal + ": the journal would overwrite the engine");
+    if (!options.registered && std::filesystem::equivalent(file, PathFromUtf8(options.module), unknown))
+        throw Stop(ExitCode::WrongInput, options.journal + ": the journal would overwrite the module");
     errno = 0;
     out.open(file, std::ios::binary | std::ios::trunc);
     if (!out)

@@ -1,5 +1,6 @@
 // The command-line program of the bench host.
 
+#include "platform/ComException.h"
 #include "platform/DynamicLibrary.h"
 #include "platform/Process.h"
 #include "platform/Utf8.h"
@@ -9,12 +10,27 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <charconv>
+#include <cstdint>
 #include <cstdio>
 #include <exception>
 #include <string>
 #include <vector>
 
 namespace {
+
+/// For file names: an empty one, as a shell makes of a variable that is not set, is not the same as none.
+std::string CheckNotEmpty(const std::string& text) {
+    return text.empty() ? "must not be empty" : "";
+}
+
+std::string CheckSeed(const std::string& text) {
+    std::uint64_t seed = 0;
+    const auto [end, mistake] = std::from_chars(text.data(), text.data() + text.size(), seed);
+    return mistake == std::errc() && end == text.data() + text.size()
+               ? ""
+               : "must be a whole number from 0 to 18446744073709551615, not '" + text + "'";
+}
 
 int RunProgram(int argc, char** argv) {
     vant::PrepareConsole();
@@ -24,18 +40,22 @@ int RunProgram(int argc, char** argv) {
 
     CLI::App app("Runs diagnostic procedures on a bench host.", "vant");
     app.set_version_flag("--version", "vant " VANT_VERSION);
-    app.require_subcommand(1);
     // File names may begin with a slash on every system.
     app.allow_windows_style_options(false);
 
     CLI::App* const run = app.add_subcommand("run", "Run a procedure file");
     run->allow_windows_style_options(false);
-    run->add_option("FILE", options.procedure, "The procedure, a TOML file")->required();
+    run->add_option("FILE", options.procedure, "The procedure, a TOML file")
+        ->required()
+        ->check(CheckNotEmpty);
     run->add_option("--engine", options.engine, "Run on the engine in this file, not on the procedure's own")
+        ->check(CheckNotEmpty)
         ->type_name("FILE");
     run->add_option("--journal", options.journal, "Write every host call to this file, as lines of JSON")
+        ->check(CheckNotEmpty)
         ->type_name("FILE");
     run->add_option("--module", options.module, "The module of the command classes")
+        ->check(CheckNotEmpty)
         ->type_name("PATH")
         ->capture_default_str();
     run->add_flag("--json", options.json, "Print the result as JSON");
@@ -52,7 +72,8 @@ int RunProgram(int argc, char** argv) {
         app.add_subcommand("engine", "Let an engine run without a procedure and print its parameters");
     engine->allow_windows_style_options(false);
     engine->add_option("FILE", engineRun.file, "The engine, or a procedure that has one; a TOML file")
-        ->required();
+        ->required()
+        ->check(CheckNotEmpty);
     engine->add_option("--for", engineRun.duration, "How long: a number with ms, s, min or h")
         ->type_name("DURATION")
         ->capture_default_str();
@@ -61,7 +82,7 @@ int RunProgram(int argc, char** argv) {
         ->capture_default_str();
     engine->add_flag("--csv", engineRun.csv, "Print comma-separated values instead of a table");
     engine->add_option("--seed", engineRun.seed, "The seed of the noise, in place of the engine's")
-        ->check(CLI::NonNegativeNumber)
+        ->check(CheckSeed)
         ->type_name("NUMBER");
     engine->add_option("--set", engineRun.writes, "Write a parameter at a time; can be given repeatedly")
         ->type_name("ID=VALUE@TIME")
@@ -80,6 +101,7 @@ int RunProgram(int argc, char** argv) {
         CLI::App* const command = app.add_subcommand(name, purpose);
         command->allow_windows_style_options(false);
         command->add_option("--module", registration.module, "The module of the command classes")
+            ->check(CheckNotEmpty)
             ->type_name("PATH")
             ->capture_default_str();
         command->add_flag("--user", registration.userOnly, "For the current user only");
@@ -97,6 +119,8 @@ int RunProgram(int argc, char** argv) {
     std::reverse(arguments.begin(), arguments.end()); // as the parser expects them
     try {
         app.parse(std::move(arguments));
+        if (app.get_subcommands().empty())
+            throw CLI::RequiredError("A subcommand");
     } catch (const CLI::ParseError& stop) {
         // Help and version are reported this way too.
         return app.exit(stop) == 0 ? 0 : static_cast<int>(vant::ExitCode::WrongInput);
@@ -117,6 +141,9 @@ int RunProgram(int argc, char** argv) {
 int main(int argc, char** argv) {
     try {
         return RunProgram(argc, argv);
+    } catch (const vant::CComException& failure) {
+        std::fprintf(stderr, "vant: failed with 0x%08X\n", static_cast<unsigned>(failure.Code()));
+        return static_cast<int>(vant::ExitCode::Broken);
     } catch (const std::exception& failure) {
         std::fprintf(stderr, "vant: %s\n", failure.what());
         return static_cast<int>(vant::ExitCode::Broken);

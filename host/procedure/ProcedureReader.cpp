@@ -214,6 +214,12 @@ std::string ReadFile(const std::filesystem::path& file) {
     return std::move(content).str();
 }
 
+std::string FileName(const std::filesystem::path& file) {
+    // Not by way of generic_wstring, which takes characters beyond ASCII in some locales only.
+    const std::u8string name = file.generic_u8string();
+    return {name.begin(), name.end()};
+}
+
 Procedure ReadProcedure(std::string_view toml, Diagnostics& found) {
     try {
         const toml::table root = toml::parse(toml);

@@ -29,7 +29,8 @@ class JsonLinesWriter {
 public:
     /// The stream must outlive the writer and be open in binary mode.
     explicit JsonLinesWriter(std::ostream& out) : m_out(out) {}
-    void operator()(const Record& record) { m_out << ToJson(record).dump() << '\n'; }
+    /// Each line leaves the program at once: it is what remains of a run that was killed.
+    void operator()(const Record& record) { m_out << ToJson(record).dump() << '\n' << std::flush; }
 
 private:
     std::ostream& m_out;

@@ -1,5 +1,7 @@
 #include "host/text/Printable.h"
 
+#include <algorithm>
+
 namespace vant {
 
 namespace {
@@ -34,6 +36,11 @@ std::string Printable(std::string_view utf8) {
             result.push_back(utf8[i]);
     }
     return result;
+}
+
+std::size_t WidthOf(std::string_view utf8) {
+    return static_cast<std::size_t>(
+        std::count_if(utf8.begin(), utf8.end(), [](char each) { return (each & 0xC0) != 0x80; }));
 }
 
 } // namespace vant

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -8,5 +9,8 @@ namespace vant {
 /// A text with its control characters written out, as in "\n", "\t" or "\x1B", so that it keeps to its line
 /// and tells a terminal nothing. Takes UTF-8; everything else stays.
 std::string Printable(std::string_view utf8);
+
+/// The characters of a UTF-8 text, for columns.
+std::size_t WidthOf(std::string_view utf8);
 
 } // namespace vant

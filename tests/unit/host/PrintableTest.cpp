@@ -23,6 +23,12 @@ TEST(Printable, EverythingElse_Stays) {
     EXPECT_EQ(Printable(""), "");
 }
 
+TEST(WidthOf, Text_CountsCharactersNotBytes) {
+    EXPECT_EQ(WidthOf(""), 0U);
+    EXPECT_EQ(WidthOf("rpm"), 3U);
+    EXPECT_EQ(WidthOf("w\xC3\xA4rm \xE2\x82\xAC \xF0\x9F\x8C\xA1"), 8U);
+}
+
 } // namespace
 
 } // namespace vant
