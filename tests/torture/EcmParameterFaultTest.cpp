@@ -16,17 +16,6 @@ constexpr LONG directKind = 4;
 constexpr LONG dataServiceKind = 0;
 constexpr HRESULT failure = static_cast<HRESULT>(0x80041234);
 
-const Calls construction = {"QueryInterface(IECMServicesOld)",
-                            "QueryInterface(IECMSessionManager)",
-                            "GetDirectory()",
-                            "GetProtocolSource()",
-                            "GetConnection()",
-                            "get_ConnectionIdentifier()",
-                            "GetA(1)",
-                            "GetB()",
-                            "GetC()",
-                            "GetD()",
-                            "get_Kind()"};
 const Calls opening = {"GetConnection()", "get_ConnectionIdentifier()", "OpenECM(1)",
                        "QueryInterface(IECMSession)", "Register()"};
 const Calls directRead = {"ReadParameter(190, 1)", "get_ItemValue()"};

@@ -5,8 +5,23 @@
 #include "tests/torture/Fault.h"
 
 #include <optional>
+#include <string>
+#include <vector>
 
 namespace vant::test {
+
+/// The calls with which an ECMParameter2 is built where all of them succeed.
+inline const std::vector<std::string> construction = {"QueryInterface(IECMServicesOld)",
+                                                      "QueryInterface(IECMSessionManager)",
+                                                      "GetDirectory()",
+                                                      "GetProtocolSource()",
+                                                      "GetConnection()",
+                                                      "get_ConnectionIdentifier()",
+                                                      "GetA(1)",
+                                                      "GetB()",
+                                                      "GetC()",
+                                                      "GetD()",
+                                                      "get_Kind()"};
 
 /// An engine whose parameter "190" is 750 in a direct session and 800 through the data service. Parameter
 /// "11" differs from "14", so that guarded writes have something to guard.

@@ -1,4 +1,5 @@
 #include "framework/interfaces/ClassIds.h"
+#include "tests/torture/EcmParameterUse.h"
 #include "tests/torture/Life.h"
 
 #include <utility>
@@ -20,18 +21,7 @@ Calls ReadingOf(const std::string& id) {
     return {"GetParameter(" + id + ", 1)", "QueryInterface(IParameterOld)", "get_Value()"};
 }
 
-// ECMParameter2, built and asked for the engine speed through the data service,
-const Calls speedRequest = {"QueryInterface(IECMServicesOld)",
-                            "QueryInterface(IECMSessionManager)",
-                            "GetDirectory()",
-                            "GetProtocolSource()",
-                            "GetConnection()",
-                            "get_ConnectionIdentifier()",
-                            "GetA(1)",
-                            "GetB()",
-                            "GetC()",
-                            "GetD()",
-                            "get_Kind()"};
+// Once built, ECMParameter2 is asked for the engine speed through the data service,
 const Calls speedReading = ReadingOf("101000");
 // or in a direct session, which a protocol that is not known wants.
 const Calls connectionRequest = {"GetConnection()", "get_ConnectionIdentifier()"};
@@ -48,7 +38,7 @@ struct Adjustment {
     Calls check;       ///< behind the reading
     Calls end;         ///< once the session is closed
 
-    Calls FromReading() const { return speedRequest + speedReading + check + end; }
+    Calls FromReading() const { return construction + speedReading + check + end; }
     Calls All() const { return before + write + FromReading(); }
 
     /// Where the speed cannot be read, it stays below the band.
@@ -56,7 +46,7 @@ struct Adjustment {
 
     std::vector<IgnoredCall> Ignored(HRESULT code) const {
         const std::size_t request = before.size() + write.size();
-        const std::size_t reading = request + speedRequest.size();
+        const std::size_t reading = request + construction.size();
         std::vector<IgnoredCall> all = {
             {request + 1, connectionRequest + NextStep(), code}, // no session manager
             {request + 2, From(FromReading(), 3), code},         // no directory, none is needed

@@ -20,7 +20,18 @@ protected:
 private:
     VirtualTime m_virtualTime;
 };
-class RunOnceTimed : public Timed<0> {};
+class RunOnceTimed : public Timed<0> {
+protected:
+    /// The body waits for its stop so many times, 500 ms each.
+    void WaitInTheBody(int waits) {
+        probe->body = [this, waits] {
+            for (int wait = 0; wait < waits; ++wait)
+                outcomes.push_back(probe->WaitForStop(500));
+        };
+    }
+
+    std::vector<DWORD> outcomes;
+};
 class RunRepeatedlyTimed : public Timed<250> {};
 
 using Times = std::vector<std::int64_t>;
@@ -132,11 +143,7 @@ TEST_F(RunOnceTimed, BodyThatWaitsForTheEvent_IsStoppedAtOnce) {
 }
 
 TEST_F(RunOnceTimed, OneStop_EndsOneWaitOfTheBody) {
-    std::vector<DWORD> outcomes;
-    probe->body = [&] {
-        for (int wait = 0; wait < 2; ++wait)
-            outcomes.push_back(probe->WaitForStop(500));
-    };
+    WaitInTheBody(2);
     Execute();
     Sleep(100);
     Stop();
@@ -146,11 +153,7 @@ TEST_F(RunOnceTimed, OneStop_EndsOneWaitOfTheBody) {
 }
 
 TEST_F(RunOnceTimed, TwoStopsWhileTheBodyWaits_EndThisWaitAndTheNext) {
-    std::vector<DWORD> outcomes;
-    probe->body = [&] {
-        for (int wait = 0; wait < 2; ++wait)
-            outcomes.push_back(probe->WaitForStop(500));
-    };
+    WaitInTheBody(2);
     Execute();
     Sleep(100);
     Stop();
@@ -161,8 +164,7 @@ TEST_F(RunOnceTimed, TwoStopsWhileTheBodyWaits_EndThisWaitAndTheNext) {
 }
 
 TEST_F(RunOnceTimed, StoppedAfterExecutingAgain_TheEarlierRunsWaitGoesOn) {
-    std::vector<DWORD> outcomes;
-    probe->body = [&] { outcomes.push_back(probe->WaitForStop(500)); };
+    WaitInTheBody(1);
     Execute();
     Sleep(100); // The first run waits for its own event.
     Execute();

@@ -1,3 +1,4 @@
+#include "framework/DispatchImpl.h"
 #include "host/record/CallScope.h"
 #include "host/services/Codes.h"
 #include "host/services/Services.h"
@@ -13,7 +14,8 @@ namespace vant {
 namespace {
 
 /// A callback whose work is written in the test.
-class Callback : public CComObjectRootEx<CComMultiThreadModel>, public IThreadCallback {
+class Callback : public CComObjectRootEx<CComMultiThreadModel>,
+                 public IDispatchImpl<IThreadCallback, &IID_IThreadCallback> {
 public:
     std::function<void()> work;
 
@@ -21,22 +23,9 @@ public:
         work();
         return E_FAIL;
     }
-    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override {
-        return E_NOTIMPL;
-    }
-    HRESULT STDMETHODCALLTYPE Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*,
-                                     UINT*) override {
-        return E_NOTIMPL;
-    }
 
 protected:
     ~Callback() = default;
-    void* FindInterface(REFIID iid) noexcept {
-        return iid == IID_IUnknown || iid == IID_IThreadCallback ? static_cast<IThreadCallback*>(this)
-                                                                 : nullptr;
-    }
 };
 
 /// A command that ends when it is stopped.
