@@ -1,6 +1,7 @@
 #include "host/conditions/Condition.h"
 
 #include "host/record/Json.h"
+#include "host/record/Number.h"
 
 #include <cmath>
 
@@ -9,15 +10,12 @@ namespace vant {
 namespace {
 
 /// Not a number, which compares with nothing, where the value is none.
-double NumberIn(const Value& value) {
-    if (const auto* const whole = std::get_if<std::int64_t>(&value))
-        return static_cast<double>(*whole);
-    const auto* const real = std::get_if<double>(&value);
-    return real ? *real : std::nan("");
+double NumberOrNone(const Value& value) {
+    return NumberIn(value).value_or(std::nan(""));
 }
 
 bool IsSame(const Value& a, const Value& b) {
-    return a == b || NumberIn(a) == NumberIn(b);
+    return a == b || NumberOrNone(a) == NumberOrNone(b);
 }
 
 } // namespace
@@ -51,8 +49,8 @@ VARTYPE ComparedType(const Condition& condition) {
 }
 
 bool Holds(const Condition& condition, const Value& actual) {
-    const double number = NumberIn(actual);
-    const double limit = NumberIn(condition.value);
+    const double number = NumberOrNone(actual);
+    const double limit = NumberOrNone(condition.value);
     switch (condition.comparison) {
     case Comparison::Is:
         return IsSame(actual, condition.value);

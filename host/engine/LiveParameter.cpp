@@ -1,7 +1,7 @@
 #include "host/engine/LiveParameter.h"
 
 #include "host/engine/Noise.h"
-#include "host/engine/Number.h"
+#include "host/record/Number.h"
 
 #include <algorithm>
 #include <cmath>

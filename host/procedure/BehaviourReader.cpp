@@ -1,6 +1,6 @@
 #include "host/procedure/BehaviourReader.h"
 
-#include "host/engine/Number.h"
+#include "host/record/Number.h"
 #include "host/text/Suggestion.h"
 
 #include <array>

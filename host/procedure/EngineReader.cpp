@@ -1,8 +1,8 @@
 #include "host/procedure/EngineReader.h"
 
-#include "host/engine/Number.h"
 #include "host/procedure/BehaviourReader.h"
 #include "host/procedure/TableReader.h"
+#include "host/record/Number.h"
 #include "host/text/Suggestion.h"
 
 #include <array>

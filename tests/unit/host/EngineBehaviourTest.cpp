@@ -1,8 +1,8 @@
 // What a simulated engine does over time, from the text of its file to what commands read.
 
 #include "host/engine/Engine.h"
-#include "host/engine/Number.h"
 #include "host/procedure/EngineReader.h"
+#include "host/record/Number.h"
 #include "host/services/Codes.h"
 
 #include <atomic>
