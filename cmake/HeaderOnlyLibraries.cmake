@@ -1,13 +1,26 @@
-# The header-only libraries of the bench host and vant, as the distribution packages them. They are linked into a
-# folder of their own, so that a cross-compilation sees them and nothing else of the build machine's headers.
+# The header-only libraries of the bench host and vant, as the distribution packages them: toml++, CLI11, nlohmann-json
+# and fmt.
 
+add_library(vant_header_only INTERFACE)
+if(NOT CMAKE_CROSSCOMPILING)
+  find_package(tomlplusplus REQUIRED)
+  find_package(CLI11 REQUIRED)
+  find_package(nlohmann_json REQUIRED)
+  find_package(fmt REQUIRED)
+  target_link_libraries(vant_header_only INTERFACE tomlplusplus::tomlplusplus CLI11::CLI11 nlohmann_json::nlohmann_json
+                                                   fmt::fmt-header-only)
+  return()
+endif()
+
+# A cross-compilation must not see the rest of the build machine's headers, so these are linked into a folder of their
+# own.
 set(header_dir ${PROJECT_BINARY_DIR}/headers)
 file(MAKE_DIRECTORY ${header_dir})
-foreach(library toml++ CLI nlohmann)
+foreach(library toml++ CLI nlohmann fmt)
   if(NOT EXISTS /usr/include/${library})
     message(FATAL_ERROR "The headers of ${library} are not installed; script/bootstrap installs them.")
   endif()
   file(CREATE_LINK /usr/include/${library} ${header_dir}/${library} SYMBOLIC)
 endforeach()
-add_library(vant_header_only INTERFACE)
 target_include_directories(vant_header_only SYSTEM INTERFACE ${header_dir})
+target_compile_definitions(vant_header_only INTERFACE FMT_HEADER_ONLY=1)

@@ -15,6 +15,10 @@
 #include <oleauto.h>
 #include <windows.h>
 
+#ifndef E_BOUNDS // mingw-w64's headers lack it.
+#define E_BOUNDS _HRESULT_TYPEDEF_(0x8000000B)
+#endif
+
 // Marks what the shared platform library offers; on Windows the few helpers are linked statically.
 #define VANT_PLATFORM_API
 #else
