@@ -8,7 +8,9 @@
 #include <algorithm>
 #include <string>
 
-namespace vant {
+namespace vant::program {
+
+using namespace host;
 
 namespace {
 
@@ -130,4 +132,4 @@ void ConsoleReport::WriteVerdict(const Record& record) {
     m_out << ": " << Printable(record.Text("reason")) << '\n';
 }
 
-} // namespace vant
+} // namespace vant::program

@@ -6,7 +6,7 @@
 #include <set>
 #include <string>
 
-namespace vant {
+namespace vant::program {
 
 /// Writes what happens in a run as plain text, line by line, while it happens. What the threads of persistent
 /// commands do again and again is written once in each step.
@@ -14,17 +14,17 @@ class ConsoleReport {
 public:
     /// `coloured`: whether the verdict is coloured for a terminal. The stream must outlive the report.
     ConsoleReport(std::ostream& out, bool coloured) : m_out(out), m_coloured(coloured) {}
-    void operator()(const Record& record);
+    void operator()(const host::Record& record);
 
 private:
-    void WriteEvent(const Record& record);
+    void WriteEvent(const host::Record& record);
     /// What a call of a command has done that is worth a line; otherwise an empty text.
-    std::string LineOfCall(const Record& record);
-    std::string LineOfCommand(const Record& record);
+    std::string LineOfCall(const host::Record& record);
+    std::string LineOfCommand(const host::Record& record);
     /// A line within a step.
-    void Write(const Record& record, const std::string& line);
-    void WriteEntry(const Record& record);
-    void WriteVerdict(const Record& record);
+    void Write(const host::Record& record, const std::string& line);
+    void WriteEntry(const host::Record& record);
+    void WriteVerdict(const host::Record& record);
 
     std::ostream& m_out;
     const bool m_coloured;
@@ -34,4 +34,4 @@ private:
     std::set<std::string> m_linesOfThreads; ///< In this step.
 };
 
-} // namespace vant
+} // namespace vant::program

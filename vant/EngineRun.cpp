@@ -1,10 +1,10 @@
 #include "vant/EngineRun.h"
 
-#include "host/engine/Engine.h"
+#include "host/engine/objects/EngineAccess.h"
+#include "host/object/VariantValue.h"
 #include "host/procedure/EngineReader.h"
 #include "host/procedure/ProcedureReader.h"
 #include "host/record/Json.h"
-#include "host/services/Codes.h"
 #include "host/text/Printable.h"
 #include "host/text/Suggestion.h"
 #include "platform/Utf8.h"
@@ -20,7 +20,9 @@
 #include <toml++/toml.h>
 #include <utility>
 
-namespace vant {
+namespace vant::program {
+
+using namespace host;
 
 namespace {
 
@@ -160,13 +162,13 @@ std::optional<EngineDescription> ReadDescription(const std::string& file, Mistak
 }
 
 HRESULT Perform(const TimedWrite& write, Engine& engine) {
-    return engine.Write(write.id, CComVariant(CComBSTR(ToWide(write.value))).Get());
+    return WriteValue(engine, write.id, CComVariant(CComBSTR(ToWide(write.value))).Get());
 }
 
 std::string Refusal(HRESULT code) {
     if (code == E_ACCESSDENIED)
         return "the parameter is read-only";
-    if (code == codeOutOfLimits)
+    if (code == E_BOUNDS)
         return "the value lies beyond the parameter's limits";
     return "the value does not fit the parameter (" + ToText(code) + ")";
 }
@@ -180,7 +182,7 @@ void CheckWrites(const std::vector<TimedWrite>& writes, const EngineDescription&
     Engine engine(description.parameters, 0, [] { return 0; });
     for (const TimedWrite& write : writes) {
         const std::string beginning = "--set " + write.argument + ": ";
-        if (const HRESULT code = Perform(write, engine); code == codeNotFound)
+        if (const HRESULT code = Perform(write, engine); code == HRESULT_FROM_WIN32(ERROR_NOT_FOUND))
             mistakes.Add(beginning + "there is no parameter '" + write.id + "'" + DidYouMean(write.id, ids));
         else if (FAILED(code))
             mistakes.Add(beginning + Refusal(code));
@@ -205,7 +207,7 @@ std::vector<Row> Simulate(const EngineDescription& description, std::int64_t dur
         Row& row = rows.emplace_back(Row{TextOf(static_cast<double>(time) / 1000)});
         for (const auto& [id, parameter] : description.parameters) {
             CComVariant value;
-            const bool read = SUCCEEDED(engine.ReadValue(id, value));
+            const bool read = SUCCEEDED(ReadValue(engine, id, value));
             row.push_back(read ? std::visit(CellMaker{}, ToValue(value.Get())) : failed);
         }
     }
@@ -299,4 +301,4 @@ ExitCode RunEngine(const EngineRunOptions& options) {
     return ExitCode::Passed;
 }
 
-} // namespace vant
+} // namespace vant::program

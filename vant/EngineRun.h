@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-namespace vant {
+namespace vant::program {
 
 /// What `vant engine` was asked to do; texts in UTF-8, durations such as "500ms", "60s", "10min" or "1h".
 struct EngineRunOptions {
@@ -23,4 +23,4 @@ struct EngineRunOptions {
 /// what is wrong goes to standard error, and nothing is printed then.
 ExitCode RunEngine(const EngineRunOptions& options);
 
-} // namespace vant
+} // namespace vant::program

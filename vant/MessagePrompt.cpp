@@ -5,7 +5,9 @@
 
 #include <string>
 
-namespace vant {
+namespace vant::program {
+
+using namespace host;
 
 MessagePrompt::MessagePrompt(std::ostream& out, std::istream& in, bool answers)
     : m_out(out), m_in(in), m_answers(answers) {
@@ -29,4 +31,4 @@ void MessagePrompt::Show(const std::wstring& text, const std::wstring& caption) 
     std::getline(m_in, ignored);
 }
 
-} // namespace vant
+} // namespace vant::program

@@ -6,7 +6,7 @@
 #include <mutex>
 #include <ostream>
 
-namespace vant {
+namespace vant::program {
 
 /// While it lives, the message boxes of this process appear on a stream as caption and text, and each one
 /// waits for Enter; the end of the input counts as Enter. Where the system shows messages itself, it does
@@ -28,4 +28,4 @@ private:
     const bool m_answers;
 };
 
-} // namespace vant
+} // namespace vant::program

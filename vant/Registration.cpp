@@ -9,7 +9,9 @@
 #include <exception>
 #include <iostream>
 
-namespace vant {
+namespace vant::program {
+
+using namespace host;
 
 namespace {
 
@@ -54,4 +56,4 @@ ExitCode PrintCatalogue() {
     return ExitCode::Passed;
 }
 
-} // namespace vant
+} // namespace vant::program

@@ -4,7 +4,7 @@
 
 #include <string>
 
-namespace vant {
+namespace vant::program {
 
 /// What `vant register` and `vant unregister` were asked to do.
 struct RegistrationOptions {
@@ -19,4 +19,4 @@ ExitCode Unregister(const RegistrationOptions& options);
 /// Prints a line for every registered class: ProgID, class identifier, module.
 ExitCode PrintCatalogue();
 
-} // namespace vant
+} // namespace vant::program

@@ -2,10 +2,10 @@
 
 #include "host/procedure/ConditionReader.h"
 #include "host/procedure/EngineReader.h"
-#include "host/procedure/ProcedureCheck.h"
 #include "host/procedure/ProcedureReader.h"
 #include "host/record/Json.h"
 #include "host/record/ResultReport.h"
+#include "host/runner/CommandCheck.h"
 #include "host/runner/Module.h"
 #include "host/runner/RegisteredClasses.h"
 #include "host/runner/Runner.h"
@@ -25,7 +25,9 @@
 #include <string_view>
 #include <system_error>
 
-namespace vant {
+namespace vant::program {
+
+using namespace host;
 
 namespace {
 
@@ -252,4 +254,4 @@ ExitCode Run(const RunOptions& options) {
     }
 }
 
-} // namespace vant
+} // namespace vant::program

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-namespace vant {
+namespace vant::program {
 
 /// How the program ends.
 enum class ExitCode { Passed = 0, Failed = 1, WrongInput = 2, Broken = 3, Aborted = 130 };
@@ -26,4 +26,4 @@ struct RunOptions {
 /// Runs one procedure: the report goes to standard output, what is wrong to standard error.
 ExitCode Run(const RunOptions& options);
 
-} // namespace vant
+} // namespace vant::program

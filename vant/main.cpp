@@ -35,7 +35,7 @@ std::string CheckSeed(const std::string& text) {
 int RunProgram(int argc, char** argv) {
     vant::PrepareConsole();
 
-    vant::RunOptions options;
+    vant::program::RunOptions options;
     options.module = vant::PathToUtf8(vant::ProgramFolder() / vant::LibraryFileName("VantCommands"));
 
     CLI::App app("Runs diagnostic procedures on a bench host.", "vant");
@@ -67,7 +67,7 @@ int RunProgram(int argc, char** argv) {
                   "Create the commands by their registered ProgIDs instead of loading a module")
         ->excludes("--module");
 
-    vant::EngineRunOptions engineRun;
+    vant::program::EngineRunOptions engineRun;
     CLI::App* const engine =
         app.add_subcommand("engine", "Let an engine run without a procedure and print its parameters");
     engine->allow_windows_style_options(false);
@@ -95,7 +95,7 @@ int RunProgram(int argc, char** argv) {
         ->type_name("N")
         ->excludes(virtualTime);
 
-    vant::RegistrationOptions registration;
+    vant::program::RegistrationOptions registration;
     registration.module = options.module;
     const auto addRegistration = [&](const char* name, const char* purpose) {
         CLI::App* const command = app.add_subcommand(name, purpose);
@@ -123,17 +123,17 @@ int RunProgram(int argc, char** argv) {
             throw CLI::RequiredError("A subcommand");
     } catch (const CLI::ParseError& stop) {
         // Help and version are reported this way too.
-        return app.exit(stop) == 0 ? 0 : static_cast<int>(vant::ExitCode::WrongInput);
+        return app.exit(stop) == 0 ? 0 : static_cast<int>(vant::program::ExitCode::WrongInput);
     }
     if (*engine)
-        return static_cast<int>(vant::RunEngine(engineRun));
+        return static_cast<int>(vant::program::RunEngine(engineRun));
     if (*registerModule)
-        return static_cast<int>(vant::Register(registration));
+        return static_cast<int>(vant::program::Register(registration));
     if (*unregisterModule)
-        return static_cast<int>(vant::Unregister(registration));
+        return static_cast<int>(vant::program::Unregister(registration));
     if (*catalogue)
-        return static_cast<int>(vant::PrintCatalogue());
-    return static_cast<int>(vant::Run(options));
+        return static_cast<int>(vant::program::PrintCatalogue());
+    return static_cast<int>(vant::program::Run(options));
 }
 
 } // namespace
@@ -143,9 +143,9 @@ int main(int argc, char** argv) {
         return RunProgram(argc, argv);
     } catch (const vant::CComException& failure) {
         std::fprintf(stderr, "vant: failed with 0x%08X\n", static_cast<unsigned>(failure.Code()));
-        return static_cast<int>(vant::ExitCode::Broken);
+        return static_cast<int>(vant::program::ExitCode::Broken);
     } catch (const std::exception& failure) {
         std::fprintf(stderr, "vant: %s\n", failure.what());
-        return static_cast<int>(vant::ExitCode::Broken);
+        return static_cast<int>(vant::program::ExitCode::Broken);
     }
 }

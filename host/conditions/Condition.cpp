@@ -1,21 +1,21 @@
 #include "host/conditions/Condition.h"
 
 #include "host/record/Json.h"
-#include "host/record/Number.h"
+#include "host/record/Value.h"
 
 #include <cmath>
 
-namespace vant {
+namespace vant::host {
 
 namespace {
 
-/// Not a number, which compares with nothing, where the value is none.
-double NumberOrNone(const Value& value) {
+/// NaN, which compares with nothing, if the value is not a number.
+double NumberOrNan(const Value& value) {
     return NumberIn(value).value_or(std::nan(""));
 }
 
 bool IsSame(const Value& a, const Value& b) {
-    return a == b || NumberOrNone(a) == NumberOrNone(b);
+    return a == b || NumberOrNan(a) == NumberOrNan(b);
 }
 
 } // namespace
@@ -37,20 +37,14 @@ const char* NameOf(Comparison comparison) {
     }
 }
 
-std::string TextOf(const Condition& condition) {
+std::string Describe(const Condition& condition) {
     return (condition.kind == Condition::Kind::Parameter ? "parameter " : "data ") + condition.subject + ' ' +
            NameOf(condition.comparison) + ' ' + ToJson(condition.value).dump();
 }
 
-VARTYPE ComparedType(const Condition& condition) {
-    if (std::holds_alternative<std::string>(condition.value))
-        return VT_BSTR;
-    return std::holds_alternative<bool>(condition.value) ? VT_BOOL : VT_R8;
-}
-
 bool Holds(const Condition& condition, const Value& actual) {
-    const double number = NumberOrNone(actual);
-    const double limit = NumberOrNone(condition.value);
+    const double number = NumberOrNan(actual);
+    const double limit = NumberOrNan(condition.value);
     switch (condition.comparison) {
     case Comparison::Is:
         return IsSame(actual, condition.value);
@@ -67,4 +61,4 @@ bool Holds(const Condition& condition, const Value& actual) {
     }
 }
 
-} // namespace vant
+} // namespace vant::host

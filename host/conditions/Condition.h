@@ -1,13 +1,13 @@
 #pragma once
 
-#include "host/procedure/Diagnostic.h"
 #include "host/record/Value.h"
+#include "host/text/Diagnostic.h"
 
 #include <map>
 #include <string>
 #include <vector>
 
-namespace vant {
+namespace vant::host {
 
 enum class Comparison { Is, IsNot, Below, Above, AtLeast, AtMost };
 
@@ -31,12 +31,9 @@ using ConditionSets = std::map<std::string, std::vector<Condition>>;
 const char* NameOf(Comparison comparison);
 
 /// A condition as reports name it, as in "parameter 101000 atLeast 600".
-std::string TextOf(const Condition& condition);
-
-/// The type in which values are compared: VT_BSTR, VT_BOOL or VT_R8.
-VARTYPE ComparedType(const Condition& condition);
+std::string Describe(const Condition& condition);
 
 /// Whether the actual value, which has that type, satisfies the condition.
 bool Holds(const Condition& condition, const Value& actual);
 
-} // namespace vant
+} // namespace vant::host

@@ -1,8 +1,21 @@
 #include "host/conditions/ConditionSet.h"
 
-#include "host/services/HandOut.h"
+#include "host/engine/objects/EngineAccess.h"
+#include "host/object/HandOut.h"
+#include "host/object/VariantValue.h"
 
-namespace vant {
+namespace vant::host {
+
+namespace {
+
+/// The type in which the values of a condition are compared.
+VARTYPE ComparedType(const Condition& condition) {
+    if (std::holds_alternative<std::string>(condition.value))
+        return VT_BSTR;
+    return std::holds_alternative<bool>(condition.value) ? VT_BOOL : VT_R8;
+}
+
+} // namespace
 
 HRESULT ConditionSet::Evaluate(VARIANT_BOOL* allMet) {
     return Answer("Evaluate", [&](Record& record) -> HRESULT {
@@ -19,7 +32,7 @@ HRESULT ConditionSet::Evaluate(VARIANT_BOOL* allMet) {
                 const std::lock_guard lock(m_access);
                 m_failed = &condition;
             }
-            record.Add("failed", TextOf(condition));
+            record.Add("failed", Describe(condition));
             if (FAILED(code))
                 return code;
             record.Add("value", ToValue(actual.Get()));
@@ -44,7 +57,7 @@ HRESULT ConditionSet::GetFailureKey(BSTR* key) {
             failed = m_failed;
         }
         if (!failed)
-            return codeNotFound;
+            return HRESULT_FROM_WIN32(ERROR_NOT_FOUND);
         record.Add("key", failed->message);
         return HandOutText(failed->message, key);
     });
@@ -52,20 +65,22 @@ HRESULT ConditionSet::GetFailureKey(BSTR* key) {
 
 /// With the type in which it is compared.
 HRESULT ConditionSet::Read(const Condition& condition, CComVariant& value) const {
-    const bool isParameter = condition.kind == Condition::Kind::Parameter;
     const VARTYPE type = ComparedType(condition);
-    if (isParameter && !m_engine)
-        return codeNotFound;
-    if (isParameter && type == VT_BSTR) {
+    HRESULT code = S_OK;
+    if (condition.kind == Condition::Kind::Data) {
+        code = m_data.Read(ToWide(condition.subject), value);
+    } else if (!m_engine) {
+        return HRESULT_FROM_WIN32(ERROR_NOT_FOUND);
+    } else if (type == VT_BSTR) {
         // What screens show.
         CComBSTR text;
-        const HRESULT code = m_engine->ReadText(condition.subject, text);
+        code = ReadText(*m_engine, condition.subject, text);
         value = CComVariant(std::move(text));
         return code;
+    } else {
+        code = ReadValue(*m_engine, condition.subject, value);
     }
-    const HRESULT code =
-        isParameter ? m_engine->ReadValue(condition.subject, value) : m_store.Read(condition.subject, value);
     return FAILED(code) ? code : value.ChangeType(type, lcidEnglishUS);
 }
 
-} // namespace vant
+} // namespace vant::host

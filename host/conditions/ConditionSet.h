@@ -2,32 +2,32 @@
 
 #include "framework/interfaces/ConditionSet.h"
 #include "host/conditions/Condition.h"
-#include "host/engine/Engine.h"
-#include "host/services/DataStore.h"
-#include "host/services/HostObject.h"
+#include "host/engine/model/Engine.h"
+#include "host/object/HostObject.h"
+#include "host/object/NamedValues.h"
 
 #include <mutex>
 #include <string>
 #include <utility>
 #include <vector>
 
-namespace vant {
+namespace vant::host {
 
 /// Conditions that commands find as an object in the data store. Any thread may call.
 class ConditionSet final : public HostObject<IConditionSet> {
 public:
-    /// `engine` may be null; it and the store must outlive the set. `name` is that of the data-store entry.
+    /// `engine` may be null; it and the data must outlive the set. `name` is that of the data-store entry.
     ConditionSet(Journal& journal, std::string name, std::vector<Condition> conditions, const Engine* engine,
-                 const DataStore& store)
+                 const NamedValues& data)
         : HostObject(journal, "ConditionSet"), m_entry(std::move(name)), m_conditions(std::move(conditions)),
-          m_engine(engine), m_store(store) {}
+          m_engine(engine), m_data(data) {}
 
     /// Looks at the conditions in their order, up to the first that does not hold, and remembers that one. A
     /// subject that cannot be read, or has no value of the type that is compared, is one that does not hold;
     /// the answer is then the code of that failure. E_POINTER for a null `allMet`.
     HRESULT STDMETHODCALLTYPE Evaluate(VARIANT_BOOL* allMet) override;
-    /// The message entry of the condition that was remembered last; codeNotFound, null out, while there is
-    /// none. E_POINTER for a null `key`.
+    /// The message entry of the condition that was remembered last; HRESULT_FROM_WIN32(ERROR_NOT_FOUND), null
+    /// out, while there is none. E_POINTER for a null `key`.
     HRESULT STDMETHODCALLTYPE GetFailureKey(BSTR* key) override;
 
 protected:
@@ -41,9 +41,9 @@ private:
     const std::string m_entry;
     const std::vector<Condition> m_conditions;
     const Engine* const m_engine;
-    const DataStore& m_store;
+    const NamedValues& m_data;
     std::mutex m_access;
     const Condition* m_failed = nullptr;
 };
 
-} // namespace vant
+} // namespace vant::host

@@ -1,6 +1,6 @@
 #include "host/procedure/BehaviourReader.h"
 
-#include "host/record/Number.h"
+#include "host/record/Value.h"
 #include "host/text/Suggestion.h"
 
 #include <array>
@@ -10,7 +10,7 @@
 #include <set>
 #include <utility>
 
-namespace vant {
+namespace vant::host {
 
 namespace {
 
@@ -368,4 +368,4 @@ std::optional<double> BehaviourReader::RequiredNumber(const toml::table& table, 
     return Number(table, key);
 }
 
-} // namespace vant
+} // namespace vant::host

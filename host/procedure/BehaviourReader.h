@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/engine/EngineDescription.h"
+#include "host/engine/model/EngineDescription.h"
 #include "host/procedure/TableReader.h"
 
 #include <cstdint>
@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-namespace vant {
+namespace vant::host {
 
 /// Reads what the parameters of an engine do over time: their keys "behaviour" and "fails".
 class BehaviourReader : private TableReader {
@@ -58,4 +58,4 @@ private:
     std::vector<Reference> m_references;
 };
 
-} // namespace vant
+} // namespace vant::host

@@ -5,7 +5,7 @@
 
 #include <array>
 
-namespace vant {
+namespace vant::host {
 
 namespace {
 
@@ -139,4 +139,4 @@ void CheckConditionParameters(const Procedure& procedure, Diagnostics& found) {
     }
 }
 
-} // namespace vant
+} // namespace vant::host

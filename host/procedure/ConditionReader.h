@@ -1,12 +1,12 @@
 #pragma once
 
 #include "host/conditions/Condition.h"
-#include "host/procedure/Diagnostic.h"
 #include "host/procedure/Procedure.h"
+#include "host/text/Diagnostic.h"
 
 #include <toml++/toml.h>
 
-namespace vant {
+namespace vant::host {
 
 /// Reads the conditions of the set `name` from its table. Every mistake goes into `found`.
 std::vector<Condition> ReadConditionSet(const toml::key& name, const toml::node& node, Diagnostics& found);
@@ -18,4 +18,4 @@ void CheckConditionNames(const Procedure& procedure, Diagnostics& found);
 /// An error for each parameter of a condition that the procedure's engine does not have.
 void CheckConditionParameters(const Procedure& procedure, Diagnostics& found);
 
-} // namespace vant
+} // namespace vant::host

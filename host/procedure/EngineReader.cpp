@@ -2,19 +2,19 @@
 
 #include "host/procedure/BehaviourReader.h"
 #include "host/procedure/TableReader.h"
-#include "host/record/Number.h"
+#include "host/record/Value.h"
 #include "host/text/Suggestion.h"
 
 #include <array>
 
-namespace vant {
+namespace vant::host {
 
 namespace {
 
 /// By their order in ProtocolStep.
 const std::array<std::string, 6> protocolStepNames = {"GetProtocolSource", "GetA", "GetB", "GetC", "GetD",
                                                       "get_Kind"};
-constexpr LONG lastProtocolKind = 6;
+constexpr std::int32_t lastProtocolKind = 6;
 
 class Reader : private TableReader {
 public:
@@ -47,7 +47,7 @@ private:
     void ReadProtocol(const toml::node& node) {
         const auto kind = node.value_exact<std::int64_t>();
         if (kind && *kind >= 0 && *kind <= lastProtocolKind)
-            m_engine.protocol = static_cast<LONG>(*kind);
+            m_engine.protocol = static_cast<std::int32_t>(*kind);
         else
             m_found.Error(PositionOf(node), "'protocol' must be a whole number from 0 to 6");
     }
@@ -192,4 +192,4 @@ EngineDescription ReadEngineTable(const toml::table& table, Diagnostics& found) 
     return Reader(found).Read(table);
 }
 
-} // namespace vant
+} // namespace vant::host

@@ -1,12 +1,12 @@
 #pragma once
 
-#include "host/engine/EngineDescription.h"
-#include "host/procedure/Diagnostic.h"
+#include "host/engine/model/EngineDescription.h"
+#include "host/text/Diagnostic.h"
 
 #include <string_view>
 #include <toml++/toml.h>
 
-namespace vant {
+namespace vant::host {
 
 /// Reads an engine from its TOML text. Every mistake goes into `found`; the result is a whole engine only
 /// where `found` then has no errors.
@@ -15,4 +15,4 @@ EngineDescription ReadEngine(std::string_view toml, Diagnostics& found);
 /// The same from a table that has been parsed.
 EngineDescription ReadEngineTable(const toml::table& table, Diagnostics& found);
 
-} // namespace vant
+} // namespace vant::host

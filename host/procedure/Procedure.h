@@ -1,17 +1,17 @@
 #pragma once
 
 #include "host/conditions/Condition.h"
-#include "host/engine/EngineDescription.h"
-#include "host/procedure/Diagnostic.h"
+#include "host/engine/model/EngineDescription.h"
 #include "host/record/Value.h"
-#include "host/services/ComponentService.h"
+#include "host/services/Components.h"
+#include "host/text/Diagnostic.h"
 
 #include <map>
 #include <optional>
 #include <string>
 #include <vector>
 
-namespace vant {
+namespace vant::host {
 
 /// A text and where it stands in the procedure file.
 struct Located {
@@ -66,4 +66,4 @@ struct Procedure {
     std::optional<EngineDescription> engine;
 };
 
-} // namespace vant
+} // namespace vant::host

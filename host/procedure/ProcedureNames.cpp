@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-namespace vant {
+namespace vant::host {
 
 namespace {
 
@@ -79,4 +79,4 @@ void CheckNames(const Procedure& procedure, Diagnostics& found) {
         WarnOfUnreachableSteps(procedure, found);
 }
 
-} // namespace vant
+} // namespace vant::host

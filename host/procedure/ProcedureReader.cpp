@@ -15,7 +15,7 @@
 #include <toml++/toml.h>
 #include <utility>
 
-namespace vant {
+namespace vant::host {
 
 namespace {
 
@@ -233,4 +233,4 @@ Procedure ReadProcedure(std::string_view toml, Diagnostics& found) {
     }
 }
 
-} // namespace vant
+} // namespace vant::host

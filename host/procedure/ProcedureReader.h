@@ -1,13 +1,13 @@
 #pragma once
 
-#include "host/procedure/Diagnostic.h"
 #include "host/procedure/Procedure.h"
+#include "host/text/Diagnostic.h"
 
 #include <filesystem>
 #include <string>
 #include <string_view>
 
-namespace vant {
+namespace vant::host {
 
 /// The bytes of a file. Throws std::runtime_error with the system's reason where it cannot be read.
 std::string ReadFile(const std::filesystem::path& file);
@@ -19,4 +19,4 @@ std::string FileName(const std::filesystem::path& file);
 /// only where `found` then has no errors. After a mistake of TOML's own syntax nothing further is looked at.
 Procedure ReadProcedure(std::string_view toml, Diagnostics& found);
 
-} // namespace vant
+} // namespace vant::host

@@ -4,7 +4,7 @@
 
 #include <limits>
 
-namespace vant {
+namespace vant::host {
 
 Position PositionOf(const toml::source_region& region) {
     return {std::max(region.begin.line, 1U), std::max(region.begin.column, 1U)};
@@ -104,4 +104,4 @@ std::optional<Value> TableReader::Scalar(const toml::node& node, const std::stri
     return std::nullopt;
 }
 
-} // namespace vant
+} // namespace vant::host

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "host/procedure/Diagnostic.h"
 #include "host/procedure/Procedure.h"
+#include "host/text/Diagnostic.h"
 
 #include <algorithm>
 #include <optional>
@@ -11,7 +11,7 @@
 #include <utility>
 #include <vector>
 
-namespace vant {
+namespace vant::host {
 
 Position PositionOf(const toml::source_region& region);
 Position PositionOf(const toml::key& key);
@@ -61,4 +61,4 @@ protected:
     Diagnostics& m_found;
 };
 
-} // namespace vant
+} // namespace vant::host

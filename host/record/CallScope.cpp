@@ -2,7 +2,7 @@
 
 #include <utility>
 
-namespace vant {
+namespace vant::host {
 
 namespace {
 
@@ -46,4 +46,4 @@ std::string CurrentThread() {
     return innermostThread ? innermostThread->Name() : mainThread;
 }
 
-} // namespace vant
+} // namespace vant::host

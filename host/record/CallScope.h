@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <string>
 
-namespace vant {
+namespace vant::host {
 
 /// While it lives, the calling thread works for the command of that id. Scopes of one thread lie inside one
 /// another.
@@ -57,4 +57,4 @@ inline constexpr const char* mainThread = "main";
 /// The calling thread's name; mainThread without a ThreadScope.
 std::string CurrentThread();
 
-} // namespace vant
+} // namespace vant::host

@@ -5,7 +5,7 @@
 
 #include <algorithm>
 
-namespace vant {
+namespace vant::host {
 
 const Value* Record::Find(std::string_view name) const {
     const auto found = std::find_if(arguments.begin(), arguments.end(),
@@ -34,4 +34,4 @@ void Journal::Add(Record record) noexcept {
     }
 }
 
-} // namespace vant
+} // namespace vant::host

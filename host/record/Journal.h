@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/record/TimeSource.h"
 #include "host/record/Value.h"
 #include "platform/system.h"
 
@@ -12,7 +13,7 @@
 #include <string_view>
 #include <vector>
 
-namespace vant {
+namespace vant::host {
 
 struct Argument {
     std::string name;
@@ -41,12 +42,11 @@ struct Record {
 /// The journal is the truth about a run: console, reports and tests are made from it alone.
 class Journal {
 public:
-    using Clock = std::function<std::int64_t()>;
     using Observer = std::function<void(const Record&)>;
 
     /// With the time of this process's clock since now: real, scaled or virtual.
     Journal();
-    explicit Journal(Clock clock) : m_clock(std::move(clock)) {}
+    explicit Journal(TimeSource clock) : m_clock(std::move(clock)) {}
 
     /// Not while a run goes on. Observers are called one at a time, on the thread of the record; they must
     /// not call the journal.
@@ -60,10 +60,10 @@ public:
     bool IsComplete() const noexcept { return m_complete; }
 
 private:
-    Clock m_clock;
+    TimeSource m_clock;
     std::vector<Observer> m_observers;
     std::mutex m_order;
     std::atomic<bool> m_complete{true};
 };
 
-} // namespace vant
+} // namespace vant::host

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <cstdint>
 
-namespace vant {
+namespace vant::host {
 
 namespace {
 
@@ -52,4 +52,4 @@ Json ToJson(const Record& record) {
     return result;
 }
 
-} // namespace vant
+} // namespace vant::host

@@ -6,7 +6,7 @@
 #include <ostream>
 #include <string>
 
-namespace vant {
+namespace vant::host {
 
 /// JSON whose keys keep the order in which they were added.
 using Json = nlohmann::ordered_json;
@@ -36,4 +36,4 @@ private:
     std::ostream& m_out;
 };
 
-} // namespace vant
+} // namespace vant::host

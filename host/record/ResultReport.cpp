@@ -1,6 +1,6 @@
 #include "host/record/ResultReport.h"
 
-namespace vant {
+namespace vant::host {
 
 ResultReport::ResultReport() {
     m_result["procedure"] = nullptr;
@@ -59,4 +59,4 @@ void ResultReport::TakeEvent(const Record& record) {
     }
 }
 
-} // namespace vant
+} // namespace vant::host

@@ -2,7 +2,7 @@
 
 #include "host/record/Json.h"
 
-namespace vant {
+namespace vant::host {
 
 /// Makes the result of one run from its records:
 ///
@@ -28,4 +28,4 @@ private:
     Json m_result;
 };
 
-} // namespace vant
+} // namespace vant::host

@@ -1,23 +1,23 @@
 #pragma once
 
-#include "platform/Variant.h"
-#include "platform/system.h"
-
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <variant>
 
-namespace vant {
+namespace vant::host {
 
 /// A value as procedures write it and the journal keeps it; texts in UTF-8.
 using Value = std::variant<std::nullptr_t, bool, std::int64_t, double, std::string>;
 
-/// What a VARIANT holds: nothing for VT_EMPTY and VT_NULL, the text "(object)" for an object (VT_UNKNOWN), a
-/// text such as "(VARIANT of type 7)" for another type that has no counterpart.
-Value ToValue(const VARIANT& value);
+/// The number in a value; nothing if the value is not a number.
+inline std::optional<double> NumberIn(const Value& value) {
+    if (const auto* const whole = std::get_if<std::int64_t>(&value))
+        return static_cast<double>(*whole);
+    if (const auto* const real = std::get_if<double>(&value))
+        return *real;
+    return std::nullopt;
+}
 
-/// VT_EMPTY, VT_BOOL, VT_I4, VT_R8 or VT_BSTR. Integers must lie in the range of a LONG.
-CComVariant ToVariant(const Value& value);
-
-} // namespace vant
+} // namespace vant::host

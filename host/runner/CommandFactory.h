@@ -5,7 +5,7 @@
 
 #include <string_view>
 
-namespace vant {
+namespace vant::host {
 
 /// Creates commands by class name.
 class CommandFactory {
@@ -20,4 +20,4 @@ public:
     virtual bool CanUnload() const = 0;
 };
 
-} // namespace vant
+} // namespace vant::host

@@ -3,7 +3,7 @@
 #include "framework/interfaces/ClassIds.h"
 #include "platform/Utf8.h"
 
-namespace vant {
+namespace vant::host {
 
 std::vector<std::string> ClassNames() {
     std::vector<std::string> names;
@@ -43,4 +43,4 @@ HRESULT Module::Unregister() const {
     return m_library.Find<PlainFunction>("DllUnregisterServer")();
 }
 
-} // namespace vant
+} // namespace vant::host

@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-namespace vant {
+namespace vant::host {
 
 /// The names of all command classes, whether the module has them yet or not.
 std::vector<std::string> ClassNames();
@@ -39,4 +39,4 @@ private:
     PlainFunction* m_canUnloadNow;
 };
 
-} // namespace vant
+} // namespace vant::host

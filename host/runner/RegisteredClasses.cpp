@@ -9,7 +9,7 @@
 #include <algorithm>
 #include <stdexcept>
 
-namespace vant {
+namespace vant::host {
 
 namespace {
 
@@ -52,4 +52,4 @@ std::vector<RegisteredClass> ListRegisteredClasses() {
     return found;
 }
 
-} // namespace vant
+} // namespace vant::host

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-namespace vant {
+namespace vant::host {
 
 /// The command classes as they are registered with the system, by ProgID. The system loads whatever module
 /// each class is registered with, and keeps it until this object goes.
@@ -33,4 +33,4 @@ struct RegisteredClass {
 /// Every command class that is registered, in the order of the class table.
 std::vector<RegisteredClass> ListRegisteredClasses();
 
-} // namespace vant
+} // namespace vant::host

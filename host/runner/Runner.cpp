@@ -1,10 +1,10 @@
 #include "host/runner/Runner.h"
 
-#include "host/services/Codes.h"
+#include "host/object/VariantValue.h"
 
 #include <utility>
 
-namespace vant {
+namespace vant::host {
 
 namespace {
 
@@ -13,10 +13,10 @@ Value TextOrNull(const std::string& text) {
 }
 
 /// One text for all.
-std::string TextOf(const std::vector<Condition>& conditions) {
+std::string Describe(const std::vector<Condition>& conditions) {
     std::string text;
     for (const Condition& condition : conditions)
-        text += (text.empty() ? "" : "; ") + TextOf(condition);
+        text += (text.empty() ? "" : "; ") + Describe(condition);
     return text;
 }
 
@@ -42,11 +42,11 @@ Runner::Runner(const Procedure& procedure, const CommandFactory& factory, Journa
 Verdict Runner::Run() {
     Tell("ProcedureStarted", {{"name", m_procedure.name}});
     for (const auto& [name, value] : m_procedure.data) {
-        m_services.dataStore.Set(name, ToVariant(value));
+        m_services.data.Set(ToWide(name), ToVariant(value));
         Tell("DataGiven", {{"name", name}, {"value", value}});
     }
     for (const auto& [name, conditions] : m_procedure.conditions)
-        Tell("ConditionsGiven", {{"name", name}, {"conditions", TextOf(conditions)}});
+        Tell("ConditionsGiven", {{"name", name}, {"conditions", Describe(conditions)}});
     Ending ending{};
     try {
         ending = RunSteps();
@@ -55,9 +55,9 @@ Verdict Runner::Run() {
         throw;
     }
     EndPersistentCommands();
-    for (const auto& [name, value] : m_services.dataStore.Entries())
+    for (const auto& [name, value] : m_services.data.All())
         Tell("DataLeft", {{"name", name}, {"value", value}});
-    m_services.dataStore.Clear();
+    m_services.data.Clear();
     Tell("ProcedureEnded", {{"verdict", NameOf(ending.verdict)}, {"reason", ending.reason}});
     return ending.verdict;
 }
@@ -146,7 +146,7 @@ const std::string* Runner::TargetOf(const Step& step, const std::optional<std::s
 
 HRESULT Runner::RunCommand(const std::string& id) {
     if (m_ending)
-        return codeAborted;
+        return E_ABORT;
     const auto command = m_procedure.commands.find(id);
     if (command == m_procedure.commands.end())
         return E_INVALIDARG;
@@ -199,4 +199,4 @@ void Runner::Tell(const char* event, std::vector<Argument> arguments, std::optio
     m_journal.Add(std::move(record));
 }
 
-} // namespace vant
+} // namespace vant::host

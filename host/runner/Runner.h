@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-namespace vant {
+namespace vant::host {
 
 /// So many commands may run inside one another on one thread; RunCommand answers
 /// HRESULT_FROM_WIN32(ERROR_STACK_OVERFLOW) to a request for one more.
@@ -33,7 +33,7 @@ public:
     Verdict Run();
 
     /// Asks the run to end before the next command or step, and ends its waiting. What would actuate
-    /// something after that is refused with codeAborted: commands, threads, writes of parameters. Any thread
+    /// something after that is refused with E_ABORT: commands, threads, writes of parameters. Any thread
     /// may call.
     void Abort() noexcept;
 
@@ -70,4 +70,4 @@ private:
     Services m_services;               ///< Its threads may use everything above until it ends.
 };
 
-} // namespace vant
+} // namespace vant::host

@@ -1,6 +1,6 @@
 #include "host/services/CommandRunner.h"
 
-namespace vant {
+namespace vant::host {
 
 HRESULT CommandRunner::RunCommand(BSTR commandId) {
     return Answer("RunCommand", [&](Record& record) {
@@ -18,4 +18,4 @@ HRESULT CommandRunner::RunCommandFromThread(BSTR commandId) {
     });
 }
 
-} // namespace vant
+} // namespace vant::host

@@ -1,13 +1,13 @@
 #pragma once
 
 #include "framework/interfaces/HostServices.h"
-#include "host/services/HostObject.h"
+#include "host/object/HostObject.h"
 
 #include <functional>
 #include <string>
 #include <utility>
 
-namespace vant {
+namespace vant::host {
 
 /// Lets commands run other commands of the procedure.
 class CommandRunner final : public HostObject<ICommandRunner> {
@@ -25,4 +25,4 @@ private:
     const Run m_run;
 };
 
-} // namespace vant
+} // namespace vant::host

@@ -1,8 +1,6 @@
 #include "host/services/ComponentService.h"
 
-#include "host/services/Codes.h"
-
-namespace vant {
+namespace vant::host {
 
 HRESULT ComponentService::SetComponentProperty(BSTR componentId, BSTR name, BSTR value) {
     return Answer("SetComponentProperty", [&](Record& record) {
@@ -11,7 +9,7 @@ HRESULT ComponentService::SetComponentProperty(BSTR componentId, BSTR name, BSTR
         record.Add("componentId", component);
         record.Add("name", property);
         record.Add("value", ToUtf8(TextOf(value)));
-        return Exists(component, property) ? S_OK : codeNotFound;
+        return Exists(component, property) ? S_OK : HRESULT_FROM_WIN32(ERROR_NOT_FOUND);
     });
 }
 
@@ -22,4 +20,4 @@ bool ComponentService::Exists(const std::string& componentId, const std::string&
     return component != m_components.end() && (component->second.empty() || component->second.contains(name));
 }
 
-} // namespace vant
+} // namespace vant::host

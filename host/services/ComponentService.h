@@ -1,17 +1,13 @@
 #pragma once
 
 #include "framework/interfaces/HostServices.h"
-#include "host/services/HostObject.h"
+#include "host/object/HostObject.h"
+#include "host/services/Components.h"
 
-#include <map>
-#include <set>
 #include <string>
 #include <utility>
 
-namespace vant {
-
-/// The components of a display: the properties that each one has; one without any accepts every property.
-using Components = std::map<std::string, std::set<std::string>>;
+namespace vant::host {
 
 /// Takes what commands show on components of the display. The bench has no display: what was shown stands in
 /// the journal.
@@ -28,7 +24,7 @@ public:
     HRESULT STDMETHODCALLTYPE Reserved7() override { return Refuse("Reserved7"); }
     HRESULT STDMETHODCALLTYPE Reserved8() override { return Refuse("Reserved8"); }
     HRESULT STDMETHODCALLTYPE Reserved9() override { return Refuse("Reserved9"); }
-    /// codeNotFound for a component or a property that does not exist.
+    /// HRESULT_FROM_WIN32(ERROR_NOT_FOUND) for a component or a property that does not exist.
     HRESULT STDMETHODCALLTYPE SetComponentProperty(BSTR componentId, BSTR name, BSTR value) override;
 
 private:
@@ -37,4 +33,4 @@ private:
     const Components m_components;
 };
 
-} // namespace vant
+} // namespace vant::host

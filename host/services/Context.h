@@ -1,9 +1,9 @@
 #pragma once
 
 #include "framework/interfaces/HostServices.h"
-#include "host/services/HostObject.h"
+#include "host/object/HostObject.h"
 
-namespace vant {
+namespace vant::host {
 
 /// What a context hands out.
 struct ContextServices {
@@ -78,4 +78,4 @@ private:
     const ContextServices m_services;
 };
 
-} // namespace vant
+} // namespace vant::host

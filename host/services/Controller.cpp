@@ -1,8 +1,6 @@
 #include "host/services/Controller.h"
 
-#include "host/services/Codes.h"
-
-namespace vant {
+namespace vant::host {
 
 HRESULT Controller::TerminateCommand(BSTR commandId) {
     return Answer("TerminateCommand", [&](Record& record) {
@@ -18,10 +16,10 @@ HRESULT Controller::PersistentCommandStopped(IVantPersistentCommand* command) {
             return E_POINTER;
         const std::optional<std::string> id = m_threads.IdOf(*command);
         if (!id)
-            return codeNotFound;
+            return HRESULT_FROM_WIN32(ERROR_NOT_FOUND);
         record.Add("commandId", *id);
         return S_OK;
     });
 }
 
-} // namespace vant
+} // namespace vant::host

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "framework/interfaces/HostServices.h"
-#include "host/services/HostObject.h"
+#include "host/object/HostObject.h"
 #include "host/services/PersistentThreads.h"
 
-namespace vant {
+namespace vant::host {
 
 /// Ends running commands at a command's request, and hears of those that have been stopped. Any thread may
 /// call.
@@ -14,17 +14,17 @@ public:
     Controller(Journal& journal, PersistentThreads& threads)
         : HostObject(journal, "Controller"), m_threads(threads) {}
 
-    /// Calls Stop of every running command of that id and does not wait for it to end. codeNotFound where
-    /// none runs; E_NOINTERFACE where one cannot be stopped.
+    /// Calls Stop of every running command of that id and does not wait for it to end.
+    /// HRESULT_FROM_WIN32(ERROR_NOT_FOUND) where none runs; E_NOINTERFACE where one cannot be stopped.
     HRESULT STDMETHODCALLTYPE TerminateCommand(BSTR commandId) override;
     HRESULT STDMETHODCALLTYPE Reserved4() override { return Refuse("Reserved4"); }
     HRESULT STDMETHODCALLTYPE Reserved5() override { return Refuse("Reserved5"); }
-    /// Recorded with the command's id. E_POINTER for a null command; codeNotFound for one that is not
-    /// running.
+    /// Recorded with the command's id. E_POINTER for a null command; HRESULT_FROM_WIN32(ERROR_NOT_FOUND) for
+    /// one that is not running.
     HRESULT STDMETHODCALLTYPE PersistentCommandStopped(IVantPersistentCommand* command) override;
 
 private:
     PersistentThreads& m_threads;
 };
 
-} // namespace vant
+} // namespace vant::host

@@ -1,10 +1,8 @@
 #include "host/services/DataStore.h"
 
-#include "host/services/Codes.h"
+#include "host/object/VariantValue.h"
 
-#include <utility>
-
-namespace vant {
+namespace vant::host {
 
 HRESULT DataStore::GetValue(BSTR name, VARIANT* value) {
     return Answer("GetValue", [&](Record& record) -> HRESULT {
@@ -12,7 +10,7 @@ HRESULT DataStore::GetValue(BSTR name, VARIANT* value) {
         if (!value)
             return E_POINTER;
         CComVariant copy;
-        if (const HRESULT code = Find(TextOf(name), copy); FAILED(code))
+        if (const HRESULT code = m_values.Read(TextOf(name), copy); FAILED(code))
             return code;
         record.Add("value", ToValue(copy.Get()));
         *value = copy.Detach();
@@ -26,48 +24,9 @@ HRESULT DataStore::SetValue(BSTR name, VARIANT value) {
         record.Add("value", ToValue(value));
         if (value.vt & VT_BYREF)
             return E_INVALIDARG;
-        Replace(std::wstring(TextOf(name)), CComVariant::Copy(value));
+        m_values.Set(std::wstring(TextOf(name)), CComVariant::Copy(value));
         return S_OK;
     });
 }
 
-void DataStore::Set(std::string_view name, CComVariant value) {
-    Replace(ToWide(name), std::move(value));
-}
-
-HRESULT DataStore::Read(std::string_view name, CComVariant& value) const {
-    return Find(ToWide(name), value);
-}
-
-void DataStore::Clear() {
-    std::map<std::wstring, CComVariant, std::less<>> given;
-    const std::lock_guard lock(m_access);
-    m_entries.swap(given);
-}
-
-HRESULT DataStore::Find(std::wstring_view name, CComVariant& value) const {
-    const std::lock_guard lock(m_access);
-    const auto entry = m_entries.find(name);
-    if (entry == m_entries.end())
-        return codeNotFound;
-    value = entry->second;
-    return S_OK;
-}
-
-void DataStore::Replace(std::wstring name, CComVariant value) {
-    CComVariant replaced;
-    const std::lock_guard lock(m_access);
-    CComVariant& entry = m_entries[std::move(name)];
-    replaced = std::move(entry);
-    entry = std::move(value);
-}
-
-std::map<std::string, Value> DataStore::Entries() const {
-    const std::lock_guard lock(m_access);
-    std::map<std::string, Value> result;
-    for (const auto& [name, value] : m_entries)
-        result[ToUtf8(name)] = ToValue(value.Get());
-    return result;
-}
-
-} // namespace vant
+} // namespace vant::host

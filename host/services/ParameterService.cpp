@@ -1,8 +1,10 @@
 #include "host/services/ParameterService.h"
 
-#include "host/services/HandOut.h"
+#include "host/engine/objects/EngineAccess.h"
+#include "host/object/HandOut.h"
+#include "host/object/VariantValue.h"
 
-namespace vant {
+namespace vant::host {
 
 namespace {
 
@@ -27,7 +29,7 @@ HRESULT ParameterService::GetParameter(BSTR id, LONG kind, IUnknown** parameter)
             return E_POINTER;
         *parameter = nullptr;
         if (!m_engine)
-            return codeNotFound;
+            return HRESULT_FROM_WIN32(ERROR_NOT_FOUND);
         if (kind == parameterKind)
             return HandOut(m_engine->FindParameter(idText), parameter);
         if (kind == faultArrayKind)
@@ -45,16 +47,16 @@ HRESULT ParameterService::SetParameter(BSTR id, LONG kind, VARIANT value, IUnkno
         if (parameter)
             *parameter = nullptr;
         if (m_closed)
-            return codeAborted;
+            return E_ABORT;
         if (!m_engine)
-            return codeNotFound;
+            return HRESULT_FROM_WIN32(ERROR_NOT_FOUND);
         if (kind != parameterKind)
             return E_INVALIDARG;
-        const HRESULT code = m_engine->Model().Write(idText, value);
+        const HRESULT code = WriteValue(m_engine->Model(), idText, value);
         if (FAILED(code) || !parameter)
             return code;
         return HandOut(m_engine->FindParameter(idText), parameter);
     });
 }
 
-} // namespace vant
+} // namespace vant::host

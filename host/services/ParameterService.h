@@ -1,12 +1,12 @@
 #pragma once
 
 #include "ecm/interfaces/EngineData.h"
-#include "host/engine/EngineObjects.h"
-#include "host/services/HostObject.h"
+#include "host/engine/objects/EngineObjects.h"
+#include "host/object/HostObject.h"
 
 #include <atomic>
 
-namespace vant {
+namespace vant::host {
 
 /// The parameters of the engine control module. Without an engine nothing exists.
 class ParameterService final : public HostDispatch<IDataServiceOld> {
@@ -20,11 +20,11 @@ public:
     HRESULT STDMETHODCALLTYPE Reserved9() override { return Refuse("Reserved9"); }
     HRESULT STDMETHODCALLTYPE GetConnection(IConnectionOld** connection) override;
     HRESULT STDMETHODCALLTYPE Reserved11() override { return Refuse("Reserved11"); }
-    /// Kind 1 gives a parameter, kind 2 a fault array: codeNotFound, null out, for an unknown id;
-    /// E_INVALIDARG for another kind; E_POINTER for a null `parameter`.
+    /// Kind 1 gives a parameter, kind 2 a fault array: HRESULT_FROM_WIN32(ERROR_NOT_FOUND), null out, for an
+    /// unknown id; E_INVALIDARG for another kind; E_POINTER for a null `parameter`.
     HRESULT STDMETHODCALLTYPE GetParameter(BSTR id, LONG kind, IUnknown** parameter) override;
     /// Writes a parameter (kind 1) and gives it, unless `parameter` is null. Refusals are those of
-    /// GetParameter and of Engine::Write, and codeAborted once closed; null out then.
+    /// GetParameter and of Engine::Write, and E_ABORT once closed; null out then.
     HRESULT STDMETHODCALLTYPE SetParameter(BSTR id, LONG kind, VARIANT value, IUnknown** parameter) override;
 
     /// From now on nothing is written. Any thread may call.
@@ -35,4 +35,4 @@ private:
     std::atomic<bool> m_closed{false};
 };
 
-} // namespace vant
+} // namespace vant::host

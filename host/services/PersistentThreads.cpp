@@ -1,7 +1,6 @@
 #include "host/services/PersistentThreads.h"
 
 #include "host/record/CallScope.h"
-#include "host/services/Codes.h"
 #include "platform/Clock.h"
 #include "platform/Thread.h"
 #include "platform/Utf8.h"
@@ -10,7 +9,7 @@
 #include <thread>
 #include <utility>
 
-namespace vant {
+namespace vant::host {
 
 /// What a thread works on. Whoever uses it shares it, so that it is released outside the lock.
 struct PersistentThreads::Work {
@@ -76,7 +75,7 @@ HRESULT PersistentThreads::Start(IThreadCallback& callback, std::wstring_view na
 
     const std::lock_guard lock(m_access);
     if (m_closed)
-        return codeAborted;
+        return E_ABORT;
     const std::uint32_t newCookie = m_lastCookie + 1;
     Names names{std::wstring(name), ToUtf8(name) + ' ' + std::to_string(newCookie), work->commandId,
                 EndedRecord(newCookie)};
@@ -124,7 +123,7 @@ HRESULT PersistentThreads::Forget(std::uint32_t cookie) {
         return S_OK;
     const auto entry = m_threads.find(cookie);
     if (entry == m_threads.end() || !entry->second->registered)
-        return codeNotFound;
+        return HRESULT_FROM_WIN32(ERROR_NOT_FOUND);
     entry->second->registered = false;
     return S_OK;
 }
@@ -133,7 +132,7 @@ HRESULT PersistentThreads::IsRunning(std::uint32_t cookie) const {
     bool hasEnded = false;
     const ThreadPtr thread = Find(cookie, hasEnded);
     if (!thread)
-        return hasEnded ? S_FALSE : codeNotFound;
+        return hasEnded ? S_FALSE : HRESULT_FROM_WIN32(ERROR_NOT_FOUND);
     const std::lock_guard lock(m_access);
     return thread->running ? S_OK : S_FALSE;
 }
@@ -142,19 +141,19 @@ HRESULT PersistentThreads::WaitFor(std::uint32_t cookie) const {
     bool hasEnded = false;
     const ThreadPtr thread = Find(cookie, hasEnded);
     if (!thread)
-        return hasEnded ? S_OK : codeNotFound;
+        return hasEnded ? S_OK : HRESULT_FROM_WIN32(ERROR_NOT_FOUND);
     if (thread.get() == currentThread)
         return HRESULT_FROM_WIN32(ERROR_POSSIBLE_DEADLOCK);
     thread->released.Wait(INFINITE);
     const std::lock_guard lock(m_access);
-    return thread->running ? codeAborted : S_OK;
+    return thread->running ? E_ABORT : S_OK;
 }
 
 HRESULT PersistentThreads::StopCommand(std::string_view commandId) {
     const std::vector<WorkPtr> found =
         WorkWhere([commandId](const Work& work) { return work.commandId == commandId; });
     if (found.empty())
-        return codeNotFound;
+        return HRESULT_FROM_WIN32(ERROR_NOT_FOUND);
     HRESULT result = S_OK;
     for (const WorkPtr& work : found) {
         if (const HRESULT code = Stop(work); FAILED(code))
@@ -264,4 +263,4 @@ void PersistentThreads::JoinEnded() {
     }
 }
 
-} // namespace vant
+} // namespace vant::host

@@ -19,7 +19,7 @@
 #include <string_view>
 #include <vector>
 
-namespace vant {
+namespace vant::host {
 
 /// The threads on which the persistent commands of one run work. Each bears its registration's name and its
 /// cookie in the journal, takes part in virtual time, and works for the command that was at work when it was
@@ -36,21 +36,22 @@ public:
     PersistentThreads& operator=(const PersistentThreads&) = delete;
 
     /// Starts a thread that calls `callback` once, and gives it the next cookie, counted from 1. The callback
-    /// and the object of the current command are held until the call has returned. codeAborted once closed.
+    /// and the object of the current command are held until the call has returned. E_ABORT once closed.
     HRESULT Start(IThreadCallback& callback, std::wstring_view name, std::uint32_t& cookie);
 
-    // By cookie; codeNotFound for one that was never given, or is forgotten.
+    // By cookie; HRESULT_FROM_WIN32(ERROR_NOT_FOUND) for one that was never given, or is forgotten.
 
     /// Forgets the cookie. Its thread goes on.
     HRESULT Forget(std::uint32_t cookie);
     /// S_OK while the thread runs, S_FALSE afterwards.
     HRESULT IsRunning(std::uint32_t cookie) const;
     /// Waits until the thread has ended. HRESULT_FROM_WIN32(ERROR_POSSIBLE_DEADLOCK) on that thread itself;
-    /// codeAborted where the threads are closed before it has ended.
+    /// E_ABORT where the threads are closed before it has ended.
     HRESULT WaitFor(std::uint32_t cookie) const;
 
-    /// Calls Stop of every running command of that id. codeNotFound where none runs, E_NOINTERFACE where one
-    /// cannot be stopped. (What Stop answers is what the controller has answered to it.)
+    /// Calls Stop of every running command of that id. HRESULT_FROM_WIN32(ERROR_NOT_FOUND) where none runs,
+    /// E_NOINTERFACE where one cannot be stopped. (What Stop answers is what the controller has answered to
+    /// it.)
     HRESULT StopCommand(std::string_view commandId);
     /// The id of the command that `command` is, if it runs or is just being stopped; nothing otherwise.
     std::optional<std::string> IdOf(IUnknown& command) const;
@@ -99,4 +100,4 @@ private:
     std::list<WorkPtr> m_stopping;
 };
 
-} // namespace vant
+} // namespace vant::host

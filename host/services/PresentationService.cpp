@@ -1,6 +1,6 @@
 #include "host/services/PresentationService.h"
 
-namespace vant {
+namespace vant::host {
 
 HRESULT PresentationService::ShowInstruction(BSTR text) {
     return Answer("ShowInstruction", [&](Record& record) {
@@ -9,4 +9,4 @@ HRESULT PresentationService::ShowInstruction(BSTR text) {
     });
 }
 
-} // namespace vant
+} // namespace vant::host

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "framework/interfaces/HostServices.h"
-#include "host/services/HostObject.h"
+#include "host/object/HostObject.h"
 
-namespace vant {
+namespace vant::host {
 
 /// Takes instructions to the technician. What was shown stands in the journal.
 class PresentationService final : public HostObject<IPresentationService> {
@@ -17,4 +17,4 @@ public:
     HRESULT STDMETHODCALLTYPE ShowInstruction(BSTR text) override;
 };
 
-} // namespace vant
+} // namespace vant::host

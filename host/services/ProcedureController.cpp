@@ -2,7 +2,7 @@
 
 #include <utility>
 
-namespace vant {
+namespace vant::host {
 
 HRESULT ProcedureController::SetTransition(BSTR transitionId) {
     return Answer("SetTransition", [&](Record& record) -> HRESULT {
@@ -36,4 +36,4 @@ std::optional<std::string> ProcedureController::LeaveStep() {
     return std::exchange(m_chosen, std::nullopt);
 }
 
-} // namespace vant
+} // namespace vant::host

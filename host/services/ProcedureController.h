@@ -1,7 +1,7 @@
 #pragma once
 
 #include "framework/interfaces/HostServices.h"
-#include "host/services/HostObject.h"
+#include "host/object/HostObject.h"
 #include "platform/Event.h"
 
 #include <functional>
@@ -9,7 +9,7 @@
 #include <optional>
 #include <string>
 
-namespace vant {
+namespace vant::host {
 
 /// Keeps the transition that commands choose for the step at work. Any thread may call.
 class ProcedureController final : public HostObject<IProcedureController> {
@@ -42,4 +42,4 @@ private:
     std::optional<std::string> m_chosen;
 };
 
-} // namespace vant
+} // namespace vant::host

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-namespace vant {
+namespace vant::host {
 
 namespace {
 
@@ -29,7 +29,7 @@ Services::Services(Journal& journal, CommandRunner::Run run,
                    const std::optional<EngineDescription>& engineDescription, const Components& components,
                    const ConditionSets& conditions)
     : commandRunner(journal, std::move(run)), componentService(journal, components),
-      service3(journal, "Service3"), dataStore(journal), presentationService(journal),
+      service3(journal, "Service3"), dataStore(journal, data), presentationService(journal),
       threadService(journal, persistentThreads), service7(journal, "Service7"),
       procedureController(journal, changed),
       parameterService(journal, Fill(engine, journal, threadService, engineDescription)),
@@ -38,8 +38,8 @@ Services::Services(Journal& journal, CommandRunner::Run run,
                         &presentationService, &dataStore, &threadService, &parameterService}),
       persistentThreads(journal, changed) {
     for (const auto& [name, each] : conditions)
-        dataStore.Set(name, Referenced(conditionSets.emplace_back(
-                                journal, name, each, engine ? &engine->Model() : nullptr, dataStore)));
+        data.Set(ToWide(name), Referenced(conditionSets.emplace_back(
+                                   journal, name, each, engine ? &engine->Model() : nullptr, data)));
 }
 
 void Services::Close() noexcept {
@@ -73,4 +73,4 @@ std::vector<std::string> Services::StillHeld() const {
     return held;
 }
 
-} // namespace vant
+} // namespace vant::host

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "host/conditions/ConditionSet.h"
-#include "host/engine/EngineObjects.h"
+#include "host/engine/objects/EngineObjects.h"
 #include "host/services/CommandRunner.h"
 #include "host/services/ComponentService.h"
 #include "host/services/Context.h"
@@ -20,7 +20,7 @@
 #include <string>
 #include <vector>
 
-namespace vant {
+namespace vant::host {
 
 /// All host objects of one run.
 struct Services {
@@ -43,7 +43,8 @@ struct Services {
     CommandRunner commandRunner;
     ComponentService componentService;
     UnusedService service3;
-    std::list<ConditionSet> conditionSets; ///< They outlive the store, which holds them.
+    std::list<ConditionSet> conditionSets; ///< They outlive the data, which hold them.
+    NamedValues data;
     DataStore dataStore;
     PresentationService presentationService;
     ThreadService threadService;
@@ -57,4 +58,4 @@ struct Services {
     PersistentThreads persistentThreads;
 };
 
-} // namespace vant
+} // namespace vant::host

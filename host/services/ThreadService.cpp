@@ -1,6 +1,6 @@
 #include "host/services/ThreadService.h"
 
-namespace vant {
+namespace vant::host {
 
 HRESULT ThreadService::UnregisterCallback(std::uint32_t cookie) {
     return Answer("UnregisterCallback", [&](Record& record) {
@@ -37,4 +37,4 @@ HRESULT ThreadService::RegisterCallback(IThreadCallback* callback, const ThreadR
     });
 }
 
-} // namespace vant
+} // namespace vant::host

@@ -1,11 +1,11 @@
 #pragma once
 
 #include "framework/interfaces/ThreadService.h"
-#include "host/engine/EngineObjects.h"
-#include "host/services/HostObject.h"
+#include "host/engine/objects/EngineObjects.h"
+#include "host/object/HostObject.h"
 #include "host/services/PersistentThreads.h"
 
-namespace vant {
+namespace vant::host {
 
 /// Runs persistent commands, each on a thread of its own. Where the procedure has an engine, this COM object
 /// answers the interfaces of the engine services, too. Any thread may call.
@@ -19,17 +19,17 @@ public:
     void SetEngine(EngineObjects& engine) noexcept { m_engine = &engine; }
 
     HRESULT STDMETHODCALLTYPE Reserved7() override { return Refuse("Reserved7"); }
-    /// codeNotFound for a cookie that does not exist or is forgotten already.
+    /// HRESULT_FROM_WIN32(ERROR_NOT_FOUND) for a cookie that does not exist or is forgotten already.
     HRESULT STDMETHODCALLTYPE UnregisterCallback(std::uint32_t cookie) override;
     HRESULT STDMETHODCALLTYPE Reserved9() override { return Refuse("Reserved9"); }
     HRESULT STDMETHODCALLTYPE Reserved10() override { return Refuse("Reserved10"); }
-    /// S_OK while the thread of that cookie runs, S_FALSE afterwards; codeNotFound.
+    /// S_OK while the thread of that cookie runs, S_FALSE afterwards; HRESULT_FROM_WIN32(ERROR_NOT_FOUND).
     HRESULT STDMETHODCALLTYPE Operation11(std::uint32_t cookie) override;
     /// Waits until the thread of that cookie has ended: S_OK. HRESULT_FROM_WIN32(ERROR_POSSIBLE_DEADLOCK) on
-    /// that thread itself; codeAborted where the procedure ends first; codeNotFound.
+    /// that thread itself; E_ABORT where the procedure ends first; HRESULT_FROM_WIN32(ERROR_NOT_FOUND).
     HRESULT STDMETHODCALLTYPE Operation12(std::uint32_t cookie) override;
     /// Gives cookies from 1 upwards. The command at work is held until the callback has returned. E_POINTER
-    /// for a null argument; codeAborted once the procedure has begun to end.
+    /// for a null argument; E_ABORT once the procedure has begun to end.
     HRESULT STDMETHODCALLTYPE RegisterCallback(IThreadCallback* callback,
                                                const ThreadRegistration* registration,
                                                std::uint32_t* cookie) override;
@@ -50,4 +50,4 @@ private:
     EngineObjects* m_engine = nullptr;
 };
 
-} // namespace vant
+} // namespace vant::host

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "host/services/HostObject.h"
+#include "host/object/HostObject.h"
 
 #include <string>
 #include <utility>
 
-namespace vant {
+namespace vant::host {
 
 /// A service that commands ask for and hold, but never call.
 class UnusedService final : public HostObject<IUnknown> {
@@ -13,4 +13,4 @@ public:
     UnusedService(Journal& journal, std::string name) : HostObject(journal, std::move(name)) {}
 };
 
-} // namespace vant
+} // namespace vant::host

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace vant {
+namespace vant::host {
 
 namespace {
 
@@ -43,4 +43,4 @@ std::size_t WidthOf(std::string_view utf8) {
         std::count_if(utf8.begin(), utf8.end(), [](char each) { return (each & 0xC0) != 0x80; }));
 }
 
-} // namespace vant
+} // namespace vant::host

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-namespace vant {
+namespace vant::host {
 
 /// A text with its control characters written out, as in "\n", "\t" or "\x1B", so that it keeps to its line
 /// and tells a terminal nothing. Takes UTF-8; everything else stays.
@@ -13,4 +13,4 @@ std::string Printable(std::string_view utf8);
 /// The characters of a UTF-8 text, for columns.
 std::size_t WidthOf(std::string_view utf8);
 
-} // namespace vant
+} // namespace vant::host

@@ -4,7 +4,7 @@
 #include <array>
 #include <cstddef>
 
-namespace vant {
+namespace vant::host {
 
 namespace {
 
@@ -65,4 +65,4 @@ std::string DidYouMean(std::string_view written, std::span<const std::string> na
     return DidYouMean(NearestName(written, names));
 }
 
-} // namespace vant
+} // namespace vant::host

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-namespace vant {
+namespace vant::host {
 
 /// The one of `names` that `written` was probably meant to be: the nearest, counting a wrong, missing,
 /// surplus or swapped letter as one mistake and a wrong case as none. Nothing where even the nearest has more
@@ -18,4 +18,4 @@ std::string DidYouMean(std::string_view written, std::span<const std::string> na
 /// The same for a name that is already known to be meant.
 std::string DidYouMean(const std::optional<std::string>& name);
 
-} // namespace vant
+} // namespace vant::host

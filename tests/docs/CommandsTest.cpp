@@ -1,8 +1,8 @@
 // docs/commands.md against the command classes: their property tables, and what the built module accepts.
 
 #include "framework/interfaces/VantCommand.h"
-#include "host/procedure/ProcedureCheck.h"
 #include "host/procedure/ProcedureReader.h"
+#include "host/runner/CommandCheck.h"
 #include "host/runner/Module.h"
 #include "platform/Process.h"
 #include "platform/Utf8.h"
@@ -16,6 +16,8 @@
 #include <vector>
 
 namespace vant::test {
+
+using namespace host;
 namespace {
 
 constexpr std::string_view persistentMark = " (persistent)";

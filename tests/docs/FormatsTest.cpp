@@ -2,8 +2,8 @@
 // and its output.
 
 #include "host/procedure/EngineReader.h"
-#include "host/procedure/ProcedureCheck.h"
 #include "host/procedure/ProcedureReader.h"
+#include "host/runner/CommandCheck.h"
 #include "host/runner/Module.h"
 #include "platform/Process.h"
 #include "tests/docs/Markdown.h"
@@ -19,6 +19,8 @@
 #include <vector>
 
 namespace vant::test {
+
+using namespace host;
 namespace {
 
 using Words = std::set<std::string>;

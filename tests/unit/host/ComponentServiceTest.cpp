@@ -1,10 +1,8 @@
 #include "host/services/ComponentService.h"
 
-#include "host/services/Codes.h"
-
 #include <gtest/gtest.h>
 
-namespace vant {
+namespace vant::host {
 
 namespace {
 
@@ -23,11 +21,11 @@ TEST(ComponentService, WithComponents_RefusesOthersAndUnknownProperties) {
     Journal journal;
     ComponentService service(journal, {{"gauge", {"text"}}, {"lamp", {}}});
     EXPECT_EQ(Set(service, L"gauge", L"text"), S_OK);
-    EXPECT_EQ(Set(service, L"gauge", L"value"), codeNotFound);
+    EXPECT_EQ(Set(service, L"gauge", L"value"), HRESULT_FROM_WIN32(ERROR_NOT_FOUND));
     EXPECT_EQ(Set(service, L"lamp", L"anything"), S_OK);
-    EXPECT_EQ(Set(service, L"Lamp", L"anything"), codeNotFound);
+    EXPECT_EQ(Set(service, L"Lamp", L"anything"), HRESULT_FROM_WIN32(ERROR_NOT_FOUND));
 }
 
 } // namespace
 
-} // namespace vant
+} // namespace vant::host

@@ -1,12 +1,11 @@
 #include "host/conditions/ConditionSet.h"
 
 #include "host/record/Json.h"
-#include "host/services/Codes.h"
 #include "host/services/Services.h"
 
 #include <gtest/gtest.h>
 
-namespace vant {
+namespace vant::host {
 
 namespace {
 
@@ -38,9 +37,9 @@ protected:
         services.emplace(
             journal, [](const std::string&) { return S_OK; }, description, Components(),
             ConditionSets{{"set", std::move(conditions)}});
-        services->dataStore.Set("text", CComVariant(CComBSTR(L" 12.5 ")));
-        services->dataStore.Set("word", CComVariant(CComBSTR(L"warm")));
-        services->dataStore.Set("number", CComVariant(12.5));
+        services->data.Set(L"text", CComVariant(CComBSTR(L" 12.5 ")));
+        services->data.Set(L"word", CComVariant(CComBSTR(L"warm")));
+        services->data.Set(L"number", CComVariant(12.5));
         return Again(allMet);
     }
     HRESULT Again(bool& allMet) {
@@ -123,7 +122,7 @@ TEST_F(ConditionSetTest, WithoutAFailure_ThereIsNoKey) {
     ASSERT_EQ(Evaluate({On(parameter, "100", Comparison::Above, 0.0)}, allMet), S_OK);
     EXPECT_TRUE(allMet);
     std::wstring key;
-    EXPECT_EQ(Key(key), codeNotFound);
+    EXPECT_EQ(Key(key), HRESULT_FROM_WIN32(ERROR_NOT_FOUND));
     EXPECT_EQ(services->conditionSets.front().GetFailureKey(nullptr), E_POINTER);
     EXPECT_EQ(services->conditionSets.front().Evaluate(nullptr), E_POINTER);
 }
@@ -131,7 +130,7 @@ TEST_F(ConditionSetTest, WithoutAFailure_ThereIsNoKey) {
 TEST_F(ConditionSetTest, Failure_StaysRememberedWhenAllConditionsHoldAgain) {
     bool allMet = true;
     ASSERT_EQ(Evaluate({On(data, "word", Comparison::Is, "cold", "a")}, allMet), S_OK);
-    services->dataStore.Set("word", CComVariant(CComBSTR(L"cold")));
+    services->data.Set(L"word", CComVariant(CComBSTR(L"cold")));
     EXPECT_EQ(Again(allMet), S_OK);
     EXPECT_TRUE(allMet);
     std::wstring key;
@@ -149,13 +148,13 @@ TEST_F(ConditionSetTest, SubjectThatCannotBeRead_IsTheAnswerAndCountsAsFailed) {
         EXPECT_EQ(Key(key), S_OK);
         EXPECT_EQ(key, L"unreadable");
     };
-    expect(On(parameter, "lost", Comparison::Above, 0.0), codeReadFailed);
-    expect(On(parameter, "lost", Comparison::Is, "1.5"), codeReadFailed);
-    expect(On(parameter, "none", Comparison::Above, 0.0), codeNotFound);
-    expect(On(data, "none", Comparison::Above, 0.0), codeNotFound);
+    expect(On(parameter, "lost", Comparison::Above, 0.0), HRESULT_FROM_WIN32(ERROR_READ_FAULT));
+    expect(On(parameter, "lost", Comparison::Is, "1.5"), HRESULT_FROM_WIN32(ERROR_READ_FAULT));
+    expect(On(parameter, "none", Comparison::Above, 0.0), HRESULT_FROM_WIN32(ERROR_NOT_FOUND));
+    expect(On(data, "none", Comparison::Above, 0.0), HRESULT_FROM_WIN32(ERROR_NOT_FOUND));
     expect(On(data, "word", Comparison::Above, 0.0), DISP_E_TYPEMISMATCH);
     description.reset();
-    expect(On(parameter, "100", Comparison::Above, 0.0), codeNotFound);
+    expect(On(parameter, "100", Comparison::Above, 0.0), HRESULT_FROM_WIN32(ERROR_NOT_FOUND));
 }
 
 TEST_F(ConditionSetTest, DataStore_HoldsTheSetUntilItIsCleared) {
@@ -170,10 +169,10 @@ TEST_F(ConditionSetTest, DataStore_HoldsTheSetUntilItIsCleared) {
     set.Release();
     entry.Clear();
     EXPECT_EQ(services->StillHeld(), (std::vector<std::string>{"ConditionSet"}));
-    services->dataStore.Clear();
+    services->data.Clear();
     EXPECT_TRUE(services->StillHeld().empty());
 }
 
 } // namespace
 
-} // namespace vant
+} // namespace vant::host

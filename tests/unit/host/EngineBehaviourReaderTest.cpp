@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-namespace vant {
+namespace vant::host {
 
 namespace {
 
@@ -230,4 +230,4 @@ TEST(EngineBehaviourReader, WrongFailures_AreReported) {
 
 } // namespace
 
-} // namespace vant
+} // namespace vant::host

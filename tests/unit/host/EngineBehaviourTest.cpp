@@ -1,9 +1,9 @@
 // What a simulated engine does over time, from the text of its file to what commands read.
 
-#include "host/engine/Engine.h"
+#include "host/engine/objects/EngineAccess.h"
+#include "host/object/VariantValue.h"
 #include "host/procedure/EngineReader.h"
-#include "host/record/Number.h"
-#include "host/services/Codes.h"
+#include "host/record/Value.h"
 
 #include <atomic>
 #include <bit>
@@ -13,7 +13,7 @@
 #include <memory>
 #include <thread>
 
-namespace vant {
+namespace vant::host {
 
 namespace {
 
@@ -33,7 +33,7 @@ protected:
     Value ValueAt(std::int64_t time, const std::string& id) {
         now = time;
         CComVariant value;
-        EXPECT_EQ(engine->ReadValue(id, value), S_OK);
+        EXPECT_EQ(ReadValue(*engine, id, value), S_OK);
         return ToValue(value.Get());
     }
     double NumberAt(std::int64_t time, const std::string& id) {
@@ -42,17 +42,17 @@ protected:
     std::wstring TextAt(std::int64_t time, const std::string& id) {
         now = time;
         CComBSTR text;
-        EXPECT_EQ(engine->ReadText(id, text), S_OK);
+        EXPECT_EQ(ReadText(*engine, id, text), S_OK);
         return std::wstring(text.Text());
     }
     HRESULT CodeAt(std::int64_t time, const std::string& id) {
         now = time;
         CComVariant value;
-        return engine->ReadValue(id, value);
+        return ReadValue(*engine, id, value);
     }
     HRESULT WriteAt(std::int64_t time, const std::string& id, double number) {
         now = time;
-        return engine->Write(id, CComVariant(number).Get());
+        return WriteValue(*engine, id, CComVariant(number).Get());
     }
 
     std::atomic<std::int64_t> now{0};
@@ -124,7 +124,7 @@ TEST_F(EngineBehaviourTest, Valve_MovesToWhatIsWrittenWithItsRate) {
     EXPECT_EQ(ValueAt(2000, "110145"), Value(std::int64_t{46}));
     EXPECT_EQ(ValueAt(3500, "110145"), Value(std::int64_t{40}));
     EXPECT_EQ(ValueAt(9000, "110145"), Value(std::int64_t{40}));
-    EXPECT_EQ(WriteAt(9000, "110145", 101), codeOutOfLimits);
+    EXPECT_EQ(WriteAt(9000, "110145", 101), E_BOUNDS);
     EXPECT_EQ(ValueAt(10000, "110145"), Value(std::int64_t{40}));
 }
 
@@ -201,19 +201,19 @@ TEST_F(EngineBehaviourTest, Outage_FailsEveryReadOfItsTime) {
           "[parameters.b]\nvalue = 1\nfails = { from = 2 }\n");
     EXPECT_EQ(CodeAt(1999, "a"), S_OK);
     EXPECT_EQ(CodeAt(1999, "b"), S_OK);
-    EXPECT_EQ(CodeAt(2000, "a"), codeReadFailed);
-    EXPECT_EQ(CodeAt(2999, "a"), codeReadFailed);
+    EXPECT_EQ(CodeAt(2000, "a"), HRESULT_FROM_WIN32(ERROR_READ_FAULT));
+    EXPECT_EQ(CodeAt(2999, "a"), HRESULT_FROM_WIN32(ERROR_READ_FAULT));
     CComBSTR text;
-    EXPECT_EQ(engine->ReadText("a", text), codeReadFailed);
+    EXPECT_EQ(ReadText(*engine, "a", text), HRESULT_FROM_WIN32(ERROR_READ_FAULT));
     EXPECT_EQ(CodeAt(3000, "a"), S_OK);
-    EXPECT_EQ(CodeAt(3600000, "b"), codeReadFailed);
+    EXPECT_EQ(CodeAt(3600000, "b"), HRESULT_FROM_WIN32(ERROR_READ_FAULT));
 }
 
 TEST_F(EngineBehaviourTest, FailingRead_IsTheOneOfItsNumber) {
     Start("[parameters.a]\nvalue = 1\nfails.read = 3\nbehaviour.sequence = [1, 2, 3, 4]\n");
     EXPECT_EQ(NumberAt(0, "a"), 1.0);
     EXPECT_EQ(TextAt(0, "a"), L"2");
-    EXPECT_EQ(CodeAt(0, "a"), codeReadFailed);
+    EXPECT_EQ(CodeAt(0, "a"), HRESULT_FROM_WIN32(ERROR_READ_FAULT));
     EXPECT_EQ(NumberAt(0, "a"), 4.0) << "the value of the failed read is gone";
 }
 
@@ -450,7 +450,7 @@ TEST_F(LivelyEngineTest, ReadersAndWritersOnManyThreads_SeeNumbersWithinTheirBou
     const auto readWithin = [this](const char* id, double least, double greatest) {
         for (int i = 0; i < 500; ++i) {
             CComVariant value;
-            EXPECT_EQ(engine->ReadValue(id, value), S_OK);
+            EXPECT_EQ(ReadValue(*engine, id, value), S_OK);
             const double number = NumberIn(ToValue(value.Get())).value_or(std::nan(""));
             EXPECT_TRUE(number >= least && number <= greatest) << id << ' ' << number;
         }
@@ -461,8 +461,8 @@ TEST_F(LivelyEngineTest, ReadersAndWritersOnManyThreads_SeeNumbersWithinTheirBou
     threads.emplace_back([&] {
         for (int i = 0; i < 500; ++i) {
             now += 37;
-            EXPECT_EQ(engine->Write("throttle", CComVariant(LONG{i % 36}).Get()), S_OK);
-            EXPECT_EQ(engine->Write("valve", CComVariant(LONG{i % 101}).Get()), S_OK);
+            EXPECT_EQ(WriteValue(*engine, "throttle", CComVariant(LONG{i % 36}).Get()), S_OK);
+            EXPECT_EQ(WriteValue(*engine, "valve", CComVariant(LONG{i % 101}).Get()), S_OK);
         }
     });
     for (std::thread& thread : threads)
@@ -471,4 +471,4 @@ TEST_F(LivelyEngineTest, ReadersAndWritersOnManyThreads_SeeNumbersWithinTheirBou
 
 } // namespace
 
-} // namespace vant
+} // namespace vant::host

@@ -1,10 +1,10 @@
-#include "host/engine/Inertia.h"
+#include "host/engine/model/Inertia.h"
 
 #include <cmath>
 #include <gtest/gtest.h>
 #include <limits>
 
-namespace vant {
+namespace vant::host {
 
 namespace {
 
@@ -96,4 +96,4 @@ TEST(Inertia, SameInputAgain_ChangesNoBit) {
 
 } // namespace
 
-} // namespace vant
+} // namespace vant::host

@@ -1,10 +1,10 @@
-#include "host/engine/Noise.h"
+#include "host/engine/model/Noise.h"
 
 #include <cmath>
 #include <gtest/gtest.h>
 #include <string>
 
-namespace vant {
+namespace vant::host {
 
 namespace {
 
@@ -51,4 +51,4 @@ TEST(Noise, OtherSeedOrName_GivesOtherNoise) {
 
 } // namespace
 
-} // namespace vant
+} // namespace vant::host

@@ -1,6 +1,6 @@
 // The simulated engine as commands see it, through the host's services.
 
-#include "host/engine/EngineObjects.h"
+#include "host/engine/objects/EngineObjects.h"
 
 #include "host/record/Json.h"
 #include "host/services/Services.h"
@@ -8,7 +8,7 @@
 #include <gtest/gtest.h>
 #include <thread>
 
-namespace vant {
+namespace vant::host {
 
 namespace {
 
@@ -45,8 +45,7 @@ protected:
     std::string Last() const {
         const Record& record = records.back();
         const Json arguments = ToJson(record)["arguments"];
-        return record.service + '.' + record.operation + arguments.dump() + ' ' +
-               vant::ToText(*record.result);
+        return record.service + '.' + record.operation + arguments.dump() + ' ' + ToText(*record.result);
     }
 
     CComPtr<IParameterOld> Parameter(const wchar_t* id) {
@@ -139,10 +138,10 @@ TEST_F(EngineObjectsTest, Parameter_AnswersNameTextValueAndUnitsKey) {
 TEST_F(EngineObjectsTest, FailingParameter_IsFoundButRefusesReads) {
     const auto parameter = Parameter(L"101001");
     CComVariant value;
-    EXPECT_EQ(parameter->get_Value(&value), codeReadFailed);
+    EXPECT_EQ(parameter->get_Value(&value), HRESULT_FROM_WIN32(ERROR_READ_FAULT));
     EXPECT_EQ(Last(), R"(Parameter.get_Value{"id":"101001"} 0x8007001E)");
     CComBSTR text;
-    EXPECT_EQ(parameter->get_Text(&text), codeReadFailed);
+    EXPECT_EQ(parameter->get_Text(&text), HRESULT_FROM_WIN32(ERROR_READ_FAULT));
     EXPECT_EQ(text.Get(), nullptr);
     CComBSTR name;
     EXPECT_EQ(parameter->get_Name(&name), S_OK);
@@ -161,9 +160,11 @@ TEST_F(EngineObjectsTest, NullPointers_AreRefused) {
 
 TEST_F(EngineObjectsTest, GetParameter_LooksForEachKindAmongItsOwn) {
     IUnknown* object = &Host().service3;
-    EXPECT_EQ(Host().parameterService.GetParameter(Text(L"199000").Get(), 1, &object), codeNotFound);
+    EXPECT_EQ(Host().parameterService.GetParameter(Text(L"199000").Get(), 1, &object),
+              HRESULT_FROM_WIN32(ERROR_NOT_FOUND));
     EXPECT_EQ(object, nullptr);
-    EXPECT_EQ(Host().parameterService.GetParameter(Text(L"101000").Get(), 2, &object), codeNotFound);
+    EXPECT_EQ(Host().parameterService.GetParameter(Text(L"101000").Get(), 2, &object),
+              HRESULT_FROM_WIN32(ERROR_NOT_FOUND));
     EXPECT_EQ(Host().parameterService.GetParameter(Text(L"101000").Get(), 3, &object), E_INVALIDARG);
 }
 
@@ -186,14 +187,14 @@ TEST_F(EngineObjectsTest, SetParameter_RefusalGivesNoParameter) {
     IUnknown* object = &Host().service3;
     EXPECT_EQ(Host().parameterService.SetParameter(Text(L"101000").Get(), 1, CComVariant(LONG{3001}).Get(),
                                                    &object),
-              codeOutOfLimits);
+              E_BOUNDS);
     EXPECT_EQ(object, nullptr);
     EXPECT_EQ(
         Host().parameterService.SetParameter(Text(L"199000").Get(), 2, CComVariant(LONG{1}).Get(), &object),
         E_INVALIDARG);
     EXPECT_EQ(
         Host().parameterService.SetParameter(Text(L"none").Get(), 1, CComVariant(LONG{1}).Get(), &object),
-        codeNotFound);
+        HRESULT_FROM_WIN32(ERROR_NOT_FOUND));
 }
 
 TEST_F(EngineObjectsTest, Connection_GivesItsIdentifier) {
@@ -240,7 +241,7 @@ TEST_F(EngineObjectsTest, ProtocolChain_FailsAtTheStepThatIsToFail) {
         services.reset();
         description.protocolFails = static_cast<ProtocolStep>(step);
         LONG kind = -1;
-        EXPECT_EQ(WalkProtocolChain(7, kind), codeStepFailed);
+        EXPECT_EQ(WalkProtocolChain(7, kind), E_FAIL);
         EXPECT_EQ(kind, -1);
         EXPECT_EQ(records.back().service + '.' + records.back().operation, names[step]);
         EXPECT_TRUE(services->StillHeld().empty());
@@ -249,7 +250,7 @@ TEST_F(EngineObjectsTest, ProtocolChain_FailsAtTheStepThatIsToFail) {
 
 TEST_F(EngineObjectsTest, ProtocolChain_OfAnotherControlModuleIsNotFound) {
     LONG kind = -1;
-    EXPECT_EQ(WalkProtocolChain(8, kind), codeNotFound);
+    EXPECT_EQ(WalkProtocolChain(8, kind), HRESULT_FROM_WIN32(ERROR_NOT_FOUND));
 }
 
 TEST_F(EngineObjectsTest, ConnectionWithoutDigits_BelongsToControlModule0) {
@@ -270,16 +271,16 @@ TEST_F(EngineObjectsTest, Session_ReadsParametersWhileAHandleIsOpen) {
     CComVariant value;
     EXPECT_EQ(item->get_Value(&value), S_OK);
     EXPECT_EQ(value.Get().lVal, 800);
-    EXPECT_EQ(session->ReadParameter(5, 1, &none), codeNotFound);
+    EXPECT_EQ(session->ReadParameter(5, 1, &none), HRESULT_FROM_WIN32(ERROR_NOT_FOUND));
     EXPECT_EQ(none, nullptr);
     EXPECT_EQ(session->ReadParameter(101000, 2, &none), E_INVALIDARG);
     CComPtr<IECMSessionItem> failing;
     ASSERT_EQ(session->ReadParameter(101001, 1, &failing), S_OK);
     CComVariant unread;
-    EXPECT_EQ(failing->get_Value(&unread), codeReadFailed);
+    EXPECT_EQ(failing->get_Value(&unread), HRESULT_FROM_WIN32(ERROR_READ_FAULT));
 
     EXPECT_EQ(EcmDirectory()->CloseECM(handle), S_OK);
-    EXPECT_EQ(EcmDirectory()->CloseECM(handle), codeNotFound);
+    EXPECT_EQ(EcmDirectory()->CloseECM(handle), HRESULT_FROM_WIN32(ERROR_NOT_FOUND));
     EXPECT_EQ(session->ReadParameter(101000, 1, &none), E_UNEXPECTED);
 }
 
@@ -295,7 +296,7 @@ TEST_F(EngineObjectsTest, Session_GivesEachRegistrationItsOwnHandle) {
 
 TEST_F(EngineObjectsTest, OpenECM_KnowsOneControlModule) {
     IUnknown* ecm = &Host().service3;
-    EXPECT_EQ(EcmDirectory()->OpenECM(1, &ecm), codeNotFound);
+    EXPECT_EQ(EcmDirectory()->OpenECM(1, &ecm), HRESULT_FROM_WIN32(ERROR_NOT_FOUND));
     EXPECT_EQ(ecm, nullptr);
 }
 
@@ -317,7 +318,7 @@ TEST_F(EngineObjectsTest, Units_AreFoundByTheirKeys) {
     EXPECT_EQ(unit->get_Text(&text), S_OK);
     EXPECT_EQ(text.Text(), L"1/min");
     CComPtr<IUnit> none;
-    EXPECT_EQ(table->GetUnit(Text(L"RPM").Get(), &none), codeNotFound);
+    EXPECT_EQ(table->GetUnit(Text(L"RPM").Get(), &none), HRESULT_FROM_WIN32(ERROR_NOT_FOUND));
     EXPECT_EQ(none.Get(), nullptr);
 }
 
@@ -401,4 +402,4 @@ TEST_F(EngineObjectsTest, ReadsAndWritesOnManyThreads_AreAllAnswered) {
 
 } // namespace
 
-} // namespace vant
+} // namespace vant::host

@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-namespace vant {
+namespace vant::host {
 
 namespace {
 
@@ -209,4 +209,4 @@ TEST(EngineReader, WrongComponents_AreReported) {
 
 } // namespace
 
-} // namespace vant
+} // namespace vant::host

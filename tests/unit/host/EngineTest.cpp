@@ -1,12 +1,11 @@
-#include "host/engine/Engine.h"
-
-#include "host/services/Codes.h"
+#include "host/engine/objects/EngineAccess.h"
+#include "host/object/VariantValue.h"
 
 #include <gtest/gtest.h>
 #include <limits>
 #include <thread>
 
-namespace vant {
+namespace vant::host {
 
 namespace {
 
@@ -37,12 +36,12 @@ protected:
 
     static Value ValueOf(const Engine& engine, const std::string& id) {
         CComVariant value;
-        EXPECT_EQ(engine.ReadValue(id, value), S_OK);
+        EXPECT_EQ(ReadValue(engine, id, value), S_OK);
         return ToValue(value.Get());
     }
     static std::wstring TextOf(const Engine& engine, const std::string& id) {
         CComBSTR text;
-        EXPECT_EQ(engine.ReadText(id, text), S_OK);
+        EXPECT_EQ(ReadText(engine, id, text), S_OK);
         return std::wstring(text.Text());
     }
 
@@ -68,27 +67,27 @@ TEST_F(EngineTest, Texts_AreThoseOfTheValues) {
 TEST_F(EngineTest, OwnText_StandsUntilTheFirstWrite) {
     Engine engine(description);
     EXPECT_EQ(TextOf(engine, "named"), L"second gear");
-    EXPECT_EQ(engine.Write("named", CComVariant(LONG{3}).Get()), S_OK);
+    EXPECT_EQ(WriteValue(engine, "named", CComVariant(LONG{3}).Get()), S_OK);
     EXPECT_EQ(TextOf(engine, "named"), L"3");
 }
 
 TEST_F(EngineTest, WrittenValue_IsConvertedToTheParametersType) {
     Engine engine(description);
-    EXPECT_EQ(engine.Write("int", Text(L"1,200").Get()), S_OK);
+    EXPECT_EQ(WriteValue(engine, "int", Text(L"1,200").Get()), S_OK);
     EXPECT_EQ(ValueOf(engine, "int"), Value(std::int64_t{1200}));
-    EXPECT_EQ(engine.Write("int", CComVariant(2.5).Get()), S_OK);
+    EXPECT_EQ(WriteValue(engine, "int", CComVariant(2.5).Get()), S_OK);
     EXPECT_EQ(ValueOf(engine, "int"), Value(std::int64_t{2}));
-    EXPECT_EQ(engine.Write("real", CComVariant(LONG{3}).Get()), S_OK);
+    EXPECT_EQ(WriteValue(engine, "real", CComVariant(LONG{3}).Get()), S_OK);
     EXPECT_EQ(ValueOf(engine, "real"), Value(3.0));
-    EXPECT_EQ(engine.Write("text", CComVariant(1.25).Get()), S_OK);
+    EXPECT_EQ(WriteValue(engine, "text", CComVariant(1.25).Get()), S_OK);
     EXPECT_EQ(ValueOf(engine, "text"), Value("1.25"));
     EXPECT_EQ(TextOf(engine, "int"), L"2");
 }
 
 TEST_F(EngineTest, ValueThatCannotBeConverted_IsRefusedAndChangesNothing) {
     Engine engine(description);
-    EXPECT_EQ(engine.Write("int", Text(L"fast").Get()), DISP_E_TYPEMISMATCH);
-    EXPECT_EQ(engine.Write("int", CComVariant(1e10).Get()), DISP_E_OVERFLOW);
+    EXPECT_EQ(WriteValue(engine, "int", Text(L"fast").Get()), DISP_E_TYPEMISMATCH);
+    EXPECT_EQ(WriteValue(engine, "int", CComVariant(1e10).Get()), DISP_E_OVERFLOW);
     EXPECT_EQ(ValueOf(engine, "int"), Value(std::int64_t{800}));
 }
 
@@ -98,29 +97,29 @@ TEST_F(EngineTest, ValueByReference_IsRefused) {
     VARIANT value{};
     value.vt = VT_BYREF | VT_I4;
     value.byref = &number;
-    EXPECT_EQ(engine.Write("int", value), E_INVALIDARG);
+    EXPECT_EQ(WriteValue(engine, "int", value), E_INVALIDARG);
 }
 
 TEST_F(EngineTest, Limits_BelongToTheRange) {
     Engine engine(description);
-    EXPECT_EQ(engine.Write("int", CComVariant(LONG{0}).Get()), S_OK);
-    EXPECT_EQ(engine.Write("int", CComVariant(LONG{3000}).Get()), S_OK);
-    EXPECT_EQ(engine.Write("int", CComVariant(LONG{-1}).Get()), codeOutOfLimits);
-    EXPECT_EQ(engine.Write("int", CComVariant(LONG{3001}).Get()), codeOutOfLimits);
+    EXPECT_EQ(WriteValue(engine, "int", CComVariant(LONG{0}).Get()), S_OK);
+    EXPECT_EQ(WriteValue(engine, "int", CComVariant(LONG{3000}).Get()), S_OK);
+    EXPECT_EQ(WriteValue(engine, "int", CComVariant(LONG{-1}).Get()), E_BOUNDS);
+    EXPECT_EQ(WriteValue(engine, "int", CComVariant(LONG{3001}).Get()), E_BOUNDS);
     EXPECT_EQ(ValueOf(engine, "int"), Value(std::int64_t{3000}));
 }
 
 TEST_F(EngineTest, NotANumber_LiesWithinNoLimit) {
     description["real"].max = 100;
     Engine engine(description);
-    EXPECT_EQ(engine.Write("real", CComVariant(std::numeric_limits<double>::quiet_NaN()).Get()),
-              codeOutOfLimits);
+    EXPECT_EQ(WriteValue(engine, "real", CComVariant(std::numeric_limits<double>::quiet_NaN()).Get()),
+              E_BOUNDS);
     EXPECT_EQ(ValueOf(engine, "real"), Value(12.5));
 }
 
 TEST_F(EngineTest, ReadOnlyParameter_RefusesWritesAndGivesItsValue) {
     Engine engine(description);
-    EXPECT_EQ(engine.Write("fixed", CComVariant(LONG{2}).Get()), E_ACCESSDENIED);
+    EXPECT_EQ(WriteValue(engine, "fixed", CComVariant(LONG{2}).Get()), E_ACCESSDENIED);
     EXPECT_EQ(ValueOf(engine, "fixed"), Value(std::int64_t{1}));
 }
 
@@ -128,30 +127,30 @@ TEST_F(EngineTest, FailingParameter_RefusesReadsAndTakesWrites) {
     Engine engine(description);
     CComVariant value;
     CComBSTR text;
-    EXPECT_EQ(engine.ReadValue("broken", value), codeReadFailed);
-    EXPECT_EQ(engine.ReadText("broken", text), codeReadFailed);
+    EXPECT_EQ(ReadValue(engine, "broken", value), HRESULT_FROM_WIN32(ERROR_READ_FAULT));
+    EXPECT_EQ(ReadText(engine, "broken", text), HRESULT_FROM_WIN32(ERROR_READ_FAULT));
     EXPECT_EQ(value.Get().vt, VT_EMPTY);
-    EXPECT_EQ(engine.Write("broken", CComVariant(LONG{2}).Get()), S_OK);
+    EXPECT_EQ(WriteValue(engine, "broken", CComVariant(LONG{2}).Get()), S_OK);
 }
 
 TEST_F(EngineTest, UnknownParameter_IsNotFound) {
     Engine engine(description);
     CComVariant value;
     CComBSTR text;
-    EXPECT_EQ(engine.ReadValue("Int", value), codeNotFound);
-    EXPECT_EQ(engine.ReadText("", text), codeNotFound);
-    EXPECT_EQ(engine.Write("none", CComVariant(LONG{2}).Get()), codeNotFound);
+    EXPECT_EQ(ReadValue(engine, "Int", value), HRESULT_FROM_WIN32(ERROR_NOT_FOUND));
+    EXPECT_EQ(ReadText(engine, "", text), HRESULT_FROM_WIN32(ERROR_NOT_FOUND));
+    EXPECT_EQ(WriteValue(engine, "none", CComVariant(LONG{2}).Get()), HRESULT_FROM_WIN32(ERROR_NOT_FOUND));
 }
 
 TEST_F(EngineTest, ReadersAndWritersOnManyThreads_SeeWholeValues) {
     Engine engine(description);
     const std::wstring texts[] = {std::wstring(200, L'a'), std::wstring(300, L'b')};
-    ASSERT_EQ(engine.Write("text", Text(texts[0]).Get()), S_OK);
+    ASSERT_EQ(WriteValue(engine, "text", Text(texts[0]).Get()), S_OK);
     std::vector<std::thread> threads;
     for (const std::wstring& text : texts) {
         threads.emplace_back([&engine, &text] {
             for (int i = 0; i < 200; ++i)
-                EXPECT_EQ(engine.Write("text", Text(text).Get()), S_OK);
+                EXPECT_EQ(WriteValue(engine, "text", Text(text).Get()), S_OK);
         });
         threads.emplace_back([&engine, &texts] {
             for (int i = 0; i < 200; ++i) {
@@ -166,4 +165,4 @@ TEST_F(EngineTest, ReadersAndWritersOnManyThreads_SeeWholeValues) {
 
 } // namespace
 
-} // namespace vant
+} // namespace vant::host

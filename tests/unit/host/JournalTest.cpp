@@ -7,7 +7,7 @@
 #include <stdexcept>
 #include <thread>
 
-namespace vant {
+namespace vant::host {
 
 namespace {
 
@@ -130,4 +130,4 @@ TEST(RecordArguments, AreFoundByName) {
 
 } // namespace
 
-} // namespace vant
+} // namespace vant::host

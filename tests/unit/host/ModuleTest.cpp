@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 #include <stdexcept>
 
-namespace vant {
+namespace vant::host {
 
 namespace {
 
@@ -52,4 +52,4 @@ TEST(ClassNames, AreThoseOfTheTable) {
 
 } // namespace
 
-} // namespace vant
+} // namespace vant::host

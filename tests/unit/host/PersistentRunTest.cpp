@@ -12,7 +12,7 @@
 #include <stdexcept>
 #include <string_view>
 
-namespace vant {
+namespace vant::host {
 
 namespace {
 
@@ -249,4 +249,4 @@ TEST(PersistentRun, OneHundredRuns_GiveTheSameJournal) {
 
 } // namespace
 
-} // namespace vant
+} // namespace vant::host

@@ -1,6 +1,5 @@
 #include "framework/DispatchImpl.h"
 #include "host/record/CallScope.h"
-#include "host/services/Codes.h"
 #include "host/services/Services.h"
 #include "platform/ComObject.h"
 
@@ -9,7 +8,7 @@
 #include <gtest/gtest.h>
 #include <thread>
 
-namespace vant {
+namespace vant::host {
 
 namespace {
 
@@ -145,7 +144,7 @@ TEST_F(PersistentThreadsTest, Operation11_TellsWhetherTheThreadRuns) {
     command->stopped.Set();
     EXPECT_EQ(services.threadService.Operation12(cookie), S_OK);
     EXPECT_EQ(services.threadService.Operation11(cookie), S_FALSE);
-    EXPECT_EQ(services.threadService.Operation11(99), codeNotFound);
+    EXPECT_EQ(services.threadService.Operation11(99), HRESULT_FROM_WIN32(ERROR_NOT_FOUND));
 }
 
 TEST_F(PersistentThreadsTest, CookieOfAnEndedThread_LastsUntilItIsUnregistered) {
@@ -156,9 +155,9 @@ TEST_F(PersistentThreadsTest, CookieOfAnEndedThread_LastsUntilItIsUnregistered) 
     EXPECT_EQ(services.threadService.Operation11(ended), S_FALSE);
     EXPECT_EQ(services.threadService.Operation12(ended), S_OK);
     EXPECT_EQ(services.threadService.UnregisterCallback(ended), S_OK);
-    EXPECT_EQ(services.threadService.UnregisterCallback(ended), codeNotFound);
-    EXPECT_EQ(services.threadService.Operation11(ended), codeNotFound);
-    EXPECT_EQ(services.threadService.Operation12(ended), codeNotFound);
+    EXPECT_EQ(services.threadService.UnregisterCallback(ended), HRESULT_FROM_WIN32(ERROR_NOT_FOUND));
+    EXPECT_EQ(services.threadService.Operation11(ended), HRESULT_FROM_WIN32(ERROR_NOT_FOUND));
+    EXPECT_EQ(services.threadService.Operation12(ended), HRESULT_FROM_WIN32(ERROR_NOT_FOUND));
 }
 
 TEST_F(PersistentThreadsTest, Operation12OnItsOwnThread_IsRefused) {
@@ -177,9 +176,9 @@ TEST_F(PersistentThreadsTest, Operation12OnItsOwnThread_IsRefused) {
 TEST_F(PersistentThreadsTest, UnregisteredCookie_IsForgottenWhileItsThreadGoesOn) {
     const CComPtr<Stoppable> command = RegisterStoppable("watch");
     EXPECT_EQ(services.threadService.UnregisterCallback(cookie), S_OK);
-    EXPECT_EQ(services.threadService.UnregisterCallback(cookie), codeNotFound);
-    EXPECT_EQ(services.threadService.Operation11(cookie), codeNotFound);
-    EXPECT_EQ(services.threadService.Operation12(cookie), codeNotFound);
+    EXPECT_EQ(services.threadService.UnregisterCallback(cookie), HRESULT_FROM_WIN32(ERROR_NOT_FOUND));
+    EXPECT_EQ(services.threadService.Operation11(cookie), HRESULT_FROM_WIN32(ERROR_NOT_FOUND));
+    EXPECT_EQ(services.threadService.Operation12(cookie), HRESULT_FROM_WIN32(ERROR_NOT_FOUND));
     EXPECT_TRUE(services.persistentThreads.IsAnyRunning());
     services.persistentThreads.End();
     EXPECT_NE(Find("ThreadEnded"), nullptr);
@@ -198,7 +197,8 @@ TEST_F(PersistentThreadsTest, Termination_StopsEveryRunningCommandOfThatIdAndNoO
     EXPECT_EQ(services.threadService.Operation12(firstCookie + 1), S_OK);
     EXPECT_EQ(Find("PersistentCommandStopped")->Text("commandId"), "watch");
     EXPECT_EQ(services.threadService.Operation11(otherCookie), S_OK);
-    EXPECT_EQ(services.controller.TerminateCommand(CComBSTR(L"watch").Get()), codeNotFound);
+    EXPECT_EQ(services.controller.TerminateCommand(CComBSTR(L"watch").Get()),
+              HRESULT_FROM_WIN32(ERROR_NOT_FOUND));
 }
 
 TEST_F(PersistentThreadsTest, CommandWhoseThreadEndsWhileItIsStopped_IsKnownToTheController) {
@@ -207,12 +207,14 @@ TEST_F(PersistentThreadsTest, CommandWhoseThreadEndsWhileItIsStopped_IsKnownToTh
     EXPECT_EQ(services.controller.TerminateCommand(CComBSTR(L"watch").Get()), S_OK);
     EXPECT_EQ(command->told, S_OK);
     EXPECT_EQ(Find("PersistentCommandStopped")->Text("commandId"), "watch");
-    EXPECT_EQ(services.controller.PersistentCommandStopped(command.Get()), codeNotFound);
+    EXPECT_EQ(services.controller.PersistentCommandStopped(command.Get()),
+              HRESULT_FROM_WIN32(ERROR_NOT_FOUND));
 }
 
 TEST_F(PersistentThreadsTest, StopOfACommandThatDoesNotRun_IsNotFound) {
     const CComPtr<Stoppable> command = Make<Stoppable>();
-    EXPECT_EQ(services.controller.PersistentCommandStopped(command.Get()), codeNotFound);
+    EXPECT_EQ(services.controller.PersistentCommandStopped(command.Get()),
+              HRESULT_FROM_WIN32(ERROR_NOT_FOUND));
     EXPECT_EQ(services.controller.PersistentCommandStopped(nullptr), E_POINTER);
 }
 
@@ -230,8 +232,8 @@ TEST_F(PersistentThreadsTest, CommandThatCannotBeStopped_MakesTerminationFail) {
 TEST_F(PersistentThreadsTest, OnceClosed_RegistrationIsRefusedAndNobodyWaitsAnyMore) {
     const CComPtr<Stoppable> command = RegisterStoppable("watch");
     services.Close();
-    EXPECT_EQ(services.threadService.Operation12(cookie), codeAborted);
-    EXPECT_EQ(Register([] {}), codeAborted);
+    EXPECT_EQ(services.threadService.Operation12(cookie), E_ABORT);
+    EXPECT_EQ(Register([] {}), E_ABORT);
     EXPECT_EQ(services.threadService.Operation11(cookie), S_OK);
 }
 
@@ -274,4 +276,4 @@ TEST_F(PersistentThreadsTest, ThreadService_IsOneObjectThatAlwaysAnswersItsInter
 
 } // namespace
 
-} // namespace vant
+} // namespace vant::host

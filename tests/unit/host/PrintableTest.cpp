@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-namespace vant {
+namespace vant::host {
 
 namespace {
 
@@ -31,4 +31,4 @@ TEST(WidthOf, Text_CountsCharactersNotBytes) {
 
 } // namespace
 
-} // namespace vant
+} // namespace vant::host

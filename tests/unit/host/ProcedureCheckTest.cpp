@@ -1,12 +1,11 @@
-#include "host/procedure/ProcedureCheck.h"
-
 #include "host/procedure/ProcedureReader.h"
+#include "host/runner/CommandCheck.h"
 #include "tests/unit/host/BuiltModule.h"
 #include "tests/unit/host/ScriptedFactory.h"
 
 #include <gtest/gtest.h>
 
-namespace vant {
+namespace vant::host {
 
 namespace {
 
@@ -92,4 +91,4 @@ TEST(ProcedureCheck, ClassThatCannotBeCreated_IsAFailureOfTheModule) {
 
 } // namespace
 
-} // namespace vant
+} // namespace vant::host

@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 #include <stdexcept>
 
-namespace vant {
+namespace vant::host {
 
 namespace {
 
@@ -209,4 +209,4 @@ TEST(ReadFile, MissingFileOrFolder_ThrowsTheReason) {
 
 } // namespace
 
-} // namespace vant
+} // namespace vant::host

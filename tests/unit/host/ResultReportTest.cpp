@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-namespace vant {
+namespace vant::host {
 
 namespace {
 
@@ -62,4 +62,4 @@ TEST(ResultReport, OtherCallsOfCommands_AreNoPartOfIt) {
 
 } // namespace
 
-} // namespace vant
+} // namespace vant::host

@@ -3,7 +3,6 @@
 #include "host/procedure/ProcedureReader.h"
 #include "host/record/CallScope.h"
 #include "host/record/Json.h"
-#include "host/services/Codes.h"
 #include "tests/unit/host/BuiltModule.h"
 #include "tests/unit/host/ScriptedFactory.h"
 
@@ -12,7 +11,7 @@
 #include <gtest/gtest.h>
 #include <thread>
 
-namespace vant {
+namespace vant::host {
 
 namespace {
 
@@ -276,7 +275,7 @@ TEST_F(RunnerTest, AbortInACommand_RunsNothingMoreAndFollowsNothing) {
     Runner runner(procedure, factory, journal);
     running = &runner;
     EXPECT_EQ(runner.Run(), Verdict::Aborted);
-    EXPECT_EQ(afterwards, codeAborted);
+    EXPECT_EQ(afterwards, E_ABORT);
     EXPECT_TRUE(executed.empty());
     EXPECT_EQ(StepsEntered(), (Texts{"s"}));
     EXPECT_EQ(records.back().operation, "ProcedureEnded");
@@ -396,10 +395,10 @@ TEST_F(RunnerTest, BuiltModule_RefusedTermination_LeadsToFailed) {
                   "[steps.s]\nrun = ['t']\nnext = 'bad'\nfailed = 'good'\n",
                   module),
               Verdict::Passed);
-    EXPECT_EQ(Only("TerminateCommand").result, codeNotFound);
+    EXPECT_EQ(Only("TerminateCommand").result, HRESULT_FROM_WIN32(ERROR_NOT_FOUND));
     EXPECT_EQ(Only("CommandEnded").result, E_FAIL);
 }
 
 } // namespace
 
-} // namespace vant
+} // namespace vant::host

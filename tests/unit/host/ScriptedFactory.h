@@ -75,7 +75,7 @@ private:
 };
 
 /// Creates commands whose classes are written in the test.
-class ScriptedFactory : public CommandFactory {
+class ScriptedFactory : public host::CommandFactory {
 public:
     std::map<std::string, Body, std::less<>> classes;
     HRESULT createResult = S_OK;

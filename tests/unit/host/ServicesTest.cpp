@@ -1,14 +1,13 @@
 #include "host/services/Services.h"
 
 #include "host/record/Json.h"
-#include "host/services/Codes.h"
 
 #include <functional>
 #include <gtest/gtest.h>
 #include <set>
 #include <thread>
 
-namespace vant {
+namespace vant::host {
 
 namespace {
 
@@ -23,8 +22,7 @@ protected:
     std::string Last() const {
         const Record& record = records.back();
         Json arguments = ToJson(record)["arguments"];
-        return record.service + '.' + record.operation + arguments.dump() + ' ' +
-               vant::ToText(*record.result);
+        return record.service + '.' + record.operation + arguments.dump() + ' ' + ToText(*record.result);
     }
 
     std::vector<Record> records;
@@ -51,18 +49,18 @@ TEST_F(ServicesTest, DataStore_KeepsACopy) {
 TEST_F(ServicesTest, DataStore_LastValueReplacesEarlierOnes) {
     services.dataStore.SetValue(Text(L"a").Get(), CComVariant(1.5).Get());
     services.dataStore.SetValue(Text(L"a").Get(), CComVariant(Text(L"x")).Get());
-    EXPECT_EQ(services.dataStore.Entries(), (std::map<std::string, Value>{{"a", "x"}}));
+    EXPECT_EQ(services.data.All(), (std::map<std::string, Value>{{"a", "x"}}));
 }
 
 TEST_F(ServicesTest, DataStore_UnknownEntryIsNotFoundAndLeavesTheValueEmpty) {
     CComVariant read;
-    EXPECT_EQ(services.dataStore.GetValue(Text(L"none").Get(), &read), codeNotFound);
+    EXPECT_EQ(services.dataStore.GetValue(Text(L"none").Get(), &read), HRESULT_FROM_WIN32(ERROR_NOT_FOUND));
     EXPECT_EQ(read.Get().vt, VT_EMPTY);
     EXPECT_EQ(Last(), R"(DataStore.GetValue{"name":"none"} 0x80070490)");
 }
 
 TEST_F(ServicesTest, DataStore_NullValuePointerIsRefused) {
-    services.dataStore.Set("a", CComVariant(1.0));
+    services.data.Set(L"a", CComVariant(1.0));
     EXPECT_EQ(services.dataStore.GetValue(Text(L"a").Get(), nullptr), E_POINTER);
 }
 
@@ -72,7 +70,7 @@ TEST_F(ServicesTest, DataStore_ValueByReferenceIsRefused) {
     value.vt = VT_BYREF | VT_R8;
     value.byref = &target;
     EXPECT_EQ(services.dataStore.SetValue(Text(L"a").Get(), value), E_INVALIDARG);
-    EXPECT_TRUE(services.dataStore.Entries().empty());
+    EXPECT_TRUE(services.data.All().empty());
 }
 
 TEST_F(ServicesTest, DataStore_NullNameIsTheEmptyName) {
@@ -97,8 +95,8 @@ TEST_F(ServicesTest, DataStore_SurvivesManyThreads) {
         });
     for (std::thread& thread : threads)
         thread.join();
-    EXPECT_EQ(services.dataStore.Entries().size(), 5U);
-    EXPECT_EQ(services.dataStore.Entries().at("own3"), Value(std::int64_t{99}));
+    EXPECT_EQ(services.data.All().size(), 5U);
+    EXPECT_EQ(services.data.All().at("own3"), Value(std::int64_t{99}));
     EXPECT_EQ(records.size(), 1200U);
 }
 
@@ -164,23 +162,25 @@ TEST_F(ServicesTest, PresentationService_RecordsTheInstruction) {
 
 TEST_F(ServicesTest, ParameterService_KnowsNoParameterAndNoConnection) {
     IUnknown* object = &services.service3;
-    EXPECT_EQ(services.parameterService.GetParameter(Text(L"101000").Get(), 1, &object), codeNotFound);
+    EXPECT_EQ(services.parameterService.GetParameter(Text(L"101000").Get(), 1, &object),
+              HRESULT_FROM_WIN32(ERROR_NOT_FOUND));
     EXPECT_EQ(object, nullptr);
     EXPECT_EQ(Last(), R"(ParameterService.GetParameter{"id":"101000","kind":1} 0x80070490)");
 
     object = &services.service3;
     EXPECT_EQ(services.parameterService.SetParameter(Text(L"1").Get(), 1, CComVariant(2.5).Get(), &object),
-              codeNotFound);
+              HRESULT_FROM_WIN32(ERROR_NOT_FOUND));
     EXPECT_EQ(object, nullptr);
     EXPECT_EQ(Last(), R"(ParameterService.SetParameter{"id":"1","kind":1,"value":2.5} 0x80070490)");
 
     EXPECT_EQ(services.parameterService.GetParameter(nullptr, 1, nullptr), E_POINTER);
     IConnectionOld* connection = nullptr;
-    EXPECT_EQ(services.parameterService.GetConnection(&connection), codeNotFound);
+    EXPECT_EQ(services.parameterService.GetConnection(&connection), HRESULT_FROM_WIN32(ERROR_NOT_FOUND));
 }
 
 TEST_F(ServicesTest, Controller_FindsNoRunningCommand) {
-    EXPECT_EQ(services.controller.TerminateCommand(Text(L"watch").Get()), codeNotFound);
+    EXPECT_EQ(services.controller.TerminateCommand(Text(L"watch").Get()),
+              HRESULT_FROM_WIN32(ERROR_NOT_FOUND));
     EXPECT_EQ(Last(), R"(Controller.TerminateCommand{"commandId":"watch"} 0x80070490)");
     EXPECT_EQ(services.controller.PersistentCommandStopped(nullptr), E_POINTER);
 }
@@ -255,4 +255,4 @@ TEST_F(ServicesTest, SlotsWithoutMeaning_AreRefusedAndRecorded) {
 
 } // namespace
 
-} // namespace vant
+} // namespace vant::host

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 #include <vector>
 
-namespace vant {
+namespace vant::host {
 
 namespace {
 
@@ -45,4 +45,4 @@ TEST(Suggestion, Message_NamesTheNameOrSaysNothing) {
 
 } // namespace
 
-} // namespace vant
+} // namespace vant::host

@@ -1,0 +1,118 @@
+#include "host/engine/model/Engine.h"
+
+#include <algorithm>
+#include <limits>
+#include <utility>
+
+namespace vant::host {
+
+namespace {
+
+/// A moving input is taken once in this many steps and stays as it is between them.
+constexpr std::int64_t movingSteps = 5;
+
+} // namespace
+
+Engine::Engine(const std::map<std::string, EngineParameter>& parameters, std::uint64_t seed, TimeSource clock)
+    : m_clock(std::move(clock)), m_began(m_clock()) {
+    for (const auto& [id, description] : parameters)
+        m_parameters.try_emplace(id, id, description, seed);
+    for (auto& [id, parameter] : m_parameters)
+        parameter.Connect(m_parameters);
+    for (LiveParameter* const parameter : InOrder()) {
+        parameter->FindMoves();
+        parameter->AddSchedule(m_schedule);
+        if (parameter->HasInertia()) {
+            m_inert.push_back(parameter);
+            m_moves = m_moves || parameter->InputMoves();
+        }
+    }
+    for (std::int64_t& time : m_schedule)
+        time = (time + engineStep - 1) / engineStep;
+    std::sort(m_schedule.begin(), m_schedule.end());
+    TakeInputs();
+}
+
+std::vector<LiveParameter*> Engine::InOrder() {
+    std::map<const LiveParameter*, std::size_t> waitsFor;
+    std::map<const LiveParameter*, std::vector<LiveParameter*>> followers;
+    std::vector<LiveParameter*> order;
+    for (auto& [id, parameter] : m_parameters) {
+        if (parameter.Followed().empty())
+            order.push_back(&parameter);
+        waitsFor[&parameter] = parameter.Followed().size();
+        for (const LiveParameter* const followed : parameter.Followed())
+            followers[followed].push_back(&parameter);
+    }
+    for (std::size_t i = 0; i < order.size(); ++i) {
+        for (LiveParameter* const follower : followers[order[i]]) {
+            if (--waitsFor[follower] == 0)
+                order.push_back(follower);
+        }
+    }
+    return order;
+}
+
+Expected<Reading> Engine::Read(const std::string& id) const {
+    const std::lock_guard lock(m_access);
+    const auto found = m_parameters.find(id);
+    if (found == m_parameters.end())
+        return EngineError::NotFound;
+    const std::int64_t time = Advance();
+    LiveParameter& parameter = found->second;
+    if (!parameter.BeginRead(time))
+        return EngineError::ReadFailed;
+    return Reading{parameter.Read({time, m_writes}), parameter.OwnText()};
+}
+
+Expected<Value> Engine::WritableKind(const std::string& id) const {
+    const auto found = m_parameters.find(id);
+    if (found == m_parameters.end())
+        return EngineError::NotFound;
+    if (found->second.IsReadOnly())
+        return EngineError::ReadOnly;
+    return found->second.Kind();
+}
+
+std::optional<EngineError> Engine::Write(const std::string& id, Value value) {
+    const std::lock_guard lock(m_access);
+    const auto found = m_parameters.find(id);
+    if (found == m_parameters.end())
+        return EngineError::NotFound;
+    LiveParameter& parameter = found->second;
+    if (parameter.IsReadOnly())
+        return EngineError::ReadOnly;
+    if (value.index() != parameter.Kind().index())
+        return EngineError::WrongKind;
+    if (!parameter.Admits(value))
+        return EngineError::OutOfLimits;
+    Advance();
+    parameter.Write(std::move(value), ++m_writes);
+    TakeInputs();
+    return std::nullopt;
+}
+
+std::int64_t Engine::Advance() const {
+    const std::int64_t time = std::max<std::int64_t>(m_clock() - m_began, m_step * engineStep);
+    const std::int64_t now = time / engineStep;
+    for (std::int64_t next = NextChange(); next <= now; next = NextChange()) {
+        m_step = next;
+        TakeInputs();
+    }
+    m_step = now; // if no input changes, so that reading leaves no trace
+    return time;
+}
+
+std::int64_t Engine::NextChange() const {
+    const auto scheduled = std::upper_bound(m_schedule.begin(), m_schedule.end(), m_step);
+    const std::int64_t moved =
+        m_moves ? (m_step / movingSteps + 1) * movingSteps : std::numeric_limits<std::int64_t>::max();
+    return scheduled == m_schedule.end() ? moved : std::min(*scheduled, moved);
+}
+
+void Engine::TakeInputs() const {
+    for (LiveParameter* const each : m_inert)
+        each->TakeInput(m_step, m_writes);
+}
+
+} // namespace vant::host

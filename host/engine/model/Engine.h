@@ -1,0 +1,63 @@
+#pragma once
+
+#include "host/engine/model/EngineDescription.h"
+#include "host/engine/model/EngineError.h"
+#include "host/engine/model/LiveParameter.h"
+#include "host/record/TimeSource.h"
+#include "platform/Clock.h"
+
+#include <cstdint>
+#include <map>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace vant::host {
+
+/// What a read of a parameter returns.
+struct Reading {
+    Value value;
+    std::optional<std::string> text; ///< In place of the value's own text.
+};
+
+/// The parameters of a simulated engine as they change during a run, by themselves and by writes. What is
+/// read depends on the time, on the writes and their times and on the seed, not on other reads; only a
+/// behaviour that counts reads depends on them. Ids in UTF-8. Any thread may call.
+class Engine {
+public:
+    /// The engine begins now. Every id that a parameter follows must exist, and no parameter may follow
+    /// itself, directly or through others.
+    explicit Engine(const std::map<std::string, EngineParameter>& parameters, std::uint64_t seed = 0,
+                    TimeSource clock = ClockMilliseconds);
+
+    /// The current value and its text. NotFound or ReadFailed.
+    Expected<Reading> Read(const std::string& id) const;
+
+    /// A value of the kind that can be written. NotFound or ReadOnly.
+    Expected<Value> WritableKind(const std::string& id) const;
+    /// Makes `value` what the parameter is or moves to, and drops a text of its own. Otherwise the parameter
+    /// stays as it was: NotFound, ReadOnly, WrongKind or OutOfLimits. Nothing on success.
+    std::optional<EngineError> Write(const std::string& id, Value value);
+
+private:
+    /// The parameters, each behind all that it follows.
+    std::vector<LiveParameter*> InOrder();
+    /// Milliseconds since the engine began; every input that has changed until then has been taken.
+    std::int64_t Advance() const;
+    /// The step after m_step at which an input changes by itself.
+    std::int64_t NextChange() const;
+    void TakeInputs() const;
+
+    const TimeSource m_clock;
+    const std::int64_t m_began;
+    mutable std::mutex m_access;
+    mutable std::map<std::string, LiveParameter> m_parameters; ///< Reads count, and bring them up to date.
+    std::vector<LiveParameter*> m_inert;                       ///< Those whose past counts.
+    std::vector<std::int64_t> m_schedule; ///< The steps at which inputs change by themselves, in order.
+    bool m_moves = false;                 ///< Whether inputs of m_inert may change all the time.
+    mutable std::int64_t m_step = 0;      ///< Up to which inputs have been taken.
+    std::uint64_t m_writes = 0;
+};
+
+} // namespace vant::host

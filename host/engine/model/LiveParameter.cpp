@@ -1,0 +1,188 @@
+#include "host/engine/model/LiveParameter.h"
+
+#include "host/engine/model/Noise.h"
+#include "host/record/Value.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <utility>
+
+namespace vant::host {
+
+namespace {
+
+/// Keeps every sum and difference of levels finite, whatever has been written.
+constexpr double greatestLevel = 1e300;
+
+double RampAt(const Ramp& ramp, std::int64_t time, double before) {
+    if (time < ramp.at)
+        return before;
+    if (time - ramp.at >= ramp.over)
+        return ramp.to;
+    return ramp.from +
+           (ramp.to - ramp.from) * (static_cast<double>(time - ramp.at) / static_cast<double>(ramp.over));
+}
+
+double RoundedTo(int decimals, double number) {
+    double scale = 1;
+    for (int i = 0; i < decimals; ++i)
+        scale *= 10;
+    const double scaled = number * scale;
+    // Beyond that a number has no such decimals.
+    return std::abs(scaled) < 0x1p52 ? std::nearbyint(scaled) / scale : number;
+}
+
+} // namespace
+
+LiveParameter::LiveParameter(const std::string& id, const EngineParameter& description, std::uint64_t seed)
+    : m_description(description), m_noise(NoiseStream(seed, id)), m_value(description.value),
+      m_text(description.text) {
+    const auto& behaviour = m_description.behaviour;
+    if (behaviour && (behaviour->lag > 0 || behaviour->rate > 0))
+        m_inertia.emplace(Limited(NumberIn(m_value).value_or(0)), behaviour->lag, behaviour->rate);
+}
+
+void LiveParameter::Connect(const std::map<std::string, LiveParameter>& all) {
+    if (!m_description.behaviour)
+        return;
+    for (const std::string& id : m_description.behaviour->follows)
+        m_followed.push_back(&all.at(id));
+}
+
+bool LiveParameter::BeginRead(std::int64_t time) {
+    ++m_reads;
+    const auto& outage = m_description.outage;
+    const bool out = outage && time >= outage->from && !(outage->until && time >= *outage->until);
+    return !m_description.fails && !out && m_description.failingRead != m_reads;
+}
+
+Value LiveParameter::Read(const Moment& moment) const {
+    const auto& behaviour = m_description.behaviour;
+    if (!behaviour)
+        return m_value;
+    if (!NumberIn(m_value))
+        return Scripted(moment.time);
+    double number = LevelAt(moment);
+    if (behaviour->noise > 0) {
+        number += behaviour->noise * NoiseAt(m_noise, static_cast<std::uint64_t>(moment.time / engineStep));
+        number = Limited(number);
+    }
+    return Shown(number);
+}
+
+bool LiveParameter::IsReadOnly() const noexcept {
+    return m_description.readOnly || (m_description.behaviour && !m_description.behaviour->FollowsWrites());
+}
+
+bool LiveParameter::Admits(const Value& value) const {
+    const auto number = NumberIn(value);
+    const std::optional<double>& min = m_description.min;
+    const std::optional<double>& max = m_description.max;
+    // What is not a number lies within no limit.
+    return !number || ((!min || *number >= *min) && (!max || *number <= *max));
+}
+
+void LiveParameter::Write(Value value, std::uint64_t order) {
+    m_value = std::move(value);
+    m_text.reset();
+    m_writtenAs = order;
+}
+
+void LiveParameter::FindMoves() {
+    const auto moves = [](const LiveParameter* each) { return each->HasInertia() || each->InputMoves(); };
+    m_inputMoves = m_description.behaviour && (m_description.behaviour->ramp ||
+                                               std::any_of(m_followed.begin(), m_followed.end(), moves));
+}
+
+void LiveParameter::AddSchedule(std::vector<std::int64_t>& times) const {
+    if (!m_description.behaviour)
+        return;
+    for (const ScheduledValue& change : m_description.behaviour->changes)
+        times.push_back(change.at);
+    for (const Load& load : m_description.behaviour->loads)
+        times.push_back(load.at);
+}
+
+void LiveParameter::TakeInput(std::int64_t step, std::uint64_t writes) {
+    m_inertia->Follow(InputAt({step * engineStep, writes}), step);
+}
+
+/// From the end of the chain of leaders back to here: a loop, since chains may be long, which goes no further
+/// than to a level that is known.
+double LiveParameter::LevelAt(const Moment& moment) const {
+    std::vector<const LiveParameter*> chain;
+    for (const LiveParameter* each = this; each->TakesLevel() && !each->KnowsLevel(moment);
+         each = &each->Leader())
+        chain.push_back(each);
+    for (; !chain.empty(); chain.pop_back())
+        chain.back()->m_level = Level{moment, chain.back()->NextLevel(moment)};
+    return NextLevel(moment);
+}
+
+double LiveParameter::NextLevel(const Moment& moment) const {
+    if (m_inertia)
+        return m_inertia->At(moment.time / engineStep);
+    if (KnowsLevel(moment))
+        return m_level->number;
+    return m_description.behaviour ? InputAt(moment) : Limited(NumberIn(m_value).value_or(0));
+}
+
+double LiveParameter::InputAt(const Moment& moment) const {
+    const Behaviour& behaviour = *m_description.behaviour;
+    double load = 0;
+    for (const Load& each : behaviour.loads)
+        load += moment.time >= each.at ? each.by : 0;
+    return Limited(SourceAt(behaviour, moment) + load);
+}
+
+double LiveParameter::SourceAt(const Behaviour& behaviour, const Moment& moment) const {
+    if (!m_followed.empty())
+        return behaviour.gain * Leader().LevelAt(moment) + behaviour.offset;
+    if (behaviour.towards)
+        return *behaviour.towards;
+    const double scripted = NumberIn(Scripted(moment.time)).value_or(0);
+    return behaviour.ramp ? RampAt(*behaviour.ramp, moment.time, scripted) : scripted;
+}
+
+const LiveParameter& LiveParameter::Leader() const {
+    return **std::max_element(
+        m_followed.begin(), m_followed.end(),
+        [](const LiveParameter* a, const LiveParameter* b) { return a->m_writtenAs < b->m_writtenAs; });
+}
+
+const Value& LiveParameter::Scripted(std::int64_t time) const {
+    const Behaviour& behaviour = *m_description.behaviour;
+    if (!behaviour.sequence.empty()) {
+        const auto last = static_cast<std::int64_t>(behaviour.sequence.size()) - 1;
+        return behaviour.sequence[static_cast<std::size_t>(std::clamp<std::int64_t>(m_reads - 1, 0, last))];
+    }
+    const auto& changes = behaviour.changes;
+    const auto next =
+        std::upper_bound(changes.begin(), changes.end(), time,
+                         [](std::int64_t now, const ScheduledValue& change) { return now < change.at; });
+    return next == changes.begin() ? m_value : std::prev(next)->value;
+}
+
+double LiveParameter::Limited(double number) const {
+    if (std::isnan(number))
+        number = 0;
+    number = std::clamp(number, -greatestLevel, greatestLevel);
+    if (m_description.min)
+        number = std::max(number, *m_description.min);
+    if (m_description.max)
+        number = std::min(number, *m_description.max);
+    return number;
+}
+
+Value LiveParameter::Shown(double number) const {
+    if (std::holds_alternative<std::int64_t>(m_value)) {
+        const double whole = std::nearbyint(number);
+        return static_cast<std::int64_t>(std::clamp<double>(whole, std::numeric_limits<std::int32_t>::min(),
+                                                            std::numeric_limits<std::int32_t>::max()));
+    }
+    const auto& decimals = m_description.behaviour->decimals;
+    return decimals ? RoundedTo(*decimals, number) : number;
+}
+
+} // namespace vant::host

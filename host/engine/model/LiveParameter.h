@@ -1,0 +1,91 @@
+#pragma once
+
+#include "host/engine/model/EngineDescription.h"
+#include "host/engine/model/Inertia.h"
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace vant::host {
+
+/// A time in milliseconds since the engine began, and how many writes came before it. Levels depend on both.
+struct Moment {
+    std::int64_t time = 0;
+    std::uint64_t writes = 0;
+
+    friend bool operator==(const Moment&, const Moment&) = default;
+};
+
+/// One parameter of a simulated engine during a run. Times are milliseconds since the engine began and never
+/// go back; steps are multiples of engineStep.
+class LiveParameter {
+public:
+    LiveParameter(const std::string& id, const EngineParameter& description, std::uint64_t seed);
+
+    /// Finds the parameters that this one follows, which must exist and stay where they are.
+    void Connect(const std::map<std::string, LiveParameter>& all);
+    const std::vector<const LiveParameter*>& Followed() const noexcept { return m_followed; }
+
+    /// Counts a read; whether it succeeds.
+    bool BeginRead(std::int64_t time);
+    /// The result of the read that has begun.
+    Value Read(const Moment& moment) const;
+    /// The text that stands in place of the value's own.
+    const std::optional<std::string>& OwnText() const noexcept { return m_text; }
+
+    bool IsReadOnly() const noexcept;
+    /// A value of the parameter's kind.
+    const Value& Kind() const noexcept { return m_description.value; }
+    /// Whether a value lies within the limits. A value that is not a number always does.
+    bool Admits(const Value& value) const;
+    /// `order` rises with every write of the engine.
+    void Write(Value value, std::uint64_t order);
+
+    /// Whether the past counts: whether there is anything to follow step by step.
+    bool HasInertia() const noexcept { return m_inertia.has_value(); }
+    /// Finds out, after all parameters that this one follows have done so, whether the input moves.
+    void FindMoves();
+    /// Whether the input may change from step to step, rather than at scheduled times and with writes alone.
+    bool InputMoves() const noexcept { return m_inputMoves; }
+    /// The times at which the input changes by itself.
+    void AddSchedule(std::vector<std::int64_t>& times) const;
+    /// For a parameter with inertia: takes the input that it has at a step.
+    void TakeInput(std::int64_t step, std::uint64_t writes);
+
+private:
+    /// The number before noise, rounding and failures, at a moment.
+    struct Level {
+        Moment at;
+        double number = 0;
+    };
+
+    double LevelAt(const Moment& moment) const;
+    /// As LevelAt, once the level of the leader is known.
+    double NextLevel(const Moment& moment) const;
+    double InputAt(const Moment& moment) const;
+    double SourceAt(const Behaviour& behaviour, const Moment& moment) const;
+    /// Whether the level is that of another parameter, without a past of its own.
+    bool TakesLevel() const noexcept { return !m_followed.empty() && !m_inertia; }
+    bool KnowsLevel(const Moment& moment) const noexcept { return m_level && m_level->at == moment; }
+    /// Of the parameters that this one follows, the one written last.
+    const LiveParameter& Leader() const;
+    const Value& Scripted(std::int64_t time) const;
+    double Limited(double number) const;
+    Value Shown(double number) const;
+
+    const EngineParameter m_description;
+    const std::uint64_t m_noise;
+    Value m_value; ///< As written, or from the description.
+    std::optional<std::string> m_text;
+    std::vector<const LiveParameter*> m_followed;
+    std::optional<Inertia> m_inertia;
+    bool m_inputMoves = false;
+    mutable std::optional<Level> m_level; ///< The last one that was computed.
+    std::uint64_t m_writtenAs = 0;        ///< Place in the order of writes; 0: never written.
+    std::int64_t m_reads = 0;
+};
+
+} // namespace vant::host

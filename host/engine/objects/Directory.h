@@ -1,0 +1,39 @@
+#pragma once
+
+#include "ecm/interfaces/EngineData.h"
+#include "host/engine/objects/Session.h"
+#include "host/object/HandOut.h"
+#include "host/object/HostObject.h"
+
+namespace vant::host {
+
+/// Opens the engine's control module, the only one that there is.
+class Directory final : public HostDispatch<IECMDirectory> {
+public:
+    /// The session must outlive the directory.
+    Directory(Journal& journal, LONG ecmId, Session& session)
+        : HostDispatch(journal, "Directory"), m_ecmId(ecmId), m_session(session) {}
+
+    HRESULT STDMETHODCALLTYPE Reserved7() override { return Refuse("Reserved7"); }
+    HRESULT STDMETHODCALLTYPE Reserved8() override { return Refuse("Reserved8"); }
+    /// HRESULT_FROM_WIN32(ERROR_NOT_FOUND) for another control module.
+    HRESULT STDMETHODCALLTYPE OpenECM(LONG ecmId, IUnknown** ecm) override {
+        return Answer("OpenECM", [&](Record& record) {
+            record.Add("ecmId", std::int64_t{ecmId});
+            return HandOut(ecmId == m_ecmId ? &m_session : nullptr, ecm);
+        });
+    }
+    /// HRESULT_FROM_WIN32(ERROR_NOT_FOUND) for a handle that is not open.
+    HRESULT STDMETHODCALLTYPE CloseECM(LONG handle) override {
+        return Answer("CloseECM", [&](Record& record) {
+            record.Add("handle", std::int64_t{handle});
+            return m_session.Close(handle) ? S_OK : HRESULT_FROM_WIN32(ERROR_NOT_FOUND);
+        });
+    }
+
+private:
+    const LONG m_ecmId;
+    Session& m_session;
+};
+
+} // namespace vant::host

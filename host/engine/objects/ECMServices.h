@@ -1,0 +1,34 @@
+#pragma once
+
+#include "ecm/interfaces/EngineData.h"
+#include "host/engine/objects/UnitsTable.h"
+#include "host/object/HandOut.h"
+#include "host/object/HostObject.h"
+
+namespace vant::host {
+
+/// The engine services: one COM object with the thread service.
+class ECMServices final : public HostDispatch<IECMServicesOld> {
+public:
+    /// All must outlive the services. `identity` answers for every interface.
+    ECMServices(Journal& journal, IUnknown& identity, UnitsTable& units)
+        : HostDispatch(journal, "ECMServices"), m_identity(identity), m_units(units) {}
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override {
+        return m_identity.QueryInterface(iid, out);
+    }
+    HRESULT STDMETHODCALLTYPE Reserved7() override { return Refuse("Reserved7"); }
+    HRESULT STDMETHODCALLTYPE Reserved8() override { return Refuse("Reserved8"); }
+    HRESULT STDMETHODCALLTYPE Reserved9() override { return Refuse("Reserved9"); }
+    HRESULT STDMETHODCALLTYPE Reserved10() override { return Refuse("Reserved10"); }
+    HRESULT STDMETHODCALLTYPE Reserved11() override { return Refuse("Reserved11"); }
+    HRESULT STDMETHODCALLTYPE GetUnits(IUnknown** unitsTable) override {
+        return Answer("GetUnits", [&](Record&) { return HandOut(&m_units, unitsTable); });
+    }
+
+private:
+    IUnknown& m_identity;
+    UnitsTable& m_units;
+};
+
+} // namespace vant::host

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "ecm/interfaces/EngineData.h"
+#include "host/engine/objects/FaultRecord.h"
+#include "host/engine/objects/ItemList.h"
+
+namespace vant::host {
+
+/// The faults of a fault array in their order.
+class FaultRecordList final : public ItemList<IFaultRecordList, IFaultRecord, FaultRecord> {
+public:
+    FaultRecordList(Journal& journal, const std::vector<FaultRecordDescription>& records)
+        : ItemList(journal, "FaultRecordList", records) {}
+
+protected:
+    void* FindInterface(REFIID iid) noexcept override {
+        return iid == IID_IFaultRecordList ? static_cast<IFaultRecordList*>(this)
+                                           : ItemList::FindInterface(iid);
+    }
+};
+
+} // namespace vant::host

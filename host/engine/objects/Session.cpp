@@ -1,0 +1,47 @@
+#include "host/engine/objects/Session.h"
+
+#include "host/object/HandOut.h"
+
+namespace vant::host {
+
+HRESULT Session::Register(LONG* handle) {
+    return Answer("Register", [&](Record& record) -> HRESULT {
+        if (!handle)
+            return E_POINTER;
+        {
+            const std::lock_guard lock(m_access);
+            m_handles.insert(m_lastHandle + 1);
+            *handle = ++m_lastHandle;
+        }
+        record.Add("handle", std::int64_t{*handle});
+        return S_OK;
+    });
+}
+
+HRESULT Session::ReadParameter(LONG id, LONG kind, IECMSessionItem** item) {
+    return Answer("ReadParameter", [&](Record& record) -> HRESULT {
+        record.Add("id", std::int64_t{id});
+        record.Add("kind", std::int64_t{kind});
+        if (!item)
+            return E_POINTER;
+        *item = nullptr;
+        if (!IsOpen())
+            return E_UNEXPECTED;
+        if (kind != 1)
+            return E_INVALIDARG;
+        const auto found = m_items.find(std::to_string(id));
+        return HandOut(found == m_items.end() ? nullptr : found->second.get(), item);
+    });
+}
+
+bool Session::Close(LONG handle) {
+    const std::lock_guard lock(m_access);
+    return m_handles.erase(handle) != 0;
+}
+
+bool Session::IsOpen() const {
+    const std::lock_guard lock(m_access);
+    return !m_handles.empty();
+}
+
+} // namespace vant::host

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "ecm/interfaces/EngineData.h"
+#include "host/engine/objects/Directory.h"
+#include "host/engine/objects/ProtocolSource.h"
+#include "host/object/HostObject.h"
+
+namespace vant::host {
+
+/// The way to direct sessions and to the kind of protocol: one COM object with the engine services.
+class SessionManager final : public HostDispatch<IECMSessionManager> {
+public:
+    /// All must outlive the manager. `identity` answers for every interface but its own.
+    SessionManager(Journal& journal, const EngineDescription& engine, IUnknown& identity,
+                   Directory& directory, ProtocolSource& source)
+        : HostDispatch(journal, "SessionManager"), m_engine(engine), m_identity(identity),
+          m_directory(directory), m_source(source) {}
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override {
+        return m_identity.QueryInterface(iid, out);
+    }
+    HRESULT STDMETHODCALLTYPE Reserved7() override { return Refuse("Reserved7"); }
+    HRESULT STDMETHODCALLTYPE Reserved8() override { return Refuse("Reserved8"); }
+    HRESULT STDMETHODCALLTYPE GetDirectory(IECMDirectory** directory) override {
+        return Answer("GetDirectory", [&](Record&) { return HandOut(&m_directory, directory); });
+    }
+    HRESULT STDMETHODCALLTYPE GetProtocolSource(IProtocolSource** source) override {
+        return Answer("GetProtocolSource", [&](Record&) {
+            return HandOutStep(m_engine, ProtocolStep::GetProtocolSource, &m_source, source);
+        });
+    }
+
+private:
+    const EngineDescription& m_engine;
+    IUnknown& m_identity;
+    Directory& m_directory;
+    ProtocolSource& m_source;
+};
+
+} // namespace vant::host

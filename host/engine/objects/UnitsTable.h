@@ -1,0 +1,44 @@
+#pragma once
+
+#include "ecm/interfaces/EngineData.h"
+#include "host/engine/objects/Unit.h"
+#include "host/object/HandOut.h"
+#include "host/object/HostObject.h"
+
+#include <map>
+#include <memory>
+#include <string>
+
+namespace vant::host {
+
+class UnitsTable final : public HostDispatch<IUnitsTable> {
+public:
+    /// `units`: texts by their keys.
+    UnitsTable(Journal& journal, const std::map<std::string, std::string>& units)
+        : HostDispatch(journal, "UnitsTable") {
+        for (const auto& [key, text] : units)
+            m_units.emplace(key, std::make_unique<Unit>(journal, text));
+    }
+
+    /// HRESULT_FROM_WIN32(ERROR_NOT_FOUND) for a key that does not exist.
+    HRESULT STDMETHODCALLTYPE GetUnit(BSTR unitsKey, IUnit** unit) override {
+        return Answer("GetUnit", [&](Record& record) {
+            const std::string key = ToUtf8(TextOf(unitsKey));
+            record.Add("unitsKey", key);
+            const auto found = m_units.find(key);
+            return HandOut(found == m_units.end() ? nullptr : found->second.get(), unit);
+        });
+    }
+
+    /// Calls `visit` with every unit.
+    template <class Visit>
+    void ForEach(Visit visit) const {
+        for (const auto& [key, unit] : m_units)
+            visit(*unit);
+    }
+
+private:
+    std::map<std::string, std::unique_ptr<Unit>> m_units;
+};
+
+} // namespace vant::host

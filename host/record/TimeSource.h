@@ -1,0 +1,11 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+
+namespace vant::host {
+
+/// Returns the time in milliseconds since any fixed moment; it never goes back.
+using TimeSource = std::function<std::int64_t()>;
+
+} // namespace vant::host
