@@ -1,5 +1,7 @@
-// docs/commands.md against the command classes: their property tables, and what the built module accepts.
+// The table of properties against the classes' own tables; docs/commands.md against both, and against what
+// the built module accepts.
 
+#include "framework/interfaces/ClassProperties.h"
 #include "framework/interfaces/VantCommand.h"
 #include "host/procedure/ProcedureReader.h"
 #include "host/runner/CommandCheck.h"
@@ -46,23 +48,50 @@ const Module& BuiltModule() {
     return module;
 }
 
-/// Property, alternative, required: what the code says, in the words of the document.
-std::vector<TableRow> StatedRows(PropertyTable table) {
+/// Property, alternative, required: what a class itself declares. An alternative has a row of its own.
+std::vector<TableRow> DeclaredRows(PropertyTable table) {
     std::vector<TableRow> rows;
-    for (const PropertyRow& row : table)
-        rows.push_back({ToUtf8(row.name), row.alternativeName ? ToUtf8(row.alternativeName) : "none",
-                        row.required ? "yes" : "no"});
+    for (const PropertyRow& row : table) {
+        const std::string name = ToUtf8(row.name);
+        const std::string alternative = ToUtf8(row.alternativeName);
+        const std::string required = row.required ? "yes" : "no";
+        rows.push_back({name, alternative, required});
+        if (row.alternativeName)
+            rows.push_back({alternative, name, required});
+    }
+    return rows;
+}
+
+/// The same as the table of properties states it.
+std::vector<TableRow> StatedRows(const std::string& className) {
+    std::vector<TableRow> rows;
+    for (const ClassProperty& each : PropertiesOfClass(className))
+        rows.push_back({std::string(each.name), std::string(each.alternative), each.required ? "yes" : "no"});
+    return rows;
+}
+
+/// The rows of the document's table as the table of properties demands them, without backticks.
+std::vector<TableRow> DemandedRows(const std::string& className) {
+    std::vector<TableRow> rows;
+    for (const ClassProperty& each : PropertiesOfClass(className))
+        rows.push_back({std::string(each.name),
+                        each.alternative.empty() ? "none" : std::string(each.alternative),
+                        each.required ? "yes" : "no", DescribeKind(each), std::string(each.meaning)});
     return rows;
 }
 
 std::vector<TableRow> DocumentedRows(const Section& section) {
-    std::vector<TableRow> rows;
-    for (const TableRow& row : section.Table("property")) {
-        EXPECT_EQ(row.size(), 4U) << section.title;
-        EXPECT_FALSE(row.back().empty()) << "no meaning: " << section.title << ", " << row.front();
-        rows.push_back({Unquoted(row.at(0)), Unquoted(row.at(1)), row.at(2)});
+    std::vector<TableRow> rows = section.Table("property");
+    for (TableRow& row : rows) {
+        for (std::string& cell : row)
+            std::erase(cell, '`');
     }
     return rows;
+}
+
+TEST(PropertyTable, Rows_AreThoseOfTheClasses) {
+    for (const auto& [name, table] : PropertyTables())
+        EXPECT_EQ(StatedRows(name), DeclaredRows(table)) << name;
 }
 
 TEST(CommandsDocument, Classes_AreThoseOfTheModule) {
@@ -91,10 +120,9 @@ TEST(CommandsDocument, Overview_ListsEveryClassOnce) {
     EXPECT_EQ(listed, built);
 }
 
-TEST(CommandsDocument, PropertyTables_AreThoseOfTheClasses) {
-    const auto documented = DocumentedClasses();
-    for (const auto& [name, table] : PropertyTables())
-        EXPECT_EQ(DocumentedRows(documented.at(name).section), StatedRows(table)) << name;
+TEST(CommandsDocument, PropertyTables_AreThoseOfTheTableOfProperties) {
+    for (const auto& [name, each] : DocumentedClasses())
+        EXPECT_EQ(DocumentedRows(each.section), DemandedRows(name)) << name;
 }
 
 TEST(CommandsDocument, PersistentMark_StandsAtTheClassesThatAnswerTheInterface) {
