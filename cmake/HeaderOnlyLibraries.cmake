@@ -2,13 +2,15 @@
 # and fmt.
 
 add_library(vant_header_only INTERFACE)
+target_compile_definitions(vant_header_only INTERFACE TOML_HEADER_ONLY=0)
 if(NOT CMAKE_CROSSCOMPILING)
   find_package(tomlplusplus REQUIRED)
   find_package(CLI11 REQUIRED)
   find_package(nlohmann_json REQUIRED)
   find_package(fmt REQUIRED)
-  target_link_libraries(vant_header_only INTERFACE tomlplusplus::tomlplusplus CLI11::CLI11 nlohmann_json::nlohmann_json
-                                                   fmt::fmt-header-only)
+  # Of toml++ the headers alone, which the package keeps in the compiler's own folder: the host compiles the parser
+  # with its own assertions.
+  target_link_libraries(vant_header_only INTERFACE CLI11::CLI11 nlohmann_json::nlohmann_json fmt::fmt-header-only)
   return()
 endif()
 

@@ -1,8 +1,8 @@
 #include "vant/ConsoleReport.h"
 
+#include "host/procedure/ClassReport.h"
 #include "host/record/CallScope.h"
 #include "host/record/Json.h"
-#include "host/runner/Module.h"
 #include "host/text/Printable.h"
 
 #include <algorithm>
@@ -33,7 +33,7 @@ std::size_t ClassWidth() {
     return width;
 }
 
-std::string Quoted(const Value* value) {
+std::string JsonOf(const Value* value) {
     return value ? Printable(ToJson(*value).dump()) : "null";
 }
 
@@ -41,7 +41,7 @@ std::string Quoted(const Value* value) {
 std::string LineOfFailedCall(const Record& record) {
     std::string line = "call failed: " + record.service + ' ' + record.operation;
     for (const Argument& each : record.arguments)
-        line += (&each == &record.arguments.front() ? " " : ", ") + each.name + " = " + Quoted(&each.value);
+        line += (&each == &record.arguments.front() ? " " : ", ") + each.name + " = " + JsonOf(&each.value);
     return line + ": " + ToText(*record.result);
 }
 
@@ -87,12 +87,12 @@ std::string ConsoleReport::LineOfCall(const Record& record) {
         return "instruction: " + Printable(record.Text("text"));
     if (record.operation == "SetComponentProperty")
         return "display: " + Printable(record.Text("componentId") + '.' + record.Text("name")) + " = " +
-               Quoted(record.Find("value"));
+               JsonOf(record.Find("value"));
     if (record.operation == "RegisterCallback")
         m_runningOn.insert(KeyOf(record));
     else if (record.service == "ConditionSet" && record.Find("failed"))
         return "conditions " + Printable(record.Text("name")) +
-               " not met: " + Printable(record.Text("failed")) + ", but was " + Quoted(record.Find("value"));
+               " not met: " + Printable(record.Text("failed")) + ", but was " + JsonOf(record.Find("value"));
     return {};
 }
 
@@ -118,7 +118,7 @@ void ConsoleReport::WriteEntry(const Record& record) {
     if (!m_hasEntries)
         m_out << "\ndata\n";
     m_hasEntries = true;
-    m_out << "  " << Printable(record.Text("name")) << " = " << Quoted(record.Find("value")) << '\n';
+    m_out << "  " << Printable(record.Text("name")) << " = " << JsonOf(record.Find("value")) << '\n';
 }
 
 void ConsoleReport::WriteVerdict(const Record& record) {

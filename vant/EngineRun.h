@@ -1,6 +1,6 @@
 #pragma once
 
-#include "vant/Run.h"
+#include "vant/ExitCode.h"
 
 #include <cstdint>
 #include <optional>
@@ -19,8 +19,8 @@ struct EngineRunOptions {
     bool csv = false;
 };
 
-/// Lets an engine run by itself, without waiting, and prints its parameters over time to standard output;
-/// what is wrong goes to standard error, and nothing is printed then.
+/// Lets an engine run by itself, without waiting, and prints its parameters over time to standard output.
+/// Mistakes go to standard error, and nothing is printed then. Throws Failure.
 ExitCode RunEngine(const EngineRunOptions& options);
 
 } // namespace vant::program

@@ -3,11 +3,13 @@
 #include "host/record/Json.h"
 #include "host/runner/Module.h"
 #include "host/runner/RegisteredClasses.h"
+#include "host/text/Printable.h"
 #include "platform/ClassRegistration.h"
 #include "platform/Utf8.h"
 
 #include <exception>
 #include <iostream>
+#include <optional>
 
 namespace vant::program {
 
@@ -16,21 +18,22 @@ using namespace host;
 namespace {
 
 ExitCode Change(const RegistrationOptions& options, HRESULT (Module::*operation)() const, const char* done) {
+    std::optional<Module> module;
     try {
-        const Module module(PathFromUtf8(options.module));
-        HRESULT result = options.userOnly ? RegisterForUserOnly() : S_OK;
-        if (SUCCEEDED(result))
-            result = (module.*operation)();
-        if (SUCCEEDED(result)) {
-            std::cout << done << ' ' << options.module << '\n';
-            return ExitCode::Passed;
-        }
-        std::cerr << "vant: " << options.module << " answered " << ToText(result)
-                  << "; what it had done before stays done\n";
+        module.emplace(PathFromUtf8(options.module));
     } catch (const std::exception& failure) {
-        std::cerr << "vant: cannot load the module " << options.module << ": " << failure.what() << '\n';
+        throw Failure(ExitCode::Broken, "cannot load the module " + options.module + ": " + failure.what());
     }
-    return ExitCode::Broken;
+    HRESULT result = options.userOnly ? RegisterForUserOnly() : S_OK;
+    if (SUCCEEDED(result))
+        result = ((*module).*operation)();
+    if (FAILED(result))
+        throw Failure(ExitCode::Broken, options.module + " returned " + ToText(result) +
+                                            "; what it had done before stays done");
+    std::cout << done << ' ' << Printable(options.module) << '\n';
+    if (!std::cout.flush())
+        throw Failure(ExitCode::Broken, "done, but the confirmation could not be written");
+    return ExitCode::Passed;
 }
 
 } // namespace
@@ -46,13 +49,11 @@ ExitCode Unregister(const RegistrationOptions& options) {
 ExitCode PrintCatalogue() {
     const auto classes = ListRegisteredClasses();
     for (const RegisteredClass& each : classes)
-        std::cout << each.progId << ' ' << each.classId << ' ' << each.module << '\n';
+        std::cout << each.progId << ' ' << each.classId << ' ' << Printable(each.module) << '\n';
     if (classes.empty())
         std::cerr << "vant: no class is registered\n";
-    if (!std::cout.flush()) {
-        std::cerr << "vant: the list could not be written completely\n";
-        return ExitCode::Broken;
-    }
+    if (!std::cout.flush())
+        throw Failure(ExitCode::Broken, "the list could not be written completely");
     return ExitCode::Passed;
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "vant/Run.h"
+#include "vant/ExitCode.h"
 
 #include <string>
 
@@ -12,11 +12,12 @@ struct RegistrationOptions {
     bool userOnly = false; ///< For the current user instead of the machine.
 };
 
-/// Both let the module do it, through its exported entry points, and say what has happened.
+/// Both let the module do it, through its exported entry points, and say what has happened. They throw
+/// Failure.
 ExitCode Register(const RegistrationOptions& options);
 ExitCode Unregister(const RegistrationOptions& options);
 
-/// Prints a line for every registered class: ProgID, class identifier, module.
+/// Prints a line for every registered class: ProgID, class identifier, module. Throws Failure.
 ExitCode PrintCatalogue();
 
 } // namespace vant::program

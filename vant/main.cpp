@@ -1,9 +1,12 @@
 // The command-line program of the bench host.
 
+#include "host/record/Json.h"
+#include "host/text/Printable.h"
 #include "platform/ComException.h"
 #include "platform/DynamicLibrary.h"
 #include "platform/Process.h"
 #include "platform/Utf8.h"
+#include "vant/Classes.h"
 #include "vant/EngineRun.h"
 #include "vant/Registration.h"
 #include "vant/Run.h"
@@ -12,14 +15,18 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdint>
-#include <cstdio>
 #include <exception>
+#include <functional>
+#include <iostream>
+#include <memory>
 #include <string>
 #include <vector>
 
+namespace vant::program {
+
 namespace {
 
-/// For file names: an empty one, as a shell makes of a variable that is not set, is not the same as none.
+/// An empty file name, as a shell makes of a variable that is not set, is a mistake.
 std::string CheckNotEmpty(const std::string& text) {
     return text.empty() ? "must not be empty" : "";
 }
@@ -32,120 +39,160 @@ std::string CheckSeed(const std::string& text) {
                : "must be a whole number from 0 to 18446744073709551615, not '" + text + "'";
 }
 
-int RunProgram(int argc, char** argv) {
-    vant::PrepareConsole();
+std::string DefaultModule() {
+    return PathToUtf8(ProgramFolder() / LibraryFileName("VantCommands"));
+}
 
-    vant::program::RunOptions options;
-    options.module = vant::PathToUtf8(vant::ProgramFolder() / vant::LibraryFileName("VantCommands"));
-
-    CLI::App app("Runs diagnostic procedures on a bench host.", "vant");
-    app.set_version_flag("--version", "vant " VANT_VERSION);
+/// Calls `perform` with the options once the arguments have been read. CLI11 writes into the options until
+/// then, so they live as long as the callback does.
+template <class Options>
+void OnSelected(CLI::App& command, const std::shared_ptr<Options>& options, ExitCode& result,
+                std::function<ExitCode(const Options&)> perform) {
     // File names may begin with a slash on every system.
-    app.allow_windows_style_options(false);
+    command.allow_windows_style_options(false);
+    command.callback([options, &result, perform = std::move(perform)] { result = perform(*options); });
+}
 
-    CLI::App* const run = app.add_subcommand("run", "Run a procedure file");
-    run->allow_windows_style_options(false);
-    run->add_option("FILE", options.procedure, "The procedure, a TOML file")
-        ->required()
-        ->check(CheckNotEmpty);
-    run->add_option("--engine", options.engine, "Run on the engine in this file, not on the procedure's own")
-        ->check(CheckNotEmpty)
-        ->type_name("FILE");
-    run->add_option("--journal", options.journal, "Write every host call to this file, as lines of JSON")
-        ->check(CheckNotEmpty)
-        ->type_name("FILE");
-    run->add_option("--module", options.module, "The module of the command classes")
+CLI::Option* AddModule(CLI::App& command, std::string& module) {
+    module = DefaultModule();
+    return command.add_option("--module", module, "The module of the command classes")
         ->check(CheckNotEmpty)
         ->type_name("PATH")
         ->capture_default_str();
-    run->add_flag("--json", options.json, "Print the result as JSON");
-    run->add_flag("--yes", options.answersMessages, "Close every message without waiting for Enter");
-    run->footer(
-        "Exit codes: 0 passed, 1 failed, 2 wrong usage or file, 3 module or host failure, 130 aborted.");
+}
 
-    run->add_flag("--registered", options.registered,
-                  "Create the commands by their registered ProgIDs instead of loading a module")
-        ->excludes("--module");
-
-    vant::program::EngineRunOptions engineRun;
-    CLI::App* const engine =
-        app.add_subcommand("engine", "Let an engine run without a procedure and print its parameters");
-    engine->allow_windows_style_options(false);
-    engine->add_option("FILE", engineRun.file, "The engine, or a procedure that has one; a TOML file")
+void AddRun(CLI::App& app, ExitCode& result) {
+    CLI::App& run = *app.add_subcommand("run", "Run a procedure file");
+    const auto options = std::make_shared<RunOptions>();
+    run.add_option("FILE", options->procedure, "The procedure, a TOML file")
         ->required()
         ->check(CheckNotEmpty);
-    engine->add_option("--for", engineRun.duration, "How long: a number with ms, s, min or h")
-        ->type_name("DURATION")
-        ->capture_default_str();
-    engine->add_option("--every", engineRun.every, "The time from one row to the next")
-        ->type_name("DURATION")
-        ->capture_default_str();
-    engine->add_flag("--csv", engineRun.csv, "Print comma-separated values instead of a table");
-    engine->add_option("--seed", engineRun.seed, "The seed of the noise, in place of the engine's")
-        ->check(CheckSeed)
-        ->type_name("NUMBER");
-    engine->add_option("--set", engineRun.writes, "Write a parameter at a time; can be given repeatedly")
-        ->type_name("ID=VALUE@TIME")
-        ->allow_extra_args(false);
-    engine->footer("Exit codes: 0 done, 2 wrong usage or file, 3 the output could not be written.");
-
+    run.add_option("--engine", options->engine, "Run on the engine in this file, not on the procedure's own")
+        ->check(CheckNotEmpty)
+        ->type_name("FILE");
+    run.add_option("--journal", options->journal, "Write every host call to this file, as lines of JSON")
+        ->check(CheckNotEmpty)
+        ->type_name("FILE");
+    run.add_flag("--force", options->force, "Let the journal replace a file that is not a journal");
+    CLI::Option* const module = AddModule(run, options->module);
+    run.add_flag("--json", options->json, "Print the result as JSON");
+    run.add_flag("--yes", options->closesMessages, "Close every message without waiting for Enter");
+    run.add_flag("--registered", options->registered,
+                 "Create the commands by their registered ProgIDs instead of loading a module")
+        ->excludes(module);
     CLI::Option* const virtualTime =
-        run->add_flag("--virtual", options.virtualTime, "Let virtual time pass instead of waiting");
-    run->add_option("--speed", options.speed, "Let time pass so many times as fast")
+        run.add_flag("--virtual", options->virtualTime, "Let virtual time pass instead of waiting");
+    run.add_option("--speed", options->speed, "Let time pass so many times as fast")
         ->type_name("N")
         ->excludes(virtualTime);
+    run.footer(
+        "Exit codes: 0 passed, 1 failed, 2 wrong usage or file, 3 module or host failure, 130 aborted.");
+    OnSelected<RunOptions>(run, options, result, Run);
+}
 
-    vant::program::RegistrationOptions registration;
-    registration.module = options.module;
-    const auto addRegistration = [&](const char* name, const char* purpose) {
-        CLI::App* const command = app.add_subcommand(name, purpose);
-        command->allow_windows_style_options(false);
-        command->add_option("--module", registration.module, "The module of the command classes")
-            ->check(CheckNotEmpty)
-            ->type_name("PATH")
-            ->capture_default_str();
-        command->add_flag("--user", registration.userOnly, "For the current user only");
-        command->footer("Exit codes: 0 done, 2 wrong usage, 3 the module could not do it.");
-        return command;
-    };
-    CLI::App* const registerModule =
-        addRegistration("register", "Register the module's classes with the system");
-    CLI::App* const unregisterModule = addRegistration("unregister", "Remove the registration");
-    CLI::App* const catalogue =
-        app.add_subcommand("catalogue", "List the registered classes and their modules");
-    catalogue->footer("Exit codes: 0 done, 2 wrong usage, 3 the list could not be written.");
+void AddEngine(CLI::App& app, ExitCode& result) {
+    CLI::App& engine =
+        *app.add_subcommand("engine", "Let an engine run without a procedure and print its parameters");
+    const auto options = std::make_shared<EngineRunOptions>();
+    engine.add_option("FILE", options->file, "The engine, or a procedure that has one; a TOML file")
+        ->required()
+        ->check(CheckNotEmpty);
+    engine.add_option("--for", options->duration, "How long: a number with ms, s, min or h")
+        ->type_name("DURATION")
+        ->capture_default_str();
+    engine.add_option("--every", options->every, "The time from one row to the next")
+        ->type_name("DURATION")
+        ->capture_default_str();
+    engine.add_flag("--csv", options->csv, "Print comma-separated values instead of a table");
+    engine.add_option("--seed", options->seed, "The seed of the noise, in place of the engine's")
+        ->check(CheckSeed)
+        ->type_name("NUMBER");
+    engine.add_option("--set", options->writes, "Write a parameter at a time; can be given repeatedly")
+        ->type_name("ID=VALUE@TIME")
+        ->allow_extra_args(false);
+    engine.footer("Exit codes: 0 done, 2 wrong usage or file, 3 the output could not be written.");
+    OnSelected<EngineRunOptions>(engine, options, result, RunEngine);
+}
 
-    std::vector<std::string> arguments = vant::ProcessArguments(argc, argv);
+void AddClasses(CLI::App& app, ExitCode& result) {
+    CLI::App& classes = *app.add_subcommand("classes", "List the command classes and their properties");
+    const auto options = std::make_shared<ClassesOptions>();
+    classes.add_option("NAME", options->name, "Only this class")->check(CheckNotEmpty);
+    classes.add_flag("--json", options->json, "Print JSON");
+    classes.footer("Exit codes: 0 done, 2 wrong usage, 3 the list could not be written.");
+    OnSelected<ClassesOptions>(classes, options, result, PrintClasses);
+}
+
+void AddRegistration(CLI::App& app, ExitCode& result, const char* name, const char* purpose,
+                     ExitCode (*perform)(const RegistrationOptions&)) {
+    CLI::App& command = *app.add_subcommand(name, purpose);
+    const auto options = std::make_shared<RegistrationOptions>();
+    AddModule(command, options->module);
+    command.add_flag("--user", options->userOnly, "For the current user only");
+    command.footer("Exit codes: 0 done, 2 wrong usage, 3 the module could not do it.");
+    OnSelected<RegistrationOptions>(command, options, result, perform);
+}
+
+void AddCatalogue(CLI::App& app, ExitCode& result) {
+    CLI::App& catalogue = *app.add_subcommand("catalogue", "List the registered classes and their modules");
+    catalogue.footer("Exit codes: 0 done, 2 wrong usage, 3 the list could not be written.");
+    struct None {};
+    OnSelected<None>(catalogue, std::make_shared<None>(), result,
+                     [](const None&) { return PrintCatalogue(); });
+}
+
+ExitCode RunProgram(int argc, char** argv) {
+    CLI::App app("Runs diagnostic procedures on a bench host.", "vant");
+    app.set_version_flag("--version", "vant " VANT_VERSION);
+    app.require_subcommand(0, 1);
+    app.allow_windows_style_options(false);
+    ExitCode result = ExitCode::Passed;
+    AddRun(app, result);
+    AddEngine(app, result);
+    AddClasses(app, result);
+    AddRegistration(app, result, "register", "Register the module's classes with the system", Register);
+    AddRegistration(app, result, "unregister", "Remove the registration", Unregister);
+    AddCatalogue(app, result);
+
+    std::vector<std::string> arguments = ProcessArguments(argc, argv);
     std::reverse(arguments.begin(), arguments.end()); // as the parser expects them
     try {
         app.parse(std::move(arguments));
+        // Only now: an unknown subcommand is a better message than a missing one.
         if (app.get_subcommands().empty())
             throw CLI::RequiredError("A subcommand");
     } catch (const CLI::ParseError& stop) {
         // Help and version are reported this way too.
-        return app.exit(stop) == 0 ? 0 : static_cast<int>(vant::program::ExitCode::WrongInput);
+        if (app.exit(stop) != 0)
+            return ExitCode::WrongInput;
+        if (!std::cout.flush())
+            throw Failure(ExitCode::Broken, "the text could not be written completely");
     }
-    if (*engine)
-        return static_cast<int>(vant::program::RunEngine(engineRun));
-    if (*registerModule)
-        return static_cast<int>(vant::program::Register(registration));
-    if (*unregisterModule)
-        return static_cast<int>(vant::program::Unregister(registration));
-    if (*catalogue)
-        return static_cast<int>(vant::program::PrintCatalogue());
-    return static_cast<int>(vant::program::Run(options));
+    return result;
+}
+
+int Report(ExitCode code, const std::string& message) {
+    std::cerr << host::Printable("vant: " + message) << '\n';
+    return static_cast<int>(code);
+}
+
+int Main(int argc, char** argv) {
+    try {
+        PrepareConsole();
+        return static_cast<int>(RunProgram(argc, argv));
+    } catch (const Failure& failure) {
+        return Report(failure.Code(), failure.what());
+    } catch (const std::exception& failure) {
+        return Report(ExitCode::Broken, failure.what());
+    } catch (const CComException& failure) {
+        return Report(ExitCode::Broken, "a platform call failed: " + host::ToText(failure.Code()));
+    }
 }
 
 } // namespace
 
+} // namespace vant::program
+
 int main(int argc, char** argv) {
-    try {
-        return RunProgram(argc, argv);
-    } catch (const vant::CComException& failure) {
-        std::fprintf(stderr, "vant: failed with 0x%08X\n", static_cast<unsigned>(failure.Code()));
-        return static_cast<int>(vant::program::ExitCode::Broken);
-    } catch (const std::exception& failure) {
-        std::fprintf(stderr, "vant: %s\n", failure.what());
-        return static_cast<int>(vant::program::ExitCode::Broken);
-    }
+    return vant::program::Main(argc, argv);
 }

@@ -1,5 +1,6 @@
 #include "host/procedure/BehaviourReader.h"
 
+#include "host/procedure/Cycles.h"
 #include "host/record/Value.h"
 #include "host/text/Suggestion.h"
 
@@ -259,6 +260,7 @@ void BehaviourReader::CheckFits(const toml::table& table, const Value& value) {
 void BehaviourReader::CheckFollowed(const std::map<std::string, EngineParameter>& parameters) {
     for (const Reference& each : m_references)
         CheckReference(each, parameters);
+    CheckCircles(parameters);
 }
 
 void BehaviourReader::CheckReference(const Reference& reference,
@@ -270,41 +272,35 @@ void BehaviourReader::CheckReference(const Reference& reference,
         return;
     }
     const auto followed = parameters.find(id);
-    if (followed == parameters.end()) {
-        std::vector<std::string> names;
-        names.reserve(parameters.size());
-        for (const auto& [name, parameter] : parameters)
-            names.push_back(name);
-        m_found.Error(position, "there is no parameter " + Quoted(id) + DidYouMean(id, names));
-        return;
-    }
-    if (!NumberIn(followed->second.value))
-        m_found.Error(position, "the value of " + Quoted(id) + " is no number, so nothing can follow it");
+    if (followed == parameters.end())
+        m_found.Error(position, "there is no parameter " + Quoted(id) + m_found.Suggest(id, parameters));
+    else if (!NumberIn(followed->second.value))
+        m_found.Error(position, "the value of " + Quoted(id) + " is not a number, so nothing can follow it");
     else if (followed->second.behaviour && !followed->second.behaviour->sequence.empty())
         m_found.Error(position,
                       Quoted(id) + " changes when it is read, so nothing can follow it: give it 'every'");
-    CheckCircle(reference, parameters);
 }
 
-void BehaviourReader::CheckCircle(const Reference& reference,
-                                  const std::map<std::string, EngineParameter>& parameters) {
-    std::set<std::string> seen;
-    std::vector<std::string> open = {reference.followed.text};
-    while (!open.empty()) {
-        const std::string id = std::move(open.back());
-        open.pop_back();
-        if (id == reference.follower) {
-            m_found.Error(reference.followed.position, Quoted(reference.follower) +
-                                                           " follows itself through " +
-                                                           Quoted(reference.followed.text));
-            return;
+void BehaviourReader::CheckCircles(const std::map<std::string, EngineParameter>& parameters) {
+    std::map<std::string_view, std::size_t> numbers;
+    for (const auto& [id, parameter] : parameters)
+        numbers.emplace(id, numbers.size());
+    Graph graph(parameters.size());
+    const auto forEach = [&](auto visit) {
+        for (const auto& [follower, followed] : m_references) {
+            if (follower != followed.text && numbers.contains(followed.text))
+                visit(numbers[follower], numbers[followed.text], follower, followed);
         }
-        const auto found = parameters.find(id);
-        if (found == parameters.end() || !found->second.behaviour || !seen.insert(id).second)
-            continue;
-        const auto& next = found->second.behaviour->follows;
-        open.insert(open.end(), next.begin(), next.end());
-    }
+    };
+    forEach([&](std::size_t from, std::size_t to, const std::string&, const Located&) {
+        graph[from].push_back(to);
+    });
+    const std::vector<std::size_t> components = StrongComponents(graph);
+    forEach([&](std::size_t from, std::size_t to, const std::string& follower, const Located& followed) {
+        if (components[from] == components[to])
+            m_found.Error(followed.position,
+                          Quoted(follower) + " follows itself through " + Quoted(followed.text));
+    });
 }
 
 std::optional<Value> BehaviourReader::SameKind(const toml::node& node, const std::string& what,
@@ -327,8 +323,8 @@ std::optional<double> BehaviourReader::Number(const toml::table& table, std::str
         return std::nullopt;
     const auto number = node->is_number() ? node->value<double>() : std::nullopt;
     if (!number || !std::isfinite(*number)) {
-        m_found.Error(PositionOf(*node),
-                      Quoted(key) + " must be a number, not " + (number ? "an endless one" : KindOf(*node)));
+        m_found.Error(PositionOf(*node), Quoted(key) + " must be a number, not " +
+                                             (number ? "nan or an infinite one" : KindOf(*node)));
         return std::nullopt;
     }
     return number;

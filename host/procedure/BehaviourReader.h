@@ -43,7 +43,7 @@ private:
     void CheckOneSource(const toml::table& table);
     void CheckFits(const toml::table& table, const Value& value);
     void CheckReference(const Reference& reference, const std::map<std::string, EngineParameter>& parameters);
-    void CheckCircle(const Reference& reference, const std::map<std::string, EngineParameter>& parameters);
+    void CheckCircles(const std::map<std::string, EngineParameter>& parameters);
 
     /// A value of the same kind as the parameter's; of a whole number's kind is every number.
     std::optional<Value> SameKind(const toml::node& node, const std::string& what, const Value& value);

@@ -1,9 +1,9 @@
 #include "host/procedure/ConditionReader.h"
 
 #include "host/procedure/TableReader.h"
-#include "host/text/Suggestion.h"
 
 #include <array>
+#include <cmath>
 
 namespace vant::host {
 
@@ -16,9 +16,9 @@ bool IsOrder(Comparison comparison) {
     return comparison != Comparison::Is && comparison != Comparison::IsNot;
 }
 
-class Reader : private TableReader {
+class ConditionReader : private TableReader {
 public:
-    explicit Reader(Diagnostics& found) : TableReader(found) {}
+    explicit ConditionReader(Diagnostics& found) : TableReader(found) {}
 
     std::vector<Condition> Read(const toml::key& name, const toml::node& node) {
         const toml::table* const table = AsTable(node, "condition set " + Quoted(name.str()));
@@ -52,15 +52,15 @@ private:
         const Position position = PositionOf(node);
         ReadSubject(*table, position, condition);
         ReadComparison(*table, position, condition);
-        if (auto message = RequiredText(*table, "message", position)) {
+        if (auto message = RequiredName(*table, "message", position)) {
             condition.message = std::move(message->text);
             condition.messagePosition = message->position;
         }
     }
 
     void ReadSubject(const toml::table& table, Position position, Condition& condition) {
-        const auto parameter = OptionalText(table, "parameter");
-        const auto data = OptionalText(table, "data");
+        const auto parameter = OptionalName(table, "parameter");
+        const auto data = OptionalName(table, "data");
         const bool hasBoth = table.contains("parameter") && table.contains("data");
         if (hasBoth || (!table.contains("parameter") && !table.contains("data")))
             m_found.Error(position, hasBoth ? "a condition has 'parameter' or 'data', not both"
@@ -93,6 +93,9 @@ private:
         const std::string name = Quoted(NameOf(condition.comparison));
         if (IsOrder(condition.comparison) && !node.is_number())
             m_found.Error(PositionOf(node), name + " must be a number, not " + KindOf(node));
+        else if (node.is_number() && !std::isfinite(node.value<double>().value_or(0)))
+            m_found.Error(PositionOf(node),
+                          name + " must be a finite number; leave the condition out if there is no bound");
         else if (auto value = Scalar(node, name))
             condition.value = std::move(*value);
     }
@@ -101,20 +104,17 @@ private:
 } // namespace
 
 std::vector<Condition> ReadConditionSet(const toml::key& name, const toml::node& node, Diagnostics& found) {
-    return Reader(found).Read(name, node);
+    return ConditionReader(found).Read(name, node);
 }
 
 void CheckConditionNames(const Procedure& procedure, Diagnostics& found) {
-    std::vector<std::string> entries;
-    for (const auto& [name, value] : procedure.data)
-        entries.push_back(name);
     for (const auto& [name, conditions] : procedure.conditions) {
         for (const Condition& condition : conditions) {
-            // A message that is missing has been reported already.
+            // A message that is missing or empty has been reported already.
             if (!condition.message.empty() && !procedure.data.contains(condition.message))
-                found.Warning(condition.messagePosition, "there is no data entry '" + condition.message +
-                                                             "' at the beginning" +
-                                                             DidYouMean(condition.message, entries));
+                found.Warning(condition.messagePosition,
+                              "there is no data entry " + Quoted(condition.message) + " at the beginning" +
+                                  found.Suggest(condition.message, procedure.data));
         }
     }
 }
@@ -122,19 +122,16 @@ void CheckConditionNames(const Procedure& procedure, Diagnostics& found) {
 void CheckConditionParameters(const Procedure& procedure, Diagnostics& found) {
     if (procedure.engineFile && !procedure.engine)
         return; // It could not be read, which has been reported.
-    std::vector<std::string> ids;
-    if (procedure.engine) {
-        for (const auto& [id, parameter] : procedure.engine->parameters)
-            ids.push_back(id);
-    }
     for (const auto& [name, conditions] : procedure.conditions) {
         for (const Condition& condition : conditions) {
-            if (condition.kind == Condition::Kind::Parameter && !condition.subject.empty() &&
-                !(procedure.engine && procedure.engine->parameters.contains(condition.subject)))
-                found.Error(condition.position, procedure.engine
-                                                    ? "the engine has no parameter '" + condition.subject +
-                                                          "'" + DidYouMean(condition.subject, ids)
-                                                    : "a condition on a parameter needs an engine");
+            const std::string& id = condition.subject;
+            if (condition.kind != Condition::Kind::Parameter || id.empty())
+                continue;
+            if (!procedure.engine)
+                found.Error(condition.position, "a condition on a parameter needs an engine");
+            else if (!procedure.engine->parameters.contains(id))
+                found.Error(condition.position, "the engine has no parameter " + Quoted(id) +
+                                                    found.Suggest(id, procedure.engine->parameters));
         }
     }
 }

@@ -6,6 +6,7 @@
 #include "host/text/Suggestion.h"
 
 #include <array>
+#include <cmath>
 
 namespace vant::host {
 
@@ -16,9 +17,9 @@ const std::array<std::string, 6> protocolStepNames = {"GetProtocolSource", "GetA
                                                       "get_Kind"};
 constexpr std::int32_t lastProtocolKind = 6;
 
-class Reader : private TableReader {
+class EngineReader : private TableReader {
 public:
-    explicit Reader(Diagnostics& found) : TableReader(found), m_behaviours(found) {}
+    explicit EngineReader(Diagnostics& found) : TableReader(found), m_behaviours(found) {}
 
     EngineDescription Read(const toml::table& table) {
         CheckKeys(table, "an engine",
@@ -119,6 +120,11 @@ private:
             m_found.Error(PositionOf(*node), Quoted(key) + " must be a number, not " + KindOf(*node));
             return std::nullopt;
         }
+        if (!std::isfinite(node->value<double>().value_or(0))) {
+            m_found.Error(PositionOf(*node),
+                          Quoted(key) + " must be a finite number; leave it out if there is no limit");
+            return std::nullopt;
+        }
         if (!NumberIn(value)) {
             m_found.Error(PositionOf(*node), "only a parameter whose value is a number has limits");
             return std::nullopt;
@@ -180,16 +186,12 @@ private:
 } // namespace
 
 EngineDescription ReadEngine(std::string_view toml, Diagnostics& found) {
-    try {
-        return ReadEngineTable(toml::parse(toml), found);
-    } catch (const toml::parse_error& mistake) {
-        found.Error(PositionOf(mistake.source()), std::string(mistake.description()));
-        return {};
-    }
+    const std::optional<toml::table> root = ParseToml(toml, found);
+    return root ? ReadEngine(*root, found) : EngineDescription();
 }
 
-EngineDescription ReadEngineTable(const toml::table& table, Diagnostics& found) {
-    return Reader(found).Read(table);
+EngineDescription ReadEngine(const toml::table& table, Diagnostics& found) {
+    return EngineReader(found).Read(table);
 }
 
 } // namespace vant::host

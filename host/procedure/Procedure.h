@@ -27,7 +27,8 @@ struct Property {
 struct Command {
     Position position; ///< Of the command's id.
     Located className;
-    std::vector<Property> properties; ///< In the file's order.
+    std::vector<Property> properties;   ///< In the file's order.
+    std::vector<std::string> misread{}; ///< The names of further properties, whose values are mistakes.
 };
 
 /// How a procedure ended.

@@ -1,6 +1,6 @@
 #include "host/procedure/ProcedureNames.h"
 
-#include "host/text/Suggestion.h"
+#include "host/text/Printable.h"
 
 #include <set>
 #include <string>
@@ -9,15 +9,6 @@
 namespace vant::host {
 
 namespace {
-
-template <class Map>
-std::vector<std::string> NamesOf(const Map& map) {
-    std::vector<std::string> names;
-    names.reserve(map.size());
-    for (const auto& [name, value] : map)
-        names.push_back(name);
-    return names;
-}
 
 /// The steps that a step leads to by its own keys.
 std::vector<const Located*> TargetsOf(const Step& step) {
@@ -50,20 +41,19 @@ void WarnOfUnreachableSteps(const Procedure& procedure, Diagnostics& found) {
     }
     for (const auto& [id, step] : procedure.steps) {
         if (!reached.contains(id))
-            found.Warning(step.position, "nothing leads to step '" + id + "'");
+            found.Warning(step.position, "nothing leads to step " + Quoted(id));
     }
 }
 
 } // namespace
 
 void CheckNames(const Procedure& procedure, Diagnostics& found) {
-    const std::vector<std::string> steps = NamesOf(procedure.steps);
-    const std::vector<std::string> commands = NamesOf(procedure.commands);
     const auto checkStep = [&](const Located& name) {
         if (!procedure.steps.contains(name.text))
-            found.Error(name.position, "there is no step '" + name.text + "'" + DidYouMean(name.text, steps));
+            found.Error(name.position,
+                        "there is no step " + Quoted(name.text) + found.Suggest(name.text, procedure.steps));
     };
-    // A start that is missing altogether has been reported already.
+    // A start that is missing or empty has been reported already.
     if (!procedure.start.text.empty())
         checkStep(procedure.start);
     for (const auto& [id, step] : procedure.steps) {
@@ -71,8 +61,8 @@ void CheckNames(const Procedure& procedure, Diagnostics& found) {
             checkStep(*target);
         for (const Located& command : step.run) {
             if (!procedure.commands.contains(command.text))
-                found.Error(command.position, "there is no command '" + command.text + "'" +
-                                                  DidYouMean(command.text, commands));
+                found.Error(command.position, "there is no command " + Quoted(command.text) +
+                                                  found.Suggest(command.text, procedure.commands));
         }
     }
     if (!found.HasErrors())

@@ -6,13 +6,7 @@
 #include "host/procedure/TableReader.h"
 #include "host/text/Suggestion.h"
 
-#include <cerrno>
-#include <fstream>
 #include <set>
-#include <sstream>
-#include <stdexcept>
-#include <system_error>
-#include <toml++/toml.h>
 #include <utility>
 
 namespace vant::host {
@@ -20,16 +14,16 @@ namespace vant::host {
 namespace {
 
 /// Goes through the TOML tables and builds the procedure, noting each mistake and going on.
-class Reader : private TableReader {
+class ProcedureReader : private TableReader {
 public:
-    explicit Reader(Diagnostics& found) : TableReader(found) {}
+    explicit ProcedureReader(Diagnostics& found) : TableReader(found) {}
 
     Procedure Read(const toml::table& root) {
         CheckKeys(root, "a procedure",
                   {"name", "start", "data", "conditions", "components", "engine", "commands", "steps"});
-        if (const auto name = RequiredText(root, "name", {1, 1}))
+        if (const auto name = RequiredName(root, "name", {1, 1}))
             m_procedure.name = name->text;
-        if (auto start = RequiredText(root, "start", {1, 1}))
+        if (auto start = RequiredName(root, "start", {1, 1}))
             m_procedure.start = std::move(*start);
         ForEach(root, "data", [this](const toml::key& key, const toml::node& node) { ReadData(key, node); });
         ForEach(root, "conditions",
@@ -68,11 +62,13 @@ private:
         if (!table)
             return;
         CheckKeys(*table, "a command", {"class", "properties"});
-        if (auto className = RequiredText(*table, "class", command.position))
+        if (auto className = RequiredName(*table, "class", command.position))
             command.className = std::move(*className);
         ForEach(*table, "properties", [&](const toml::key& name, const toml::node& value) {
             if (auto text = Text(value, "property " + Quoted(name.str())))
                 command.properties.push_back({{std::string(name.str()), PositionOf(name)}, std::move(*text)});
+            else
+                command.misread.emplace_back(name.str());
         });
     }
 
@@ -107,11 +103,10 @@ private:
             return;
         const toml::array* const list = names->as_array();
         if (!list || list->empty()) {
-            m_found.Error(PositionOf(*names),
-                          "'properties' must be a list of property names" +
-                              (list ? std::string(", not an empty one; leave it out where "
-                                                  "the component accepts every property")
-                                    : std::string(", not ") + KindOf(*names)));
+            m_found.Error(PositionOf(*names), "'properties' must be a list of property names" +
+                                                  (list ? std::string(", not an empty one; leave it out if "
+                                                                      "the component accepts every property")
+                                                        : std::string(", not ") + KindOf(*names)));
             return;
         }
         for (const toml::node& each : *list) {
@@ -123,7 +118,7 @@ private:
     /// An engine stands in the procedure itself or in a file of its own.
     void ReadEngineKey(const toml::node& node) {
         if (node.is_table())
-            m_procedure.engine = ReadEngineTable(*node.as_table(), m_found);
+            m_procedure.engine = ReadEngine(*node.as_table(), m_found);
         else if (const auto file = node.value_exact<std::string>())
             m_procedure.engineFile = Located{*file, PositionOf(node)};
         else
@@ -198,39 +193,16 @@ private:
 
 } // namespace
 
-std::string ReadFile(const std::filesystem::path& file) {
-    const auto fail = [](std::errc code) { throw std::runtime_error(std::make_error_code(code).message()); };
-    if (std::filesystem::is_directory(file))
-        fail(std::errc::is_a_directory);
-    errno = 0;
-    std::ifstream in(file, std::ios::binary);
-    if (!in)
-        fail(errno != 0 ? static_cast<std::errc>(errno) : std::errc::io_error);
-    std::ostringstream content;
-    if (in.peek() != std::ifstream::traits_type::eof())
-        content << in.rdbuf();
-    if (in.bad() || content.bad())
-        fail(std::errc::io_error);
-    return std::move(content).str();
-}
-
-std::string FileName(const std::filesystem::path& file) {
-    // Not by way of generic_wstring, which takes characters beyond ASCII in some locales only.
-    const std::u8string name = file.generic_u8string();
-    return {name.begin(), name.end()};
+Procedure ReadProcedure(const toml::table& root, Diagnostics& found) {
+    Procedure procedure = ProcedureReader(found).Read(root);
+    CheckConditionNames(procedure, found);
+    CheckNames(procedure, found);
+    return procedure;
 }
 
 Procedure ReadProcedure(std::string_view toml, Diagnostics& found) {
-    try {
-        const toml::table root = toml::parse(toml);
-        Procedure procedure = Reader(found).Read(root);
-        CheckConditionNames(procedure, found);
-        CheckNames(procedure, found);
-        return procedure;
-    } catch (const toml::parse_error& mistake) {
-        found.Error(PositionOf(mistake.source()), std::string(mistake.description()));
-        return {};
-    }
+    const std::optional<toml::table> root = ParseToml(toml, found);
+    return root ? ReadProcedure(*root, found) : Procedure();
 }
 
 } // namespace vant::host

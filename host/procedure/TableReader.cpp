@@ -6,22 +6,6 @@
 
 namespace vant::host {
 
-Position PositionOf(const toml::source_region& region) {
-    return {std::max(region.begin.line, 1U), std::max(region.begin.column, 1U)};
-}
-
-Position PositionOf(const toml::key& key) {
-    return PositionOf(key.source());
-}
-
-Position PositionOf(const toml::node& node) {
-    return PositionOf(node.source());
-}
-
-std::string Quoted(std::string_view text) {
-    return std::string(1, '\'').append(text).append(1, '\'');
-}
-
 const char* KindOf(const toml::node& node) {
     switch (node.type()) {
     case toml::node_type::table:
@@ -82,6 +66,21 @@ std::optional<Located> TableReader::RequiredText(const toml::table& table, std::
     if (!table.contains(key))
         m_found.Error(owner, Quoted(key) + " is missing");
     return OptionalText(table, key);
+}
+
+std::optional<Located> TableReader::OptionalName(const toml::table& table, std::string_view key) {
+    auto name = OptionalText(table, key);
+    if (!name || !name->text.empty())
+        return name;
+    m_found.Error(name->position, Quoted(key) + " is empty");
+    return std::nullopt;
+}
+
+std::optional<Located> TableReader::RequiredName(const toml::table& table, std::string_view key,
+                                                 Position owner) {
+    if (!table.contains(key))
+        m_found.Error(owner, Quoted(key) + " is missing");
+    return OptionalName(table, key);
 }
 
 std::optional<Value> TableReader::Scalar(const toml::node& node, const std::string& what) {

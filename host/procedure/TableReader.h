@@ -1,23 +1,18 @@
 #pragma once
 
 #include "host/procedure/Procedure.h"
+#include "host/procedure/Toml.h"
 #include "host/text/Diagnostic.h"
+#include "host/text/Printable.h"
 
 #include <algorithm>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <toml++/toml.h>
 #include <utility>
 #include <vector>
 
 namespace vant::host {
-
-Position PositionOf(const toml::source_region& region);
-Position PositionOf(const toml::key& key);
-Position PositionOf(const toml::node& node);
-
-std::string Quoted(std::string_view text);
 
 /// What a value is, as messages name it.
 const char* KindOf(const toml::node& node);
@@ -55,6 +50,9 @@ protected:
     std::optional<Located> OptionalText(const toml::table& table, std::string_view key);
     /// `owner` is where a missing key is reported.
     std::optional<Located> RequiredText(const toml::table& table, std::string_view key, Position owner);
+    /// As the two above, for names: an empty one is a mistake, too.
+    std::optional<Located> OptionalName(const toml::table& table, std::string_view key);
+    std::optional<Located> RequiredName(const toml::table& table, std::string_view key, Position owner);
     /// A string, a number, true or false; `what` names it.
     std::optional<Value> Scalar(const toml::node& node, const std::string& what);
 

@@ -5,13 +5,6 @@
 
 namespace vant::host {
 
-std::vector<std::string> ClassNames() {
-    std::vector<std::string> names;
-    for (const ClassRow& row : classTable)
-        names.push_back(ToUtf8(row.name));
-    return names;
-}
-
 Module::Module(const std::filesystem::path& file)
     : m_library(file), m_getClassObject(m_library.Find<GetClassObjectFunction>("DllGetClassObject")),
       m_canUnloadNow(m_library.Find<PlainFunction>("DllCanUnloadNow")) {}
@@ -26,7 +19,10 @@ HRESULT Module::Create(std::string_view className, CComPtr<IVantCommand>& comman
             m_getClassObject(*row.classId, IID_IClassFactory, reinterpret_cast<void**>(&factory));
         if (FAILED(code))
             return code;
-        return factory->CreateInstance(nullptr, IID_IVantCommand, reinterpret_cast<void**>(&command));
+        return factory ? CheckGiven(factory->CreateInstance(nullptr, IID_IVantCommand,
+                                                            reinterpret_cast<void**>(&command)),
+                                    command)
+                       : E_UNEXPECTED;
     }
     return CLASS_E_CLASSNOTAVAILABLE;
 }

@@ -5,14 +5,9 @@
 #include "platform/system.h"
 
 #include <filesystem>
-#include <string>
 #include <string_view>
-#include <vector>
 
 namespace vant::host {
-
-/// The names of all command classes, whether the module has them yet or not.
-std::vector<std::string> ClassNames();
 
 /// The module of the command classes, loaded for as long as this object lives and used through its exported
 /// entry points alone.

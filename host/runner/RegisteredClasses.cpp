@@ -1,7 +1,7 @@
 #include "host/runner/RegisteredClasses.h"
 
 #include "framework/interfaces/ClassIds.h"
-#include "host/runner/Module.h"
+#include "host/procedure/ClassReport.h"
 #include "platform/ClassRegistration.h"
 #include "platform/Clock.h"
 #include "platform/Utf8.h"
@@ -35,8 +35,9 @@ HRESULT RegisteredClasses::Create(std::string_view className, CComPtr<IVantComma
     CLSID classId = {};
     if (FAILED(CLSIDFromProgID(ProgIdOf(ToWide(className)).c_str(), &classId)))
         return REGDB_E_CLASSNOTREG;
-    const HRESULT code = CoCreateInstance(classId, nullptr, CLSCTX_INPROC_SERVER, IID_IVantCommand,
-                                          reinterpret_cast<void**>(&command));
+    const HRESULT code = CheckGiven(CoCreateInstance(classId, nullptr, CLSCTX_INPROC_SERVER, IID_IVantCommand,
+                                                     reinterpret_cast<void**>(&command)),
+                                    command);
     if (SUCCEEDED(code))
         TakeTimeFromHere(
             *reinterpret_cast<void**>(command.Get())); // The table of its operations lies in the module.

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "host/text/Suggestion.h"
+
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -19,29 +22,50 @@ struct Position {
 
 enum class Severity { Error, Warning };
 
-/// Something to say about a procedure file.
+/// A message about a place in a file.
 struct Diagnostic {
     Position position;
     Severity severity = Severity::Error;
     std::string message;
 
-    /// "FILE:LINE:COLUMN: error: MESSAGE" (or "warning").
+    /// "FILE:LINE:COLUMN: error: MESSAGE" (or "warning"), with control characters written out.
     std::string Text(std::string_view file) const;
 };
 
-/// What is to be said about one file.
+/// The messages about one file.
 class Diagnostics {
 public:
+    /// So many messages are printed; the rest is counted.
+    static constexpr std::size_t mostPrinted = 100;
+    /// So many names are suggested: each one is looked for among all names of its kind.
+    static constexpr std::size_t mostSuggestions = 20;
+
     void Error(Position position, std::string message);
     void Warning(Position position, std::string message);
 
-    bool HasErrors() const noexcept { return m_hasErrors; }
+    bool HasErrors() const noexcept { return m_errors != 0; }
     /// In the order of the file.
     std::vector<Diagnostic> Sorted() const;
+    /// One line for each message, in the order of the file, up to `mostPrinted`; a last line counts the rest.
+    std::string Print(std::string_view file) const;
+
+    /// DidYouMean with the keys of a map; an empty text after `mostSuggestions` calls.
+    template <class Map>
+    std::string Suggest(std::string_view written, const Map& map) {
+        if (m_suggestions == mostSuggestions)
+            return {};
+        ++m_suggestions;
+        std::vector<std::string> names;
+        names.reserve(map.size());
+        for (const auto& [name, value] : map)
+            names.push_back(name);
+        return DidYouMean(written, names);
+    }
 
 private:
     std::vector<Diagnostic> m_all;
-    bool m_hasErrors = false;
+    std::size_t m_errors = 0;
+    std::size_t m_suggestions = 0;
 };
 
 } // namespace vant::host

@@ -38,6 +38,10 @@ std::string Printable(std::string_view utf8) {
     return result;
 }
 
+std::string Quoted(std::string_view text) {
+    return std::string(1, '\'').append(text).append(1, '\'');
+}
+
 std::size_t WidthOf(std::string_view utf8) {
     return static_cast<std::size_t>(
         std::count_if(utf8.begin(), utf8.end(), [](char each) { return (each & 0xC0) != 0x80; }));

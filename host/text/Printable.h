@@ -10,6 +10,9 @@ namespace vant::host {
 /// and tells a terminal nothing. Takes UTF-8; everything else stays.
 std::string Printable(std::string_view utf8);
 
+/// A text in single quotes, as messages name things.
+std::string Quoted(std::string_view text);
+
 /// The characters of a UTF-8 text, for columns.
 std::size_t WidthOf(std::string_view utf8);
 

@@ -3,7 +3,9 @@
 
 #include "framework/interfaces/ClassProperties.h"
 #include "framework/interfaces/VantCommand.h"
+#include "host/procedure/ClassReport.h"
 #include "host/procedure/ProcedureReader.h"
+#include "host/procedure/PropertyCheck.h"
 #include "host/runner/CommandCheck.h"
 #include "host/runner/Module.h"
 #include "platform/Process.h"

@@ -124,7 +124,7 @@ TEST(ProceduresDocument, Events_AreThoseOfTheRunner) {
 }
 
 TEST(ProceduresDocument, ExitCodes_AreThoseOfTheProgram) {
-    const Words declared = Matches(ReadProjectFile("vant/Run.h"), std::regex(R"( = (\d+)[,} ])"));
+    const Words declared = Matches(ReadProjectFile("vant/ExitCode.h"), std::regex(R"( = (\d+)[,} ])"));
     EXPECT_EQ(FirstColumn("docs/procedures.md", "exit code"), declared);
 }
 
@@ -135,7 +135,7 @@ TEST(Documents, Program_IsDescribedWithEveryCommandAndOption) {
     const std::string program = ReadProjectFile("vant/main.cpp");
     Words wanted = Matches(program, std::regex(R"re("(--[a-z]+)")re"));
     for (const std::string& name :
-         Matches(program, std::regex(R"re((?:add_subcommand|addRegistration)\("(\w+)")re")))
+         Matches(program, std::regex(R"re((?:add_subcommand\(|AddRegistration\(app, result, )"(\w+)")re")))
         wanted.insert("vant " + name);
     EXPECT_GE(wanted.size(), 15U);
     for (const std::string& each : wanted)

@@ -19,13 +19,11 @@ Engine::Engine(const std::map<std::string, EngineParameter>& parameters, std::ui
         m_parameters.try_emplace(id, id, description, seed);
     for (auto& [id, parameter] : m_parameters)
         parameter.Connect(m_parameters);
-    for (LiveParameter* const parameter : InOrder()) {
-        parameter->FindMoves();
+    m_order = InOrder();
+    for (LiveParameter* const parameter : m_order) {
         parameter->AddSchedule(m_schedule);
-        if (parameter->HasInertia()) {
+        if (parameter->HasInertia())
             m_inert.push_back(parameter);
-            m_moves = m_moves || parameter->InputMoves();
-        }
     }
     for (std::int64_t& time : m_schedule)
         time = (time + engineStep - 1) / engineStep;
@@ -113,6 +111,14 @@ std::int64_t Engine::NextChange() const {
 void Engine::TakeInputs() const {
     for (LiveParameter* const each : m_inert)
         each->TakeInput(m_step, m_writes);
+    m_moves = AnyInputMoves();
+}
+
+bool Engine::AnyInputMoves() const {
+    for (LiveParameter* const each : m_order)
+        each->FindMoves(m_step);
+    return std::any_of(m_inert.begin(), m_inert.end(),
+                       [](const LiveParameter* each) { return each->InputMoves(); });
 }
 
 } // namespace vant::host

@@ -41,21 +41,24 @@ public:
     std::optional<EngineError> Write(const std::string& id, Value value);
 
 private:
-    /// The parameters, each behind all that it follows.
+    /// The parameters, each after all that it follows.
     std::vector<LiveParameter*> InOrder();
     /// Milliseconds since the engine began; every input that has changed until then has been taken.
     std::int64_t Advance() const;
     /// The step after m_step at which an input changes by itself.
     std::int64_t NextChange() const;
     void TakeInputs() const;
+    /// Whether an input of m_inert may change after m_step, other than at scheduled times and with writes.
+    bool AnyInputMoves() const;
 
     const TimeSource m_clock;
     const std::int64_t m_began;
     mutable std::mutex m_access;
     mutable std::map<std::string, LiveParameter> m_parameters; ///< Reads count, and bring them up to date.
+    std::vector<LiveParameter*> m_order;                       ///< Each after all that it follows.
     std::vector<LiveParameter*> m_inert;                       ///< Those whose past counts.
     std::vector<std::int64_t> m_schedule; ///< The steps at which inputs change by themselves, in order.
-    bool m_moves = false;                 ///< Whether inputs of m_inert may change all the time.
+    mutable bool m_moves = false;         ///< Whether inputs move, since they were taken last.
     mutable std::int64_t m_step = 0;      ///< Up to which inputs have been taken.
     std::uint64_t m_writes = 0;
 };

@@ -23,6 +23,9 @@ public:
     /// The number at a step, which is not before the last change of the input.
     double At(std::int64_t step) const noexcept;
 
+    /// Whether the number stays what it is at a step for as long as the input does.
+    bool IsSettled(std::int64_t step) const noexcept { return At(step) == m_input; }
+
     /// From this step on, not before an earlier one, the number follows `input`. Both are finite.
     void Follow(double input, std::int64_t step) noexcept;
 

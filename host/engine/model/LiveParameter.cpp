@@ -89,10 +89,14 @@ void LiveParameter::Write(Value value, std::uint64_t order) {
     m_writtenAs = order;
 }
 
-void LiveParameter::FindMoves() {
-    const auto moves = [](const LiveParameter* each) { return each->HasInertia() || each->InputMoves(); };
-    m_inputMoves = m_description.behaviour && (m_description.behaviour->ramp ||
-                                               std::any_of(m_followed.begin(), m_followed.end(), moves));
+void LiveParameter::FindMoves(std::int64_t step) {
+    const auto moves = [step](const LiveParameter* each) {
+        return each->InputMoves() || (each->m_inertia && !each->m_inertia->IsSettled(step));
+    };
+    const auto& behaviour = m_description.behaviour;
+    const bool rises =
+        behaviour && behaviour->ramp && step * engineStep < behaviour->ramp->at + behaviour->ramp->over;
+    m_inputMoves = rises || std::any_of(m_followed.begin(), m_followed.end(), moves);
 }
 
 void LiveParameter::AddSchedule(std::vector<std::int64_t>& times) const {

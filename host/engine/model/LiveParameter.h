@@ -46,9 +46,9 @@ public:
 
     /// Whether the past counts: whether there is anything to follow step by step.
     bool HasInertia() const noexcept { return m_inertia.has_value(); }
-    /// Finds out, after all parameters that this one follows have done so, whether the input moves.
-    void FindMoves();
-    /// Whether the input may change from step to step, rather than at scheduled times and with writes alone.
+    /// Finds out, after all parameters that this one follows have done so, whether the input may change after
+    /// a step, other than at scheduled times and with writes.
+    void FindMoves(std::int64_t step);
     bool InputMoves() const noexcept { return m_inputMoves; }
     /// The times at which the input changes by itself.
     void AddSchedule(std::vector<std::int64_t>& times) const;

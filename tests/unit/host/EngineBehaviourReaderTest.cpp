@@ -107,7 +107,7 @@ TEST(EngineBehaviourReader, ReferenceToNothing_IsReportedWithASuggestion) {
 
 TEST(EngineBehaviourReader, ReferenceThatNothingCanFollow_IsReported) {
     EXPECT_EQ(Said("[parameters.b]\nvalue = '1'\n[parameters.a]\nvalue = 1\nbehaviour.follows = 'b'\n"),
-              "e:5:21: error: the value of 'b' is no number, so nothing can follow it\n");
+              "e:5:21: error: the value of 'b' is not a number, so nothing can follow it\n");
     EXPECT_EQ(Said("[parameters.b]\nvalue = 1\nbehaviour.sequence = [1]\n[parameters.a]\nvalue = 1\n"
                    "behaviour.follows = 'b'\n"),
               "e:6:21: error: 'b' changes when it is read, so nothing can follow it: give it 'every'\n");
@@ -152,7 +152,8 @@ TEST(EngineBehaviourReader, NumbersThatCannotBe_AreReported) {
     EXPECT_EQ(SaidOf("1.0", "lag = 0"), "e:3:21: error: 'lag' must be above 0\n");
     EXPECT_EQ(SaidOf("1.0", "rate = -1"), "e:3:22: error: 'rate' must be above 0\n");
     EXPECT_EQ(SaidOf("1.0", "noise = '8'"), "e:3:23: error: 'noise' must be a number, not a string\n");
-    EXPECT_EQ(SaidOf("1.0", "noise = inf"), "e:3:23: error: 'noise' must be a number, not an endless one\n");
+    EXPECT_EQ(SaidOf("1.0", "noise = inf"),
+              "e:3:23: error: 'noise' must be a number, not nan or an infinite one\n");
     EXPECT_EQ(SaidOf("1.0", "decimals = 10"),
               "e:3:26: error: 'decimals' must be a whole number from 0 to 9\n");
     EXPECT_EQ(SaidOf("1.0", "decimals = 1.0"),
@@ -226,6 +227,28 @@ TEST(EngineBehaviourReader, WrongFailures_AreReported) {
     EXPECT_EQ(said("{ from = 'x' }"), "e:3:18: error: 'from' must be a number, not a string\n");
     EXPECT_EQ(said("{ read = 0 }"),
               "e:3:18: error: 'read' must be a whole number above 0: 1 is the first read\n");
+}
+
+TEST(EngineBehaviourReader, ManyParametersThatFollowOneAnother_AreReadInTime) {
+    std::string toml = "[parameters]\np0.value = 1\n";
+    for (int i = 1; i < 30000; ++i)
+        toml += "p" + std::to_string(i) + " = { value = 1, behaviour = { follows = 'p" +
+                std::to_string(i - 1) + "' } }\n";
+    Diagnostics found;
+    EXPECT_EQ(ReadEngine(toml, found).parameters.size(), 30000U);
+    EXPECT_FALSE(found.HasErrors());
+}
+
+TEST(EngineBehaviourReader, EveryReferenceOnACircle_IsReported) {
+    Diagnostics found;
+    ReadEngine("[parameters]\na = { value = 1, behaviour = { follows = 'b' } }\n"
+               "b = { value = 1, behaviour = { follows = ['c', 'd'] } }\n"
+               "c = { value = 1, behaviour = { follows = 'a' } }\n"
+               "d = { value = 1 }\ne = { value = 1, behaviour = { follows = 'a' } }\n",
+               found);
+    EXPECT_EQ(found.Print("f"), "f:2:42: error: 'a' follows itself through 'b'\n"
+                                "f:3:43: error: 'b' follows itself through 'c'\n"
+                                "f:4:42: error: 'c' follows itself through 'a'\n");
 }
 
 } // namespace

@@ -469,6 +469,58 @@ TEST_F(LivelyEngineTest, ReadersAndWritersOnManyThreads_SeeNumbersWithinTheirBou
         thread.join();
 }
 
+EngineParameter Follower(std::vector<std::string> followed) {
+    EngineParameter parameter;
+    parameter.value = 0.0;
+    parameter.behaviour.emplace().follows = std::move(followed);
+    return parameter;
+}
+
+TEST(EngineOfManyParameters, LevelsThatFollowTwoEach_AreReadInTime) {
+    std::map<std::string, EngineParameter> parameters;
+    parameters["a0"].value = parameters["b0"].value = 2.0;
+    for (int level = 1; level <= 60; ++level) {
+        const std::string below = std::to_string(level - 1);
+        parameters["a" + std::to_string(level)] = Follower({"a" + below, "b" + below});
+        parameters["b" + std::to_string(level)] = Follower({"a" + below, "b" + below});
+        parameters["b" + std::to_string(level)].behaviour->lag = 1;
+    }
+    Engine engine(parameters, 0, [] { return 1000; });
+    EXPECT_EQ(std::get<Reading>(engine.Read("a60")).value, Value(2.0));
+}
+
+TEST(EngineOfManyParameters, LongChain_IsReadInTime) {
+    constexpr int length = 30000;
+    std::map<std::string, EngineParameter> parameters;
+    parameters["0"].value = 2.0;
+    for (int i = 1; i < length; ++i) {
+        EngineParameter& parameter = parameters[std::to_string(i)] = Follower({std::to_string(i - 1)});
+        if (i % 100 == 0)
+            parameter.behaviour->lag = 0.5;
+    }
+    std::int64_t now = 0;
+    Engine engine(parameters, 0, [&now] { return now; });
+    EXPECT_EQ(std::get<Reading>(engine.Read(std::to_string(length - 1))).value, Value(0.0));
+    EXPECT_EQ(std::get<Reading>(engine.Read("99")).value, Value(2.0));
+    EXPECT_FALSE(engine.Write("0", 3.0).has_value());
+    now = 50;
+    EXPECT_EQ(std::get<Reading>(engine.Read("99")).value, Value(3.0));
+}
+
+TEST(EngineOverManyHours, InputThatNoLongerMoves_CostsNothing) {
+    EngineParameter ramped;
+    ramped.value = 0.0;
+    ramped.behaviour.emplace().ramp = Ramp{0, 100, 0, 1003};
+    std::map<std::string, EngineParameter> parameters = {{"ramp", ramped}, {"lagging", Follower({"ramp"})}};
+    parameters["lagging"].behaviour->lag = 2;
+    std::int64_t now = 0;
+    Engine engine(parameters, 0, [&now] { return now; });
+    now = 1010; // The ramp has ended between two of the steps at which inputs are taken.
+    engine.Read("lagging");
+    now = 300'000'000'000; // Ten years.
+    EXPECT_EQ(std::get<Reading>(engine.Read("lagging")).value, Value(100.0));
+}
+
 } // namespace
 
 } // namespace vant::host

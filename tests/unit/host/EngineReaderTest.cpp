@@ -202,7 +202,7 @@ TEST(EngineReader, WrongComponents_AreReported) {
               "e:4:31: error: 'properties' must be a list of property names, not a string\n");
     EXPECT_EQ(SaidOfProcedure("components.gauge.properties = []\n"),
               "e:4:31: error: 'properties' must be a list of property names, not an empty one; leave it out "
-              "where the component accepts every property\n");
+              "if the component accepts every property\n");
     EXPECT_EQ(SaidOfProcedure("components.gauge.properties = [1]\n"),
               "e:4:32: error: a property name must be a string, not a number: write it in quotes\n");
 }

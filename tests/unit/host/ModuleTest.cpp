@@ -1,4 +1,5 @@
 #include "framework/interfaces/ClassIds.h"
+#include "host/procedure/ClassReport.h"
 #include "platform/Utf8.h"
 #include "tests/unit/host/BuiltModule.h"
 

@@ -1,8 +1,7 @@
 #include "host/procedure/ProcedureReader.h"
 
-#include <filesystem>
 #include <gtest/gtest.h>
-#include <stdexcept>
+#include <string>
 
 namespace vant::host {
 
@@ -202,9 +201,27 @@ TEST(ProcedureReader, LinesThatEndWithCarriageReturns_AreCountedOnce) {
               "f:2:9: error: there is no step 'x'\n");
 }
 
-TEST(ReadFile, MissingFileOrFolder_ThrowsTheReason) {
-    EXPECT_THROW(ReadFile("no such file"), std::runtime_error);
-    EXPECT_THROW(ReadFile(std::filesystem::temp_directory_path()), std::runtime_error);
+TEST(ProcedureReader, EmptyNames_AreToldFromMissingOnes) {
+    EXPECT_EQ(Said("name = ''\nstart = ''\n[steps.s]\nend = 'passed'\n"),
+              "f:1:8: error: 'name' is empty\nf:2:9: error: 'start' is empty\n");
+    EXPECT_EQ(Said("[steps.s]\nend = 'passed'\n"),
+              "f:1:1: error: 'name' is missing\nf:1:1: error: 'start' is missing\n");
+    EXPECT_EQ(Said(With("[conditions.set]\nall = [{ parameter = '', atLeast = 1, message = '' },\n"
+                        "{ data = '', is = 1, message = 'm' }]\n[data]\nm = ''\n")),
+              "f:6:22: error: 'parameter' is empty\nf:6:49: error: 'message' is empty\n"
+              "f:7:10: error: 'data' is empty\n");
+}
+
+TEST(ProcedureReader, BoundsThatAreNotFinite_AreRefused) {
+    for (const std::string bound : {"nan", "inf", "-inf"}) {
+        for (const std::string comparison : {"is", "isNot", "below", "above", "atLeast", "atMost"}) {
+            const std::string said = Said(With("[conditions]\ns.all = [{ data = 'd', message = 'm', " +
+                                               comparison + " = " + bound + " }]\n[data]\nm = ''\nd = 1\n"));
+            EXPECT_NE(said.find("must be a finite number; leave the condition out if there is no bound"),
+                      std::string::npos)
+                << comparison;
+        }
+    }
 }
 
 } // namespace

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "host/engine/model/EngineDescription.h"
+#include "platform/system.h"
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace vant::host {
+
+/// A write of a text at a time, in milliseconds since the engine began.
+struct TimedWrite {
+    std::string id;
+    std::string value;
+    std::int64_t time = 0;
+};
+
+/// How an engine refuses a write; S_OK if it takes it. That depends on nothing that happens before.
+HRESULT TryWrite(const EngineDescription& description, const TimedWrite& write);
+
+/// The values of all parameters at a time, in the order of their ids; nothing for one whose read fails.
+struct EngineRow {
+    std::int64_t time = 0; ///< Milliseconds since the engine began.
+    std::vector<std::optional<Value>> values;
+};
+
+/// Lets an engine run by itself, without waiting: calls `take` with a row at time 0 and after every `every`
+/// milliseconds, up to `duration`, until it returns false. `writes` are in the order of time; refused ones
+/// have no effect.
+void SimulateEngine(const EngineDescription& description, std::int64_t duration, std::int64_t every,
+                    const std::vector<TimedWrite>& writes, const std::function<bool(EngineRow)>& take);
+
+} // namespace vant::host

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "host/record/Json.h"
+
+#include <string>
+#include <vector>
+
+namespace vant::host {
+
+/// The names of all command classes, in the order of the class table.
+std::vector<std::string> ClassNames();
+
+/// A class and what its properties mean, as lines of text.
+std::string DescribeClass(const std::string& name);
+
+/// {"class": NAME, "properties": [{"name": NAME, "alternative": NAME or null, "required": TRUTH, "kind":
+/// KIND,
+///   "holds": KIND or null, "words": [WORD], "meaning": TEXT}]}; the kinds as in `vant classes`.
+Json ClassToJson(const std::string& name);
+
+} // namespace vant::host

@@ -1,0 +1,57 @@
+#pragma once
+
+#include "host/engine/model/EngineDescription.h"
+#include "host/procedure/Procedure.h"
+#include "host/text/Diagnostic.h"
+
+#include <list>
+#include <optional>
+#include <string>
+
+namespace vant::host {
+
+/// A file that was read, and the messages about it.
+struct LoadedFile {
+    std::string name; ///< In UTF-8, as messages begin with it.
+    Diagnostics found;
+};
+
+/// The files of one procedure or engine.
+class LoadedFiles {
+public:
+    /// The first file that was named, a procedure or an engine.
+    LoadedFile& Main() noexcept { return m_files.front(); }
+    LoadedFile& Add(std::string name) { return m_files.emplace_back(LoadedFile{std::move(name), {}}); }
+    const std::list<LoadedFile>& All() const noexcept { return m_files; }
+
+    bool HasErrors() const;
+    /// All messages, file by file, as lines of text.
+    std::string Print() const;
+
+private:
+    std::list<LoadedFile> m_files;
+};
+
+struct LoadedProcedure {
+    /// Whole only if the files have no errors; with the engine that it is to run on.
+    Procedure procedure;
+    LoadedFiles files; ///< The procedure's file, then the engine's if that has one of its own.
+};
+
+/// Reads a procedure and the engine that it runs on: the one in `engineFile` unless that is empty, else the
+/// procedure's own or the one in the file that the procedure names. All mistakes of all files are found.
+/// Throws InputError, with the file's name, if the procedure or `engineFile` cannot be read. File names in
+/// UTF-8.
+LoadedProcedure LoadProcedure(const std::string& file, const std::string& engineFile);
+
+struct LoadedEngine {
+    std::optional<EngineDescription>
+        engine; ///< Nothing if the procedure has none; whole only without errors.
+    LoadedFiles files;
+};
+
+/// Reads an engine from its own file, or from a procedure that has one or names its file. Throws InputError
+/// as LoadProcedure does.
+LoadedEngine LoadEngine(const std::string& file);
+
+} // namespace vant::host

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+namespace vant::host {
+
+/// The longest duration, in milliseconds: some thirty years.
+inline constexpr std::int64_t longestDuration = 1'000'000'000'000;
+
+/// A duration such as "250ms", "1.5s", "10min" or "1h", in whole milliseconds; nothing for any other text,
+/// and for one that is negative or longer than `longestDuration`.
+std::optional<std::int64_t> ParseDuration(std::string_view text);
+
+} // namespace vant::host

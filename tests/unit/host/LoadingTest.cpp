@@ -1,0 +1,85 @@
+#include "host/procedure/Loading.h"
+
+#include "host/procedure/InputFile.h"
+
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+
+namespace vant::host {
+
+namespace {
+
+class LoadingTest : public ::testing::Test {
+protected:
+    LoadingTest() {
+        std::filesystem::remove_all(m_folder);
+        std::filesystem::create_directories(m_folder);
+    }
+    ~LoadingTest() override { std::filesystem::remove_all(m_folder); }
+
+    std::string Write(const std::string& name, const std::string& content) {
+        const std::filesystem::path file = m_folder / name;
+        std::ofstream(file, std::ios::binary) << content;
+        return FileName(file);
+    }
+
+    const std::filesystem::path m_folder =
+        std::filesystem::path(::testing::TempDir()) /
+        (std::string("vant_loading_") + ::testing::UnitTest::GetInstance()->current_test_info()->name());
+    const std::string m_procedure = "name = 'n'\nstart = 's'\n[steps.s]\nend = 'passed'\n";
+};
+
+TEST_F(LoadingTest, Procedure_ComesWithTheEngineThatItNames) {
+    Write("e.toml", "[parameters.100]\nvalue = 1\n");
+    const LoadedProcedure loaded = LoadProcedure(Write("p.toml", "engine = 'e.toml'\n" + m_procedure), "");
+    EXPECT_EQ(loaded.files.Print(), "");
+    EXPECT_TRUE(loaded.procedure.engine->parameters.contains("100"));
+    EXPECT_EQ(loaded.files.All().size(), 2U);
+}
+
+TEST_F(LoadingTest, NamedEngine_TakesThePlaceOfTheOwnOne) {
+    const std::string engine = Write("other.toml", "[parameters.200]\nvalue = 1\n");
+    const LoadedProcedure loaded =
+        LoadProcedure(Write("p.toml", m_procedure + "[engine.parameters.100]\nvalue = 1\n"), engine);
+    EXPECT_EQ(loaded.files.Print(), "");
+    EXPECT_TRUE(loaded.procedure.engine->parameters.contains("200"));
+    EXPECT_FALSE(loaded.procedure.engine->parameters.contains("100"));
+}
+
+TEST_F(LoadingTest, MistakesOfAllFiles_AreFoundTogether) {
+    Write("e.toml", "protocol = 7\n");
+    const std::string file =
+        Write("p.toml", "engine = 'e.toml'\n" + m_procedure + "[commands.c]\nclass = 'X'\n");
+    const LoadedProcedure loaded = LoadProcedure(file, "");
+    EXPECT_TRUE(loaded.files.HasErrors());
+    EXPECT_EQ(loaded.files.Print(), file + ":7:9: error: there is no class 'X'\n" +
+                                        FileName(m_folder / "e.toml") +
+                                        ":1:12: error: 'protocol' must be a whole number from 0 to 6\n");
+}
+
+TEST_F(LoadingTest, EngineThatCannotBeRead_IsAMistakeOfTheProcedure) {
+    const std::string file = Write("p.toml", "engine = 'none.toml'\n" + m_procedure);
+    const LoadedProcedure loaded = LoadProcedure(file, "");
+    EXPECT_EQ(loaded.files.Print().find(file + ":1:10: error: cannot read the engine 'none.toml': "), 0U);
+}
+
+TEST_F(LoadingTest, FileThatCannotBeRead_Throws) {
+    EXPECT_THROW(LoadProcedure("no such file", ""), InputError);
+    EXPECT_THROW(LoadProcedure(Write("p.toml", m_procedure), "no such file"), InputError);
+    EXPECT_THROW(LoadEngine("no such file"), InputError);
+}
+
+TEST_F(LoadingTest, Engine_IsReadFromItsFileOrFromAProcedure) {
+    const std::string engine = "[parameters.100]\nvalue = 1\n";
+    EXPECT_TRUE(LoadEngine(Write("e.toml", engine)).engine->parameters.contains("100"));
+    EXPECT_TRUE(
+        LoadEngine(Write("p.toml", "engine = 'e.toml'\n" + m_procedure)).engine->parameters.contains("100"));
+    EXPECT_FALSE(LoadEngine(Write("q.toml", m_procedure)).engine.has_value());
+    const LoadedEngine wrong = LoadEngine(Write("w.toml", "parameters = 1\n"));
+    EXPECT_TRUE(wrong.files.HasErrors());
+}
+
+} // namespace
+
+} // namespace vant::host

@@ -1,0 +1,114 @@
+#include "vant/EngineTable.h"
+
+#include "host/text/Printable.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cstddef>
+#include <utility>
+#include <variant>
+
+namespace vant::program {
+
+using namespace host;
+
+namespace {
+
+using Cells = std::vector<std::string>;
+
+std::string NumberText(double number) {
+    std::array<char, 32> text{};
+    const auto end = std::to_chars(text.data(), text.data() + text.size(), number);
+    return std::string(text.data(), end.ptr);
+}
+
+struct CellMaker {
+    std::string operator()(std::nullptr_t) const { return {}; }
+    std::string operator()(bool truth) const { return truth ? "true" : "false"; }
+    std::string operator()(std::int64_t number) const { return std::to_string(number); }
+    std::string operator()(double number) const { return NumberText(number); }
+    std::string operator()(const std::string& text) const { return text; }
+};
+
+/// The seconds, then every parameter; `failed` for a read that fails.
+Cells CellsOf(const EngineRow& row, const char* failed) {
+    Cells cells = {NumberText(static_cast<double>(row.time) / 1000)};
+    for (const std::optional<Value>& value : row.values)
+        cells.push_back(value ? std::visit(CellMaker{}, *value) : failed);
+    return cells;
+}
+
+Cells IdCells(const EngineDescription& engine) {
+    Cells ids = {"seconds"};
+    for (const auto& [id, parameter] : engine.parameters)
+        ids.push_back(id);
+    return ids;
+}
+
+void PrintCsv(std::ostream& out, const Cells& cells) {
+    const char* separator = "";
+    for (const std::string& cell : cells) {
+        out << std::exchange(separator, ",");
+        if (cell.find_first_of(",\"\r\n") == std::string::npos) {
+            out << cell;
+            continue;
+        }
+        out << '"';
+        for (const char each : cell)
+            out << (each == '"' ? "\"" : "") << each;
+        out << '"';
+    }
+    out << '\n';
+}
+
+} // namespace
+
+EngineTable::EngineTable(const EngineDescription& engine) {
+    Cells names = {""};
+    Cells units = {""};
+    for (const auto& [id, parameter] : engine.parameters) {
+        const auto unit = engine.units.find(parameter.unitsKey);
+        names.push_back(parameter.name);
+        units.push_back(unit == engine.units.end() ? parameter.unitsKey : unit->second);
+    }
+    for (Cells cells : {IdCells(engine), std::move(names), std::move(units)}) {
+        for (std::string& cell : cells)
+            cell = Printable(cell);
+        if (std::any_of(cells.begin(), cells.end(), [](const std::string& cell) { return !cell.empty(); }))
+            m_rows.push_back(std::move(cells));
+    }
+}
+
+void EngineTable::Add(const EngineRow& row) {
+    Cells cells = CellsOf(row, "failed");
+    for (std::string& cell : cells)
+        cell = Printable(cell);
+    m_rows.push_back(std::move(cells));
+}
+
+void EngineTable::Print(std::ostream& out) const {
+    std::vector<std::size_t> widths(m_rows.front().size());
+    for (const Cells& row : m_rows) {
+        for (std::size_t column = 0; column < row.size(); ++column)
+            widths[column] = std::max(widths[column], WidthOf(row[column]));
+    }
+    for (const Cells& row : m_rows) {
+        std::string line;
+        for (std::size_t column = 0; column < row.size(); ++column)
+            line.append(widths[column] - WidthOf(row[column]) + (column == 0 ? 0 : 2), ' ')
+                .append(row[column]);
+        line.erase(line.find_last_not_of(' ') + 1);
+        out << line << '\n';
+    }
+}
+
+CsvWriter::CsvWriter(std::ostream& out, const EngineDescription& engine) : m_out(out) {
+    PrintCsv(m_out, IdCells(engine));
+}
+
+void CsvWriter::Write(const EngineRow& row) {
+    PrintCsv(m_out, CellsOf(row, ""));
+}
+
+} // namespace vant::program
