@@ -1,7 +1,7 @@
 #include "commands/ParameterSampler.h"
 
+#include "ecm/Conversion.h"
 #include "ecm/ResultPolicy.h"
-#include "framework/Conversion.h"
 
 #include <algorithm>
 

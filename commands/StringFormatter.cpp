@@ -1,7 +1,7 @@
 #include "commands/StringFormatter.h"
 
+#include "ecm/Conversion.h"
 #include "ecm/ResultPolicy.h"
-#include "framework/Conversion.h"
 #include "framework/ReferenceExpansion.h"
 
 #include <cfloat>

@@ -1,5 +1,7 @@
 #include "ecm/ECMParameter2.h"
 
+#include "ecm/Conversion.h"
+
 #include <algorithm>
 #include <cwchar>
 #include <limits>
@@ -67,13 +69,12 @@ bool ECMParameter2::ProtocolWantsDataService() const {
 
 void ECMParameter2::OpenSession() {
     const LONG ecmId = ConnectionIdentifier();
-    CComPtr<IECMSession> session;
-    LONG handle = -1;
     if (!m_directory || FAILED(m_directory->OpenECM(ecmId, &m_openedECM)) ||
-        FAILED(m_openedECM.QueryInterface(&session)) || !session || FAILED(session->Register(&handle)))
+        FAILED(m_openedECM.QueryInterface(&m_session)) || !m_session)
         return;
-    m_session = std::move(session);
-    m_handle = handle;
+    LONG handle = noHandle;
+    if (SUCCEEDED(m_session->Register(&handle)))
+        m_handle = handle;
 }
 
 LONG ECMParameter2::ConnectionIdentifier() const {
@@ -87,14 +88,7 @@ LONG ECMParameter2::ConnectionIdentifier() const {
 
 HRESULT ECMParameter2::ReadLong(std::wstring_view id, LONG& value) const noexcept {
     try {
-        CCheckedResult result;
-        CComVariant number;
-        if (m_useDataService)
-            number = ReadThroughDataService(id);
-        else
-            result = ReadThroughSession(id, number);
-        result = number.ChangeType(VT_I4, lcidEnglishUS);
-        value = number.Get().lVal;
+        value = m_useDataService ? ReadLongThroughDataService(id) : ReadLongThroughSession(id);
         return S_OK;
     } catch (...) {
         return E_FAIL;
@@ -122,13 +116,22 @@ CComVariant ECMParameter2::ReadThroughDataService(std::wstring_view id) const {
     return value;
 }
 
-HRESULT ECMParameter2::ReadThroughSession(std::wstring_view id, CComVariant& value) const {
-    if (!m_session)
-        return E_POINTER;
+LONG ECMParameter2::ReadLongThroughDataService(std::wstring_view id) const {
+    CCheckedResult result;
+    CComVariant number = ReadThroughDataService(id);
+    result = number.ChangeType(VT_I4, lcidEnglishUS);
+    return number.Get().lVal;
+}
+
+LONG ECMParameter2::ReadLongThroughSession(std::wstring_view id) const {
+    CCheckedResult result;
+    result = m_session ? S_OK : E_POINTER;
     CComPtr<IECMSessionItem> item;
-    if (const HRESULT code = m_session->ReadParameter(LeadingNumber(id), 1, &item); FAILED(code))
-        return code;
-    return item ? item->get_Value(&value) : E_POINTER;
+    std::ignore = m_session->ReadParameter(LeadingNumber(id), 1, &item);
+    result = item ? S_OK : E_POINTER;
+    CComVariant number;
+    std::ignore = item->get_Value(&number);
+    return ToLongOrZero(std::move(number), lcidEnglishUS);
 }
 
 HRESULT ECMParameter2::Write(std::wstring_view id, CComVariant value, bool guarded) {

@@ -47,7 +47,10 @@ private:
     LONG ConnectionIdentifier() const;
 
     CComVariant ReadThroughDataService(std::wstring_view id) const;
-    HRESULT ReadThroughSession(std::wstring_view id, CComVariant& value) const;
+    LONG ReadLongThroughDataService(std::wstring_view id) const;
+    /// Calls are not checked: a value that cannot be read counts as 0. Throws only without a session or an
+    /// item.
+    LONG ReadLongThroughSession(std::wstring_view id) const;
     CComBSTR ReadText(std::wstring_view id) const;
     void WriteThroughDataService(std::wstring_view id, const CComVariant& value) const;
 
@@ -58,9 +61,10 @@ private:
     CComBSTR m_savedValue; // of parameter "11", between the two halves of a guarded write
     CComPtr<IECMSessionManager> m_sessionManager;
     CComPtr<IECMDirectory> m_directory;
-    CComPtr<IECMSession> m_session; // held only while registered
+    CComPtr<IECMSession> m_session;
     CComPtr<IUnknown> m_openedECM;
-    LONG m_handle = -1; // from Register; negative: none to close
+    static constexpr LONG noHandle = -1; // as is every negative number
+    LONG m_handle = noHandle;            // from Register
 };
 
 } // namespace vant

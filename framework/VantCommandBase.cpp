@@ -1,7 +1,7 @@
 #include "framework/VantCommandBase.h"
 
+#include "ecm/Conversion.h"
 #include "ecm/HostPointers.h"
-#include "framework/Conversion.h"
 #include "framework/ReferenceExpansion.h"
 
 #include <tuple>
