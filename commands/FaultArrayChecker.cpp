@@ -4,7 +4,6 @@
 #include "ecm/ResultPolicy.h"
 
 #include <optional>
-#include <string>
 #include <tuple>
 
 namespace vant {
@@ -13,13 +12,14 @@ namespace {
 
 /// A field of a fault record, which goes by either of two names.
 struct FieldNames {
-    std::wstring_view name;
-    std::wstring_view otherName;
+    CBstrLiteral<7> name;
+    CBstrLiteral<9> otherName;
 
-    bool Contain(std::wstring_view text) const { return SameText(text, name) || SameText(text, otherName); }
+    bool Contain(BSTR text) const { return SameText(text, name.Get()) || SameText(text, otherName.Get()); }
 };
 constexpr FieldNames statusField{L"199009", L"16786047"};
 constexpr FieldNames faultCodeField{L"199008", L"16786048"};
+constexpr CBstrLiteral activeStatus(L"Active");
 
 constexpr LONG faultArrayKind = 2; // the host's; parameters are of kind 1
 
@@ -34,7 +34,7 @@ CComPtr<Item> ItemAt(List& list, LONG index) {
 }
 
 /// The value of the first field of either name; nothing where there is none. Later fields are not looked at.
-std::optional<std::wstring> ReadField(IFaultRecord& record, const FieldNames& names) {
+std::optional<CComBSTR> ReadField(IFaultRecord& record, const FieldNames& names) {
     CCheckedResult result;
     LONG count = 0;
     result = record.get_Count(&count);
@@ -42,18 +42,18 @@ std::optional<std::wstring> ReadField(IFaultRecord& record, const FieldNames& na
         const auto field = ItemAt<IFaultField>(record, i);
         CComBSTR name;
         result = field->get_Name(&name);
-        if (!names.Contain(name.Text()))
+        if (!names.Contain(name.Get()))
             continue;
         CComBSTR value;
         result = field->get_Value(&value);
-        return std::wstring(value.Text());
+        return value;
     }
     return std::nullopt;
 }
 
 bool IsActive(IFaultRecord& record) {
     const auto status = ReadField(record, statusField);
-    return status && SameText(*status, L"Active");
+    return status && SameText(status->Get(), activeStatus.Get());
 }
 
 /// The first active record; null where there is none.
@@ -95,7 +95,7 @@ void CFaultArrayChecker::Check() const {
         return;
     }
     if (HasProperty(L"dsFaultCode")) {
-        const CComVariant code(CComBSTR(ReadField(*active.Get(), faultCodeField).value_or(L"")));
+        const CComVariant code(ReadField(*active.Get(), faultCodeField).value_or(CComBSTR(L"")));
         result = SetDataStoreValue(GetProperty(L"dsFaultCode"), code);
     }
     if (HasProperty(L"failTransitionID"))

@@ -14,6 +14,10 @@ namespace vant {
 
 namespace {
 
+constexpr CBstrLiteral substitute(L"substitute");
+constexpr CBstrLiteral round(L"round");
+constexpr CBstrLiteral numToHms(L"numToHMS");
+
 double ToDouble(CComBSTR text) {
     CComVariant number(std::move(text));
     return SUCCEEDED(number.ChangeType(VT_R8)) ? number.Get().dblVal : 0.0;
@@ -34,6 +38,7 @@ static_assert(FLT_EVAL_METHOD == 0);
 CComBSTR Round(const CComBSTR& text, LONG decimals) {
     // In extended precision: some runtimes are off by a digit for small powers in double.
     const auto scale = static_cast<double>(std::pow(10.0L, decimals));
+    CCheckedResult result;
     CComVariant rounded(Truncate(ToDouble(text) * scale) / scale);
     return SUCCEEDED(rounded.ChangeType(VT_BSTR)) ? CComBSTR::Copy(StringMember(rounded.Get())) : CComBSTR();
 }
@@ -64,17 +69,17 @@ void CStringFormatter::Format() const {
     CCheckedResult result;
     const CComBSTR operation = GetProperty(L"operation");
     const CComBSTR source = ReadEntryAsText(GetProperty(L"dsSourceString"));
-    const CComVariant output(Apply(operation.Text(), source));
+    const CComVariant output(Apply(operation.Get(), source));
     result = SetDataStoreValue(GetProperty(L"dsTargetString"), output);
 }
 
 /// An operation that is none of the three gives a null text, which is no failure.
-CComBSTR CStringFormatter::Apply(std::wstring_view operation, const CComBSTR& text) const {
-    if (SameText(operation, L"substitute"))
+CComBSTR CStringFormatter::Apply(BSTR operation, const CComBSTR& text) const {
+    if (SameText(operation, substitute.Get()))
         return Substitute(text);
-    if (SameText(operation, L"round"))
+    if (SameText(operation, round.Get()))
         return Round(text, ToLongOrZero(CComVariant(GetProperty(L"roundLength")), lcidEnglishUS));
-    if (SameText(operation, L"numToHMS"))
+    if (SameText(operation, numToHms.Get()))
         return NumToHms(text);
     return CComBSTR();
 }

@@ -28,7 +28,7 @@ protected:
 
 private:
     void Format() const;
-    CComBSTR Apply(std::wstring_view operation, const CComBSTR& text) const;
+    CComBSTR Apply(BSTR operation, const CComBSTR& text) const;
     /// Replaces "$p(NAME)" by the text of parameter NAME and then, also in what was inserted, "$d(NAME)" by
     /// the text of data-store entry NAME.
     CComBSTR Substitute(const CComBSTR& text) const;

@@ -9,6 +9,7 @@ namespace vant {
 namespace {
 
 constexpr DWORD tick = 1000; // ms
+constexpr CBstrLiteral upCounter(L"upCounter");
 
 CComVariant ToText(LONG number) {
     CCheckedResult result;
@@ -29,7 +30,7 @@ void CTimer::ExecutePersistent() {
 
 void CTimer::Count() {
     const LONG length = ReadLength();
-    const bool countsUp = HasProperty(L"type") && SameText(GetProperty(L"type").Text(), L"upCounter");
+    const bool countsUp = HasProperty(L"type") && SameText(GetProperty(L"type").Get(), upCounter.Get());
     const CComBSTR entry = GetProperty(L"dsBase");
     // The first publication is the length as an integer, for both kinds; later ones are texts. Screens rely
     // on it.

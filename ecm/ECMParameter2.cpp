@@ -138,13 +138,13 @@ HRESULT ECMParameter2::Write(std::wstring_view id, CComVariant value, bool guard
     if (guarded) {
         m_savedValue = ReadText(L"11");
         CComBSTR guard = ReadText(L"14");
-        if (!SameText(m_savedValue.Text(), guard.Text()))
+        if (!SameText(m_savedValue.Get(), guard.Get()))
             WriteString(L"11", std::move(guard), false);
     }
     WriteThroughDataService(id, value);
     if (guarded) {
         const CComBSTR guard = ReadText(L"14");
-        if (!SameText(m_savedValue.Text(), guard.Text()) && !m_savedValue.Text().empty())
+        if (!SameText(m_savedValue.Get(), guard.Get()) && !m_savedValue.Text().empty())
             WriteString(L"11", m_savedValue, false);
     }
     return value.Clear();

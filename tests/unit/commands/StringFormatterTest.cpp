@@ -66,6 +66,16 @@ TEST_F(StringFormatter, UnmatchedOperation_WritesAnEmptyText) {
     }
 }
 
+TEST_F(StringFormatter, Operation_IsComparedAsVarBstrCmpDoes) {
+    // Null characters do not count, except at the beginning.
+    using namespace std::string_view_literals;
+    EXPECT_EQ("\"3\"", Format(L"round\0"sv, Text(L"3.99")));
+    EXPECT_EQ("\"00:00:07\"", Format(L"num\0ToHMS"sv, Text(L"7")));
+    EXPECT_EQ("\"7\"", Format(L"sub\0stitute"sv, Text(L"7")));
+    Format(L"\0round"sv, Text(L"3.99"));
+    EXPECT_TRUE(TextOf(StringMember(host.dataStore[L"target"].Get())).empty());
+}
+
 TEST_F(StringFormatter, UnmatchedOperation_StillReadsTheSource) {
     host.dataStore.erase(L"source");
     const auto command = CreateCommand<CStringFormatter>(

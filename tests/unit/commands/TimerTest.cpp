@@ -1,6 +1,9 @@
 #include "commands/Timer.h"
 
+#include "tests/support/VirtualTime.h"
 #include "tests/unit/commands/PersistentRun.h"
+
+#include <utility>
 
 namespace vant::test {
 
@@ -54,6 +57,18 @@ TEST_F(Timer, FirstPublication_UpCounter_IsTheLength) {
     StopSilently();
     RunBody();
     EXPECT_EQ(Calls{"SetValue(count, 10)"}, host.calls);
+}
+
+TEST_F(Timer, Type_IsComparedAsVarBstrCmpDoes) {
+    // Null characters do not count, except at the beginning.
+    using namespace std::string_view_literals;
+    for (const auto& [type, last] : {std::pair(L"upCounter\0"sv, "SetValue(count, \"1\")"),
+                                     {L"\0upCounter"sv, "SetValue(count, \"-1\")"}}) {
+        const VirtualTime time;
+        Run({{L"length", L"0"}, {L"dsBase", L"count"}, {L"type", type}});
+        EXPECT_EQ(last, host.calls.back());
+        host.Threads().ForgetRegistrations();
+    }
 }
 
 TEST_F(Timer, StoppedBeforeItsThreadRuns_PublishesStartsAndTicksOnce) {

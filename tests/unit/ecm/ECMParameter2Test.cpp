@@ -13,6 +13,8 @@ namespace vant::test {
 
 namespace {
 
+using namespace std::string_view_literals;
+
 using Calls = std::vector<std::string>;
 
 /// The host's data service, watched: it may give no object for a write, and notes when its last reference
@@ -566,6 +568,19 @@ TEST_F(ECMParameter2Test, GuardedWriteWhere11Equals14_WritesNeitherBeforeNorAfte
 
 TEST_F(ECMParameter2Test, GuardedWrite_ComparesTextsWithCase) {
     Add(L"11", Text(L"High"));
+    Open().WriteLong(L"13190", 3, true);
+    EXPECT_EQ(3u, Writes().size());
+}
+
+TEST_F(ECMParameter2Test, GuardedWrite_ComparesAsVarBstrCmpDoes) {
+    // Null characters do not count, except at the beginning.
+    Add(L"11", Text(L"hi\0gh"sv));
+    Add(L"14", Text(L"high\0"sv));
+    Open().WriteLong(L"13190", 3, true);
+    EXPECT_EQ((Calls{"SetParameter(13190, 1, 3)"}), Writes());
+    host.ForgetCalls();
+    Add(L"11", Text(L"\0high"sv));
+    Add(L"14", Text(L"high"));
     Open().WriteLong(L"13190", 3, true);
     EXPECT_EQ(3u, Writes().size());
 }
