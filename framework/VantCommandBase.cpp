@@ -5,6 +5,8 @@
 #include "framework/ReferenceExpansion.h"
 
 #include <tuple>
+#include <type_traits>
+#include <utility>
 
 namespace vant {
 
@@ -26,10 +28,11 @@ HRESULT CVantCommandBase::Initialize(IVantContext* context, IVantController* con
 }
 
 void CVantCommandBase::RequestServices(IVantContext& context, CCheckedResult& result) {
-    // An earlier attempt may have filled some of the members.
+    // A member that an earlier attempt filled keeps its service until its own request succeeds.
     const auto request = [&](auto& member, auto operation) {
-        member.Release();
-        result = (context.*operation)(&member);
+        std::remove_cvref_t<decltype(member)> service;
+        result = (context.*operation)(&service);
+        member = std::move(service);
     };
     request(m_commandRunner, &IVantContext::get_CommandRunner);
     request(m_componentService, &IVantContext::get_ComponentService);

@@ -165,6 +165,22 @@ TEST_P(InitializeRequest, FailingTwice_LeaksNothing) {
     EXPECT_EQ(static_cast<LONG>(GetParam() - 1), host.OutstandingReferences());
 }
 
+TEST_P(InitializeRequest, FailingTheSecondTime_KeepsWhatTheFirstAttemptFilled) {
+    TestHost first;
+    first.FailCall(9, E_FAIL);
+    ASSERT_EQ(E_FAIL, probe->Initialize(first.Context(), first.Controller()));
+    host.FailCall(GetParam(), E_OUTOFMEMORY);
+    EXPECT_EQ(E_OUTOFMEMORY, Initialize());
+    EXPECT_EQ(FirstOnes(8), Held(*probe));
+    // Requests that succeeded replaced what the first attempt had filled.
+    const auto replaced = static_cast<LONG>(GetParam() - 1);
+    EXPECT_EQ(replaced, host.OutstandingReferences());
+    EXPECT_EQ(8 - replaced, first.OutstandingReferences());
+    command.Release();
+    EXPECT_EQ(0, first.OutstandingReferences());
+    EXPECT_EQ(0, host.OutstandingReferences());
+}
+
 TEST_P(InitializeRequest, Failing_ReleasesWhatItFilledAtTheCommandsEnd) {
     host.FailCall(GetParam(), E_FAIL);
     ASSERT_EQ(E_FAIL, Initialize());
