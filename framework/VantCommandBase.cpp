@@ -167,8 +167,6 @@ HRESULT CVantCommandBase::GetDataStoreText(const CComBSTR& entry, CComBSTR& text
     CComVariant value;
     const HRESULT code = GetDataStoreValue(entry, value);
     text = CComBSTR::Copy(StringMember(value.Get()));
-    if (const HRESULT cleared = value.Clear(); FAILED(cleared))
-        throw CComException(cleared);
     return code;
 }
 

@@ -61,8 +61,7 @@ protected:
     HRESULT SetTransition(const CComBSTR& transitionId) const;
 
     /// GetDataStoreValue for an entry that must hold a string: `text` becomes that string, or null where the
-    /// entry could not be read or holds anything else. Throws CComException with the platform's code where
-    /// what the host gave is no value that can be cleared.
+    /// entry could not be read or holds anything else. A value that cannot be cleared changes nothing.
     HRESULT GetDataStoreText(const CComBSTR& entry, CComBSTR& text) const;
 
     /// The current text of a parameter of the engine control module. Every call is checked.

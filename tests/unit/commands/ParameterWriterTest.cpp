@@ -154,10 +154,11 @@ TEST_F(ParameterWriter, ValueThatCannotBeCopied_ThrowsThePlatformsCodeAndWritesN
     EXPECT_EQ((Calls{"GetValue(what)", "GetValue(what)"}), host.calls);
 }
 
-TEST_F(ParameterWriter, ParameterIdThatCannotBeCleared_FailsAndWritesNothing) {
+TEST_F(ParameterWriter, ParameterIdThatCannotBeCleared_IsEmpty) {
+    host.parameters[L""].value = CComVariant(LONG{0});
     const auto command = CreateWriterOfNoValue(host, {{L"dsParameterID", L"which"}, {L"value", L"5"}});
-    EXPECT_EQ(E_FAIL, command->Execute());
-    EXPECT_EQ((Calls{"GetValue(which)"}), host.calls);
+    EXPECT_EQ(S_OK, command->Execute());
+    EXPECT_EQ((Calls{"GetValue(which)", "SetParameter(null, 1, \"5\")"}), host.calls);
 }
 
 // Validity
