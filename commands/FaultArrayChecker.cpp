@@ -91,7 +91,7 @@ void CFaultArrayChecker::Check() const {
     const auto active = FindActive(*records.Get());
     if (!active) {
         if (HasProperty(L"successTransitionID"))
-            result = SetTransition(GetProperty(L"successTransitionID"));
+            result = ChooseTransition(L"successTransitionID");
         return;
     }
     if (HasProperty(L"dsFaultCode")) {
@@ -99,7 +99,7 @@ void CFaultArrayChecker::Check() const {
         result = SetDataStoreValue(GetProperty(L"dsFaultCode"), code);
     }
     if (HasProperty(L"failTransitionID"))
-        result = SetTransition(GetProperty(L"failTransitionID"));
+        result = ChooseTransition(L"failTransitionID");
 }
 
 } // namespace vant

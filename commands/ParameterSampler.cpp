@@ -25,7 +25,7 @@ void CParameterSampler::ExecutePersistent() {
     result = SetDataStoreValue(GetProperty(L"dsTarget"), mean);
     if (IsStoppedWithin(0))
         return;
-    result = SetTransition(GetProperty(L"completionTransition")); // null where it was not given
+    result = ChooseTransition(L"completionTransition"); // null where it was not given
 }
 
 /// 0 for a property that was not set or is no number.

@@ -21,10 +21,10 @@ void CStartConditionChecker::ExecuteCommand() {
     ChooseOptional(L"invalidTransitionID");
 }
 
-void CStartConditionChecker::ChooseOptional(PropertyName transitionId) const {
+void CStartConditionChecker::ChooseOptional(PropertyName transition) const {
     CCheckedResult result;
-    if (HasProperty(transitionId))
-        result = SetTransition(GetProperty(transitionId));
+    if (HasProperty(transition))
+        result = ChooseTransition(transition);
 }
 
 } // namespace vant

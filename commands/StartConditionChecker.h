@@ -24,7 +24,7 @@ protected:
     void ExecuteCommand() override;
 
 private:
-    void ChooseOptional(PropertyName transitionId) const;
+    void ChooseOptional(PropertyName transition) const;
 };
 
 } // namespace vant

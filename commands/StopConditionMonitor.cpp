@@ -21,7 +21,7 @@ void CStopConditionMonitor::CheckOnce() {
         return;
     const CComVariant message = ReadFailureMessage(*conditions.Get());
     result = SetDataStoreValue(GetProperty(L"dsMessageID"), message);
-    result = SetTransition(GetProperty(L"failTransitionID"));
+    result = ChooseTransition(L"failTransitionID");
     result = Stop();
 }
 

@@ -40,7 +40,8 @@ CComBSTR Round(const CComBSTR& text, LONG decimals) {
     const auto scale = static_cast<double>(std::pow(10.0L, decimals));
     CCheckedResult result;
     CComVariant rounded(Truncate(ToDouble(text) * scale) / scale);
-    return SUCCEEDED(rounded.ChangeType(VT_BSTR)) ? CComBSTR::Copy(StringMember(rounded.Get())) : CComBSTR();
+    result = rounded.ChangeType(VT_BSTR); // fails only without memory
+    return CComBSTR::Copy(StringMember(rounded.Get()));
 }
 
 /// Numbers below 0 count as having one digit, too: -1 gives 0-1.

@@ -159,8 +159,11 @@ HRESULT CVantCommandBase::ShowInstruction(const CComBSTR& text) const {
     return m_presentationService ? m_presentationService->ShowInstruction(text.Get()) : E_POINTER;
 }
 
-HRESULT CVantCommandBase::SetTransition(const CComBSTR& transitionId) const {
-    return m_procedureController ? m_procedureController->SetTransition(transitionId.Get()) : E_POINTER;
+HRESULT CVantCommandBase::ChooseTransition(PropertyName property) const {
+    const CComBSTR* const transitionId = FindProperty(m_properties, property);
+    return m_procedureController
+               ? m_procedureController->SetTransition(transitionId ? transitionId->Get() : nullptr)
+               : E_POINTER;
 }
 
 HRESULT CVantCommandBase::GetDataStoreText(const CComBSTR& entry, CComBSTR& text) const {

@@ -58,7 +58,9 @@ protected:
     HRESULT SetComponentProperty(const CComBSTR& componentId, const CComBSTR& name,
                                  const CComBSTR& value) const;
     HRESULT ShowInstruction(const CComBSTR& text) const;
-    HRESULT SetTransition(const CComBSTR& transitionId) const;
+    /// Sets the transition that the property holds; null if the property was not set. The host gets the
+    /// stored text itself, so this needs no memory.
+    HRESULT ChooseTransition(PropertyName property) const;
 
     /// GetDataStoreValue for an entry that must hold a string: `text` becomes that string, or null where the
     /// entry could not be read or holds anything else. A value that cannot be cleared changes nothing.

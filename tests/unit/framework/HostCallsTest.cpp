@@ -44,14 +44,17 @@ TEST_F(HostCalls, EveryCall_ReachesItsServiceWithItsArguments) {
     EXPECT_EQ("3", Show(value.Get()));
     EXPECT_EQ(S_OK, probe->SetComponentProperty(x, y, id));
     EXPECT_EQ(S_OK, probe->ShowInstruction(x));
-    EXPECT_EQ(S_OK, probe->SetTransition(x));
+    SetProperties(*command.Get(), {{L"value", L"x"}});
+    EXPECT_EQ(S_OK, probe->ChooseTransition(L"value"));
+    EXPECT_EQ(S_OK, probe->ChooseTransition(L"parameterID")); // which is not set
     CComPtr<IUnknown> parameter;
     EXPECT_EQ(S_OK, probe->GetParameter(id, 7, parameter));
     EXPECT_TRUE(parameter);
     EXPECT_EQ(S_OK, probe->SetParameter(id, CComVariant(2.5)));
     EXPECT_EQ((Calls{"RunCommand(x)", "RunCommandFromThread(y)", "TerminateCommand(x)", "SetValue(x, 3)",
                      "GetValue(x)", "SetComponentProperty(x, y, \"13190\")", "ShowInstruction(x)",
-                     "SetTransition(x)", "GetParameter(13190, 7)", "SetParameter(13190, 1, 2.5)"}),
+                     "SetTransition(x)", "SetTransition(null)", "GetParameter(13190, 7)",
+                     "SetParameter(13190, 1, 2.5)"}),
               host.calls);
 }
 
@@ -73,7 +76,7 @@ TEST_F(HostCalls, CodeOfTheHost_IsAnswered) {
     EXPECT_EQ(E_UNEXPECTED, probe->SetParameter(id, value));
     EXPECT_EQ(E_UNEXPECTED, probe->SetComponentProperty(x, x, x));
     EXPECT_EQ(E_UNEXPECTED, probe->ShowInstruction(x));
-    EXPECT_EQ(E_UNEXPECTED, probe->SetTransition(x));
+    EXPECT_EQ(E_UNEXPECTED, probe->ChooseTransition(L"value"));
 }
 
 TEST_F(HostCalls, WithoutInitialize_EveryCallAnswersPointer) {
@@ -92,7 +95,7 @@ TEST_F(HostCalls, WithoutInitialize_EveryCallAnswersPointer) {
     EXPECT_EQ(E_POINTER, bare.SetParameter(id, value));
     EXPECT_EQ(E_POINTER, bare.SetComponentProperty(x, x, x));
     EXPECT_EQ(E_POINTER, bare.ShowInstruction(x));
-    EXPECT_EQ(E_POINTER, bare.SetTransition(x));
+    EXPECT_EQ(E_POINTER, bare.ChooseTransition(L"value"));
     EXPECT_EQ(E_POINTER, CodeOf([&] { bare.ReadParameterText(id); }));
     EXPECT_EQ(E_POINTER, CodeOf([&] { bare.ReadParameterValue(id); }));
 }
@@ -117,9 +120,6 @@ TEST_F(HostCalls, DataStoreTextOfAnEntryThatCannotBeCleared_IsEmpty) {
     }
 }
 
-TEST_F(HostCalls, ParameterValue_KeepsItsType) {
-    EXPECT_EQ("\"41.5\"", Show(probe->ReadParameterValue(id).Get()));
-    EXPECT_EQ((Calls{"GetParameter(13190, 1)", "QueryInterface(IParameterOld)", "get_Value()"}), host.calls);
 TEST_F(HostCalls, DataStoreTextOfAnEntryThatHoldsAnArray_IsEmpty) {
     probe->m_dataStore = new StoreOfNoValue(host, VT_ARRAY | VT_BSTR);
     CComBSTR text(L"before");
@@ -127,6 +127,9 @@ TEST_F(HostCalls, DataStoreTextOfAnEntryThatHoldsAnArray_IsEmpty) {
     EXPECT_EQ(nullptr, text.Get());
 }
 
+TEST_F(HostCalls, ParameterValue_KeepsItsType) {
+    EXPECT_EQ("\"41.5\"", Show(probe->ReadParameterValue(id).Get()));
+    EXPECT_EQ((Calls{"GetParameter(13190, 1)", "QueryInterface(IParameterOld)", "get_Value()"}), host.calls);
     host.parameters[L"13190"].value = CComVariant(LONG{7});
     EXPECT_EQ("7", Show(probe->ReadParameterValue(id).Get()));
 }
