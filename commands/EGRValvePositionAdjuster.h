@@ -12,7 +12,8 @@ namespace vant {
 class CEGRValvePositionAdjuster
     : public CComObjectRootEx<CComMultiThreadModel>,
       public CComCoClass<CEGRValvePositionAdjuster, &CLSID_EGRValvePositionAdjuster>,
-      public IVantCommandImpl<CEGRValvePositionAdjuster, &CLSID_EGRValvePositionAdjuster, 201> {
+      public IVantCommandImpl<CEGRValvePositionAdjuster, &CLSID_EGRValvePositionAdjuster,
+                              resource_EGRValvePositionAdjuster> {
 public:
     static constexpr PropertyRow properties[] = {
         {L"failTransition", nullptr, true},

@@ -8,9 +8,10 @@ namespace vant {
 
 /// Sets one property of one component of the display to a text: literal, from the data store, or the current
 /// text of a parameter, with "$p(NAME)" replaced by the current text of parameter NAME.
-class CPropertySetter : public CComObjectRootEx<CComMultiThreadModel>,
-                        public CComCoClass<CPropertySetter, &CLSID_PropertySetter>,
-                        public IVantCommandImpl<CPropertySetter, &CLSID_PropertySetter, 102> {
+class CPropertySetter
+    : public CComObjectRootEx<CComMultiThreadModel>,
+      public CComCoClass<CPropertySetter, &CLSID_PropertySetter>,
+      public IVantCommandImpl<CPropertySetter, &CLSID_PropertySetter, resource_PropertySetter> {
 public:
     static constexpr PropertyRow properties[] = {
         {L"propertyName", nullptr, true}, //

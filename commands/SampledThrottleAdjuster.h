@@ -12,7 +12,8 @@ namespace vant {
 class CSampledThrottleAdjuster
     : public CComObjectRootEx<CComMultiThreadModel>,
       public CComCoClass<CSampledThrottleAdjuster, &CLSID_SampledThrottleAdjuster>,
-      public IVantCommandImpl<CSampledThrottleAdjuster, &CLSID_SampledThrottleAdjuster, 202> {
+      public IVantCommandImpl<CSampledThrottleAdjuster, &CLSID_SampledThrottleAdjuster,
+                              resource_SampledThrottleAdjuster> {
 public:
     static constexpr PropertyRow properties[] = {
         {L"successTransition", nullptr, true},

@@ -8,10 +8,10 @@ namespace vant {
 
 /// Asks a condition set once and chooses a transition by the answer; where a condition does not hold, it
 /// copies that condition's message first.
-class CStartConditionChecker
-    : public CComObjectRootEx<CComMultiThreadModel>,
-      public CComCoClass<CStartConditionChecker, &CLSID_StartConditionChecker>,
-      public IVantCommandImpl<CStartConditionChecker, &CLSID_StartConditionChecker, 104> {
+class CStartConditionChecker : public CComObjectRootEx<CComMultiThreadModel>,
+                               public CComCoClass<CStartConditionChecker, &CLSID_StartConditionChecker>,
+                               public IVantCommandImpl<CStartConditionChecker, &CLSID_StartConditionChecker,
+                                                       resource_StartConditionChecker> {
 public:
     static constexpr PropertyRow properties[] = {
         {L"dsSetID", nullptr, true},

@@ -12,9 +12,10 @@ namespace vant {
 /// An entry that must give a text and holds a number gives the text of that number. A text that must give a
 /// number and is none counts as 0. Rounding is plain double arithmetic: hundreds of decimals, either way,
 /// give what infinities and divisions by zero give.
-class CStringFormatter : public CComObjectRootEx<CComMultiThreadModel>,
-                         public CComCoClass<CStringFormatter, &CLSID_StringFormatter>,
-                         public IVantCommandImpl<CStringFormatter, &CLSID_StringFormatter, 117> {
+class CStringFormatter
+    : public CComObjectRootEx<CComMultiThreadModel>,
+      public CComCoClass<CStringFormatter, &CLSID_StringFormatter>,
+      public IVantCommandImpl<CStringFormatter, &CLSID_StringFormatter, resource_StringFormatter> {
 public:
     static constexpr PropertyRow properties[] = {
         {L"dsSourceString", nullptr, true},

@@ -10,7 +10,7 @@ namespace vant {
 /// start, one at every tick, one when the count has run out. A stopped timer runs nothing more.
 class CTimer : public CComObjectRootEx<CComMultiThreadModel>,
                public CComCoClass<CTimer, &CLSID_Timer>,
-               public IVantPersistentCommandImpl<CTimer, &CLSID_Timer, 111, 0> {
+               public IVantPersistentCommandImpl<CTimer, &CLSID_Timer, resource_Timer, 0> {
 public:
     static constexpr PropertyRow properties[] = {
         {L"length", L"dsLength", true},      {L"dsBase", nullptr, true},
