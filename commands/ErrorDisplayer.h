@@ -6,7 +6,7 @@
 
 namespace vant {
 
-/// Does nothing with its properties but to demand them.
+/// Requires its property and does nothing.
 class CErrorDisplayer
     : public CComObjectRootEx<CComMultiThreadModel>,
       public CComCoClass<CErrorDisplayer, &CLSID_ErrorDisplayer>,

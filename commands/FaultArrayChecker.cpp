@@ -10,7 +10,7 @@ namespace vant {
 
 namespace {
 
-/// A field of a fault record, which goes by either of two names.
+/// The two names of one field of a fault record.
 struct FieldNames {
     CBstrLiteral<7> name;
     CBstrLiteral<9> otherName;
@@ -21,7 +21,7 @@ constexpr FieldNames statusField{L"199009", L"16786047"};
 constexpr FieldNames faultCodeField{L"199008", L"16786048"};
 constexpr CBstrLiteral activeStatus(L"Active");
 
-constexpr LONG faultArrayKind = 2; // the host's; parameters are of kind 1
+constexpr LONG faultArrayKind = 2; // parameters have kind 1
 
 /// Item number `index`, counted from 0, of a list that itself counts from 1.
 template <class Item, class List>
@@ -33,7 +33,7 @@ CComPtr<Item> ItemAt(List& list, LONG index) {
     return item;
 }
 
-/// The value of the first field of either name; nothing where there is none. Later fields are not looked at.
+/// The value of the first field with either name, or nothing. Later fields are not read.
 std::optional<CComBSTR> ReadField(IFaultRecord& record, const FieldNames& names) {
     CCheckedResult result;
     LONG count = 0;
@@ -56,7 +56,7 @@ bool IsActive(IFaultRecord& record) {
     return status && SameText(status->Get(), activeStatus.Get());
 }
 
-/// The first active record; null where there is none.
+/// The first active record, or null.
 CComPtr<IFaultRecord> FindActive(IFaultRecordList& records) {
     CCheckedResult result;
     LONG count = 0;
@@ -75,7 +75,7 @@ void CFaultArrayChecker::ExecuteCommand() {
     try {
         Check();
     } catch (...) {
-        // Ends quietly: nothing more is stored and no transition is taken.
+        // Ends quietly: nothing further is stored, and no transition is chosen.
     }
 }
 

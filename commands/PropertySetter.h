@@ -16,8 +16,8 @@ public:
     static constexpr PropertyRow properties[] = {
         {L"propertyName", nullptr, true}, //
         {L"componentID", nullptr, true},  //
-        {L"pValue", nullptr, false},      // of these three any number may be given, also none;
-        {L"value", nullptr, false},       // "value" goes before "dsValue", "dsValue" before "pValue"
+        {L"pValue", nullptr, false},      // any number of these three may be given;
+        {L"value", nullptr, false},       // "value" precedes "dsValue", and "dsValue" "pValue"
         {L"dsValue", nullptr, false},
     };
 

@@ -9,7 +9,7 @@ namespace vant {
 void CStartConditionChecker::ExecuteCommand() {
     const CComPtr<IConditionSet> conditions = ReadConditionSet(GetProperty(L"dsSetID"));
     VARIANT_BOOL allMet = VARIANT_FALSE;
-    // Only the flag counts: a set that cannot be evaluated is one that is not met.
+    // Only the flag counts: a set that cannot be evaluated is not met.
     std::ignore = conditions->Evaluate(&allMet);
     if (allMet == VARIANT_TRUE) {
         ChooseOptional(L"validTransitionID");

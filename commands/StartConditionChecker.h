@@ -6,8 +6,8 @@
 
 namespace vant {
 
-/// Asks a condition set once and chooses a transition by the answer; where a condition does not hold, it
-/// copies that condition's message first.
+/// Evaluates a condition set once and chooses a transition by the result. If a condition does not hold, it
+/// first copies that condition's message.
 class CStartConditionChecker : public CComObjectRootEx<CComMultiThreadModel>,
                                public CComCoClass<CStartConditionChecker, &CLSID_StartConditionChecker>,
                                public IVantCommandImpl<CStartConditionChecker, &CLSID_StartConditionChecker,

@@ -8,7 +8,7 @@ void CStopConditionMonitor::ExecutePersistent() {
     try {
         CheckOnce();
     } catch (...) {
-        // Whatever fails ends this round alone.
+        // A failure ends only this round.
     }
 }
 

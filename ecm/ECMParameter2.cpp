@@ -13,8 +13,8 @@ namespace vant {
 
 namespace {
 
-/// The leading decimal digits of `text`, after blanks and a sign, as a number; 0 where there are none. What
-/// does not fit 32 bits becomes the nearest number that does.
+/// The leading decimal digits of `text`, after blanks and a sign, as a number; 0 without digits. A number
+/// beyond 32 bits becomes the nearest one that fits.
 LONG LeadingNumber(std::wstring_view text) {
     const long long number = std::wcstoll(std::wstring(text).c_str(), nullptr, 10);
     return static_cast<LONG>(
@@ -44,11 +44,11 @@ ECMParameter2::~ECMParameter2() {
     try {
         std::ignore = m_directory->CloseECM(m_handle);
     } catch (...) {
-        // Nothing may leave a destructor, whatever the host does.
+        // No exception may leave a destructor.
     }
 }
 
-/// False also where any step but the connection's two fails: the protocol is then not known to want it.
+/// Returns false if a step fails. Only the two calls for the connection throw.
 bool ECMParameter2::ProtocolWantsDataService() const {
     CComPtr<IProtocolSource> source;
     if (!m_sessionManager || FAILED(m_sessionManager->GetProtocolSource(&source)) || !source)

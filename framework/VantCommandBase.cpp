@@ -21,8 +21,7 @@ HRESULT CVantCommandBase::Initialize(IVantContext* context, IVantController* con
         m_controller = controller;
         m_initialised = true;
     } catch (...) {
-        // What was thrown may not have been a failed request; the code of the last request stands all the
-        // same.
+        // Even if something other than a failed request was thrown, the code of the last request is returned.
     }
     return result;
 }
@@ -219,7 +218,7 @@ CComPtr<IConditionSet> CVantCommandBase::ReadConditionSet(const CComBSTR& entry)
     const CComPtr<IUnknown> object(UnknownMember(value.Get()));
     CComPtr<IConditionSet> conditions;
     result = object.QueryInterface(&conditions);
-    result = conditions ? S_OK : E_NOINTERFACE; // success that gives nothing
+    result = conditions ? S_OK : E_NOINTERFACE; // success without an object
     return conditions;
 }
 

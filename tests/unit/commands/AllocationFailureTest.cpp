@@ -40,7 +40,7 @@ public:
 };
 
 /// Executes the command again and again, each time with another allocation failing, until none fails any
-/// more. Each execution with a failure must answer `outcome` and leave no string behind.
+/// more. Each execution with a failure must return `outcome` and leave no string behind.
 void ExpectOutcomeOfEveryFailure(IVantCommand& command, TestHost& host, HRESULT outcome) {
     ASSERT_EQ(S_OK, command.Execute());
     const std::size_t before = vant::testing::LiveBstrCount();

@@ -28,7 +28,7 @@ protected:
     HRESULT Write(Properties properties) {
         return CreateCommand<CParameterWriter>(host, properties)->Execute();
     }
-    /// The text of the runtime error that the body throws; "" where it throws none.
+    /// The text of the runtime error that the body throws; "" if it throws nothing.
     static std::string ErrorOf(IVantCommand& command) {
         try {
             static_cast<CComObject<OpenWriter>&>(command).ExecuteCommand();
@@ -135,7 +135,7 @@ TEST_F(ParameterWriter, AnyFailingCodeOfTheWrite_IsThatError) {
     EXPECT_EQ("", ErrorOf(*command.Get()));
 }
 
-/// A writer whose data store gives values that cannot be copied.
+/// A writer whose data store returns values that cannot be copied.
 CComPtr<IVantCommand> CreateWriterOfNoValue(TestHost& host, Properties properties) {
     auto command = CreateCommand<OpenWriter>(host, properties);
     static_cast<CComObject<OpenWriter>*>(command.Get())->m_dataStore = new StoreOfNoValue(host);

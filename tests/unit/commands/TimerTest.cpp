@@ -116,7 +116,7 @@ TEST_F(Timer, LengthWithBlanksAndFraction_IsConvertedAsANumber) {
     EXPECT_EQ(Calls{"SetValue(count, -2)"}, host.calls);
 }
 
-TEST_F(Timer, LengthThatIsNoNumber_EndsQuietly) {
+TEST_F(Timer, LengthThatIsNotANumber_EndsQuietly) {
     for (const wchar_t* length : {L"", L"ten", L"1 2", L"99999999999"}) {
         host.Threads().ForgetRegistrations();
         Run({{L"length", length},
@@ -132,7 +132,7 @@ TEST_F(Timer, DataStoreReadThatFails_EndsQuietlyAtTheEmptyText) {
     EXPECT_EQ(Calls{"GetValue(missing)"}, host.calls);
 }
 
-TEST_F(Timer, DataStoreEntryThatIsNoText_EndsQuietly) {
+TEST_F(Timer, DataStoreEntryThatIsNotAText_EndsQuietly) {
     host.dataStore[L"seconds"] = CComVariant(LONG{-3});
     Run({{L"dsLength", L"seconds"}, {L"dsBase", L"count"}, {L"stopCommandID", L"stop"}});
     EXPECT_EQ(Calls{"GetValue(seconds)"}, host.calls);

@@ -61,7 +61,7 @@ CComPtr<IDataServiceOld> DataServiceOf(TestHost& host) {
     return service;
 }
 
-/// The code of the exception that `action` throws; S_OK where it throws none.
+/// The code of the exception that `action` throws; S_OK if it throws nothing.
 template <class Action>
 HRESULT Thrown(Action action) {
     try {
@@ -87,7 +87,7 @@ protected:
 
     ECMParameter2 Open() { return ECMParameter2(engine.Object(), &service); }
 
-    /// What ReadLong stores; nothing where it answers E_FAIL, which must leave the output alone.
+    /// What ReadLong stores; nothing if it returns E_FAIL, which must leave the output alone.
     std::optional<LONG> Read(std::wstring_view id = L"13190") {
         const ECMParameter2 parameter = Open();
         LONG value = 4711;
@@ -477,7 +477,7 @@ TEST_F(ECMParameter2Test, ReadString_ConvertsToText) {
     EXPECT_EQ("", ReadText(L"empty"));
 }
 
-TEST_F(ECMParameter2Test, ReadString_GoesThroughTheDataServiceAlsoWhereReadsAreDirect) {
+TEST_F(ECMParameter2Test, ReadString_GoesThroughTheDataServiceEvenIfReadsAreDirect) {
     ReadDirectly();
     EXPECT_EQ("800", ReadText(L"13190"));
     EXPECT_EQ(0, Count("ReadParameter"));
@@ -526,7 +526,7 @@ TEST_F(ECMParameter2Test, WrittenObject_NeedNotOfferItsInterface_NorBeThere) {
     EXPECT_EQ(S_OK, Open().WriteLong(L"13190", 3, false));
 }
 
-TEST_F(ECMParameter2Test, Write_AnswersTheResultOfClearingTheValue) {
+TEST_F(ECMParameter2Test, Write_ReturnsTheResultOfClearingTheValue) {
     constexpr VARTYPE noType = 15; // the platform cannot clear a value of it
     service.writesGiveNothing = true;
     CComVariant value;
@@ -560,7 +560,7 @@ TEST_F(ECMParameter2Test, GuardedWriteOfAString_IsGuardedToo) {
               Writes());
 }
 
-TEST_F(ECMParameter2Test, GuardedWriteWhere11Equals14_WritesNeitherBeforeNorAfter) {
+TEST_F(ECMParameter2Test, GuardedWriteIf11Equals14_WritesNeitherBeforeNorAfter) {
     Add(L"11", Text(L"high"));
     Open().WriteLong(L"13190", 3, true);
     EXPECT_EQ((Calls{"SetParameter(13190, 1, 3)"}), Writes());
@@ -625,7 +625,7 @@ TEST_F(ECMParameter2Test, GuardedWriteThatCannotReadItsGuard_Throws) {
     EXPECT_EQ(Calls{}, Writes());
 }
 
-TEST_F(ECMParameter2Test, Writes_GoThroughTheDataServiceAlsoWhereReadsAreDirect) {
+TEST_F(ECMParameter2Test, Writes_GoThroughTheDataServiceEvenIfReadsAreDirect) {
     ReadDirectly();
     Open().WriteLong(L"13190", 3, false);
     EXPECT_EQ((Calls{"SetParameter(13190, 1, 3)"}), Writes());

@@ -58,7 +58,7 @@ TEST_F(HostCalls, EveryCall_ReachesItsServiceWithItsArguments) {
               host.calls);
 }
 
-TEST_F(HostCalls, CodeOfTheHost_IsAnswered) {
+TEST_F(HostCalls, CodeOfTheHost_IsReturned) {
     for (const char* operation :
          {"RunCommand", "RunCommandFromThread", "TerminateCommand", "SetValue", "GetValue", "GetParameter",
           "SetParameter", "SetComponentProperty", "ShowInstruction", "SetTransition"})
@@ -79,7 +79,7 @@ TEST_F(HostCalls, CodeOfTheHost_IsAnswered) {
     EXPECT_EQ(E_UNEXPECTED, probe->ChooseTransition(L"value"));
 }
 
-TEST_F(HostCalls, WithoutInitialize_EveryCallAnswersPointer) {
+TEST_F(HostCalls, WithoutInitialize_EveryCallReturnsPointer) {
     const auto bareCommand = CreateCommand<CProbeCommand>();
     const auto& bare = static_cast<const CProbeCommand&>(*bareCommand.Get());
     CComVariant value;

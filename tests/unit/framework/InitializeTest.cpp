@@ -77,7 +77,7 @@ TEST_F(CommandInitialize, NullController_IsAccepted) {
     EXPECT_TRUE(probe->m_initialised);
 }
 
-TEST_F(CommandInitialize, NullContext_AnswersPointerAndMayBeTriedAgain) {
+TEST_F(CommandInitialize, NullContext_ReturnsPointerAndMayBeTriedAgain) {
     EXPECT_EQ(E_POINTER, probe->Initialize(nullptr, host.Controller()));
     EXPECT_FALSE(probe->m_initialised);
     EXPECT_EQ(0, host.OutstandingReferences());
@@ -98,13 +98,13 @@ TEST_F(CommandInitialize, SecondTime_IsRefusedAndLeavesTheFirstServicesInPlace) 
     EXPECT_EQ(referencesOfAnInitialisedCommand, host.OutstandingReferences());
 }
 
-TEST_F(CommandInitialize, SuccessCodeOfTheLastRequest_IsAnswered) {
+TEST_F(CommandInitialize, SuccessCodeOfTheLastRequest_IsReturned) {
     host.fail["get_ParameterService"] = S_FALSE;
     EXPECT_EQ(S_FALSE, Initialize());
     EXPECT_TRUE(probe->m_initialised);
 }
 
-TEST_F(CommandInitialize, SuccessCodeOfAnEarlierRequest_IsNotAnswered) {
+TEST_F(CommandInitialize, SuccessCodeOfAnEarlierRequest_IsNotReturned) {
     host.fail["get_DataStore"] = S_FALSE;
     EXPECT_EQ(S_OK, Initialize());
 }
@@ -188,7 +188,7 @@ TEST_P(InitializeRequest, Failing_ReleasesWhatItFilledAtTheCommandsEnd) {
     EXPECT_EQ(0, host.OutstandingReferences());
 }
 
-TEST_P(InitializeRequest, Throwing_AnswersTheCodeOfTheRequestBeforeAndMayBeTriedAgain) {
+TEST_P(InitializeRequest, Throwing_ReturnsTheCodeOfTheRequestBeforeAndMayBeTriedAgain) {
     host.ThrowAtCall(GetParam());
     // Before the first request the code is a failure; after it, that of a call that went well.
     EXPECT_EQ(GetParam() == 1 ? E_FAIL : S_OK, Initialize());
