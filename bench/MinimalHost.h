@@ -7,9 +7,9 @@
 
 namespace vant::bench {
 
-/// The least a host can be: one object that is the context and every service. It stores nothing; a call costs
-/// the call, a count, and, where the interface hands something out, the copy or reference handed out. It is
-/// never freed.
+/// The smallest possible host: one object that is the context and every service. It stores nothing; a call
+/// costs the call, a count, and, where the interface hands something out, the copy or reference handed out.
+/// It is never freed.
 class MinimalHost final : public IVantContext,
                           public ICommandRunner,
                           public IComponentService,

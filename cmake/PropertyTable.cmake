@@ -19,9 +19,6 @@ foreach(line IN LISTS lines)
 endforeach()
 list(JOIN kinds "\",\n        \"" kind_texts)
 
-set(class_names "${VANT_CLASSES}")
-list(TRANSFORM class_names REPLACE "[|].*" "")
-
 # One list element per line. Semicolons would split a line; they are replaced until the end. Other characters with a
 # meaning in lists or string literals are marked, and then refused by line.
 string(ASCII 1 refused)
@@ -56,7 +53,7 @@ foreach(row IN LISTS rows)
   set(words "${CMAKE_MATCH_6}")
   set(meaning "${CMAKE_MATCH_7}")
 
-  if(NOT class IN_LIST class_names)
+  if(NOT class IN_LIST VANT_CLASS_NAMES)
     message(FATAL_ERROR "${place}: classes.csv has no class ${class}")
   endif()
   if(class STRLESS previous_class)

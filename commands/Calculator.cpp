@@ -19,7 +19,7 @@ double Apply(std::wstring_view operation, double a, double b) {
     if (operation == L"multiply")
         return a * b;
     if (operation == L"divide")
-        return a / b; // also by zero: what the division yields is the result
+        return a / b; // division by zero is not an error
     if (operation == L"negate")
         return -a;
     return 0.0;
@@ -39,7 +39,7 @@ void CCalculator::Calculate() const {
     CCheckedResult result;
     CComVariant a = ReadOperandA();
     CComVariant b = ReadOperandB();
-    // Both are converted, also where the operation ignores B; a B that was not given counts as 0.
+    // Both are converted, even if the operation ignores B. A B that was not given counts as 0.
     result = a.ChangeType(VT_R8);
     result = b.ChangeType(VT_R8);
     CComVariant value(Apply(GetProperty(L"operation").Text(), a.Get().dblVal, b.Get().dblVal));

@@ -10,7 +10,7 @@ namespace vant {
 /// entry.
 class CCalculator : public CComObjectRootEx<CComMultiThreadModel>,
                     public CComCoClass<CCalculator, &CLSID_Calculator>,
-                    public IVantCommandImpl<CCalculator, &CLSID_Calculator, 115> {
+                    public IVantCommandImpl<CCalculator, &CLSID_Calculator, resource_Calculator> {
 public:
     static constexpr PropertyRow properties[] = {
         {L"dsSourceA", L"sourceA", true}, //

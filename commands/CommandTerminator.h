@@ -7,9 +7,10 @@
 namespace vant {
 
 /// Ends another command of the procedure, typically a persistent one that is still running.
-class CCommandTerminator : public CComObjectRootEx<CComMultiThreadModel>,
-                           public CComCoClass<CCommandTerminator, &CLSID_CommandTerminator>,
-                           public IVantCommandImpl<CCommandTerminator, &CLSID_CommandTerminator, 110> {
+class CCommandTerminator
+    : public CComObjectRootEx<CComMultiThreadModel>,
+      public CComCoClass<CCommandTerminator, &CLSID_CommandTerminator>,
+      public IVantCommandImpl<CCommandTerminator, &CLSID_CommandTerminator, resource_CommandTerminator> {
 public:
     static constexpr PropertyRow properties[] = {
         {L"commandID", nullptr, true},

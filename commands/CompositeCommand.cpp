@@ -7,9 +7,8 @@ namespace vant {
 void CCompositeCommand::ExecuteCommand() {
     CCheckedResult result;
     const CComBSTR list = GetProperty(L"commandIDList");
-    // Each identifier is cut when its turn comes, so that a long list takes no memory.
-    // Every single space separates: adjacent, leading and trailing ones give empty identifiers, which the
-    // host gets like any other.
+    // Identifiers are cut one by one, so that a long list takes no memory. Every space separates: adjacent,
+    // leading and trailing ones yield empty identifiers, which are passed to the host like any other.
     std::wstring_view rest = list.Text();
     for (;;) {
         const std::size_t space = rest.find(L' ');

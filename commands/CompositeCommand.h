@@ -7,9 +7,10 @@
 namespace vant {
 
 /// Runs a list of other commands of the procedure, one after another.
-class CCompositeCommand : public CComObjectRootEx<CComMultiThreadModel>,
-                          public CComCoClass<CCompositeCommand, &CLSID_CompositeCommand>,
-                          public IVantCommandImpl<CCompositeCommand, &CLSID_CompositeCommand, 103> {
+class CCompositeCommand
+    : public CComObjectRootEx<CComMultiThreadModel>,
+      public CComCoClass<CCompositeCommand, &CLSID_CompositeCommand>,
+      public IVantCommandImpl<CCompositeCommand, &CLSID_CompositeCommand, resource_CompositeCommand> {
 public:
     static constexpr PropertyRow properties[] = {
         {L"commandIDList", nullptr, true},

@@ -7,9 +7,10 @@
 namespace vant {
 
 /// Stores a literal text in a data-store entry.
-class CDataStoreWriter : public CComObjectRootEx<CComMultiThreadModel>,
-                         public CComCoClass<CDataStoreWriter, &CLSID_DataStoreWriter>,
-                         public IVantCommandImpl<CDataStoreWriter, &CLSID_DataStoreWriter, 118> {
+class CDataStoreWriter
+    : public CComObjectRootEx<CComMultiThreadModel>,
+      public CComCoClass<CDataStoreWriter, &CLSID_DataStoreWriter>,
+      public IVantCommandImpl<CDataStoreWriter, &CLSID_DataStoreWriter, resource_DataStoreWriter> {
 public:
     static constexpr PropertyRow properties[] = {
         {L"dsLocation", nullptr, true},

@@ -11,7 +11,8 @@ namespace vant {
 class CDiagnosticTestInstruction
     : public CComObjectRootEx<CComMultiThreadModel>,
       public CComCoClass<CDiagnosticTestInstruction, &CLSID_DiagnosticTestInstruction>,
-      public IVantCommandImpl<CDiagnosticTestInstruction, &CLSID_DiagnosticTestInstruction, 150> {
+      public IVantCommandImpl<CDiagnosticTestInstruction, &CLSID_DiagnosticTestInstruction,
+                              resource_DiagnosticTestInstruction> {
 public:
     static constexpr PropertyRow properties[] = {
         {L"dsValue", nullptr, true},

@@ -27,7 +27,7 @@ void CEGRValvePositionAdjuster::ExecuteCommand() {
     try {
         Walk();
     } catch (...) {
-        std::ignore = SetTransition(GetProperty(L"failTransition"));
+        std::ignore = ChooseTransition(L"failTransition");
     }
 }
 

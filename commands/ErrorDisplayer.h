@@ -6,10 +6,11 @@
 
 namespace vant {
 
-/// Does nothing with its properties but to demand them.
-class CErrorDisplayer : public CComObjectRootEx<CComMultiThreadModel>,
-                        public CComCoClass<CErrorDisplayer, &CLSID_ErrorDisplayer>,
-                        public IVantCommandImpl<CErrorDisplayer, &CLSID_ErrorDisplayer, 106> {
+/// Requires its property and does nothing.
+class CErrorDisplayer
+    : public CComObjectRootEx<CComMultiThreadModel>,
+      public CComCoClass<CErrorDisplayer, &CLSID_ErrorDisplayer>,
+      public IVantCommandImpl<CErrorDisplayer, &CLSID_ErrorDisplayer, resource_ErrorDisplayer> {
 public:
     static constexpr PropertyRow properties[] = {
         {L"dsString", nullptr, true},

@@ -4,24 +4,24 @@
 #include "ecm/ResultPolicy.h"
 
 #include <optional>
-#include <string>
 #include <tuple>
 
 namespace vant {
 
 namespace {
 
-/// A field of a fault record, which goes by either of two names.
+/// The two names of one field of a fault record.
 struct FieldNames {
-    std::wstring_view name;
-    std::wstring_view otherName;
+    CBstrLiteral<7> name;
+    CBstrLiteral<9> otherName;
 
-    bool Contain(std::wstring_view text) const { return SameText(text, name) || SameText(text, otherName); }
+    bool Contain(BSTR text) const { return SameText(text, name.Get()) || SameText(text, otherName.Get()); }
 };
 constexpr FieldNames statusField{L"199009", L"16786047"};
 constexpr FieldNames faultCodeField{L"199008", L"16786048"};
+constexpr CBstrLiteral activeStatus(L"Active");
 
-constexpr LONG faultArrayKind = 2; // the host's; parameters are of kind 1
+constexpr LONG faultArrayKind = 2; // parameters have kind 1
 
 /// Item number `index`, counted from 0, of a list that itself counts from 1.
 template <class Item, class List>
@@ -33,8 +33,8 @@ CComPtr<Item> ItemAt(List& list, LONG index) {
     return item;
 }
 
-/// The value of the first field of either name; nothing where there is none. Later fields are not looked at.
-std::optional<std::wstring> ReadField(IFaultRecord& record, const FieldNames& names) {
+/// The value of the first field with either name, or nothing. Later fields are not read.
+std::optional<CComBSTR> ReadField(IFaultRecord& record, const FieldNames& names) {
     CCheckedResult result;
     LONG count = 0;
     result = record.get_Count(&count);
@@ -42,21 +42,21 @@ std::optional<std::wstring> ReadField(IFaultRecord& record, const FieldNames& na
         const auto field = ItemAt<IFaultField>(record, i);
         CComBSTR name;
         result = field->get_Name(&name);
-        if (!names.Contain(name.Text()))
+        if (!names.Contain(name.Get()))
             continue;
         CComBSTR value;
         result = field->get_Value(&value);
-        return std::wstring(value.Text());
+        return value;
     }
     return std::nullopt;
 }
 
 bool IsActive(IFaultRecord& record) {
     const auto status = ReadField(record, statusField);
-    return status && SameText(*status, L"Active");
+    return status && SameText(status->Get(), activeStatus.Get());
 }
 
-/// The first active record; null where there is none.
+/// The first active record, or null.
 CComPtr<IFaultRecord> FindActive(IFaultRecordList& records) {
     CCheckedResult result;
     LONG count = 0;
@@ -75,7 +75,7 @@ void CFaultArrayChecker::ExecuteCommand() {
     try {
         Check();
     } catch (...) {
-        // Ends quietly: nothing more is stored and no transition is taken.
+        // Ends quietly: nothing further is stored, and no transition is chosen.
     }
 }
 
@@ -91,15 +91,15 @@ void CFaultArrayChecker::Check() const {
     const auto active = FindActive(*records.Get());
     if (!active) {
         if (HasProperty(L"successTransitionID"))
-            result = SetTransition(GetProperty(L"successTransitionID"));
+            result = ChooseTransition(L"successTransitionID");
         return;
     }
     if (HasProperty(L"dsFaultCode")) {
-        const CComVariant code(CComBSTR(ReadField(*active.Get(), faultCodeField).value_or(L"")));
+        const CComVariant code(ReadField(*active.Get(), faultCodeField).value_or(CComBSTR(L"")));
         result = SetDataStoreValue(GetProperty(L"dsFaultCode"), code);
     }
     if (HasProperty(L"failTransitionID"))
-        result = SetTransition(GetProperty(L"failTransitionID"));
+        result = ChooseTransition(L"failTransitionID");
 }
 
 } // namespace vant

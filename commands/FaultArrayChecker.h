@@ -8,9 +8,10 @@ namespace vant {
 
 /// Looks for the first active fault in a fault array of the engine control module, stores its code and
 /// branches.
-class CFaultArrayChecker : public CComObjectRootEx<CComMultiThreadModel>,
-                           public CComCoClass<CFaultArrayChecker, &CLSID_FaultArrayChecker>,
-                           public IVantCommandImpl<CFaultArrayChecker, &CLSID_FaultArrayChecker, 113> {
+class CFaultArrayChecker
+    : public CComObjectRootEx<CComMultiThreadModel>,
+      public CComCoClass<CFaultArrayChecker, &CLSID_FaultArrayChecker>,
+      public IVantCommandImpl<CFaultArrayChecker, &CLSID_FaultArrayChecker, resource_FaultArrayChecker> {
 public:
     static constexpr PropertyRow properties[] = {
         {L"arrayID", nullptr, true},

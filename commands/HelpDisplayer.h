@@ -6,10 +6,10 @@
 
 namespace vant {
 
-/// Does nothing with its properties but to demand them.
+/// Requires its properties and does nothing.
 class CHelpDisplayer : public CComObjectRootEx<CComMultiThreadModel>,
                        public CComCoClass<CHelpDisplayer, &CLSID_HelpDisplayer>,
-                       public IVantCommandImpl<CHelpDisplayer, &CLSID_HelpDisplayer, 107> {
+                       public IVantCommandImpl<CHelpDisplayer, &CLSID_HelpDisplayer, resource_HelpDisplayer> {
 public:
     static constexpr PropertyRow properties[] = {
         {L"helpFile", nullptr, true},

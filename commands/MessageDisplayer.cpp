@@ -5,12 +5,12 @@
 namespace vant {
 
 void CMessageDisplayer::ExecuteCommand() {
-    CComBSTR text;
-    std::ignore = GetDataStoreText(GetProperty(L"dsString"), text);
+    CComVariant value;
+    std::ignore = GetDataStoreValue(GetProperty(L"dsString"), value);
     const HWND foreground = GetForegroundWindow();
     if (!foreground)
-        return; // the message is dropped, deliberately without any report
-    MessageBoxW(foreground, text.Text().data(), L"TORVEX",
+        return; // The message is dropped on purpose, without any report.
+    MessageBoxW(foreground, TextOf(StringMember(value.Get())).data(), L"TORVEX",
                 MB_OK | MB_ICONEXCLAMATION | MB_TASKMODAL | MB_SETFOREGROUND);
 }
 

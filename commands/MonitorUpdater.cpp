@@ -10,7 +10,8 @@ namespace vant {
 
 namespace {
 
-/// Splits at runs of spaces. A space at the beginning gives an empty first id; one at the end gives nothing.
+/// Splits at runs of spaces. A space at the beginning yields an empty first id; one at the end yields
+/// nothing.
 std::vector<std::wstring> Split(std::wstring_view text) {
     std::vector<std::wstring> ids;
     for (std::size_t start = 0; start < text.size();) {
@@ -29,7 +30,7 @@ void CMonitorUpdater::ExecutePersistent() {
         Publish(id);
 }
 
-/// Splits again only where the text has changed.
+/// Splits again only if the text has changed.
 std::shared_ptr<const CMonitorUpdater::ParameterIds> CMonitorUpdater::CurrentIds() {
     const CComBSTR text = GetProperty(L"parameterIDs");
     auto current = m_parameterIDs.Get();

@@ -15,7 +15,8 @@ namespace vant {
 /// prefix, and tells the component which prefix to show. The first failure ends it for good.
 class CMonitorUpdater : public CComObjectRootEx<CComMultiThreadModel>,
                         public CComCoClass<CMonitorUpdater, &CLSID_MonitorUpdater>,
-                        public IVantPersistentCommandImpl<CMonitorUpdater, &CLSID_MonitorUpdater, 109, 250> {
+                        public IVantPersistentCommandImpl<CMonitorUpdater, &CLSID_MonitorUpdater,
+                                                          resource_MonitorUpdater, 250> {
 public:
     static constexpr PropertyRow properties[] = {
         {L"parameterIDs", nullptr, true},

@@ -7,9 +7,10 @@
 namespace vant {
 
 /// Stores the current value of one parameter of the engine control module, as text, in a data-store entry.
-class CParameterLoader : public CComObjectRootEx<CComMultiThreadModel>,
-                         public CComCoClass<CParameterLoader, &CLSID_ParameterLoader>,
-                         public IVantCommandImpl<CParameterLoader, &CLSID_ParameterLoader, 114> {
+class CParameterLoader
+    : public CComObjectRootEx<CComMultiThreadModel>,
+      public CComCoClass<CParameterLoader, &CLSID_ParameterLoader>,
+      public IVantCommandImpl<CParameterLoader, &CLSID_ParameterLoader, resource_ParameterLoader> {
 public:
     static constexpr PropertyRow properties[] = {
         {L"parameterID", nullptr, true},

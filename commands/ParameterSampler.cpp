@@ -1,7 +1,7 @@
 #include "commands/ParameterSampler.h"
 
+#include "ecm/Conversion.h"
 #include "ecm/ResultPolicy.h"
-#include "framework/Conversion.h"
 
 #include <algorithm>
 
@@ -15,20 +15,20 @@ void CParameterSampler::ExecutePersistent() {
     double sum = 0.0;
     for (LONG counter = 0; counter < numSamples; ++counter) {
         sum += ReadParameterAsDouble(GetProperty(L"parameterID"));
-        // After the last reading, too.
+        // The last reading is followed by a wait, too.
         if (IsStoppedWithin(period))
             return;
     }
     CCheckedResult result;
-    CComVariant mean(sum / numSamples); // not a number where no reading was asked for
+    CComVariant mean(sum / numSamples); // not a number if numSamples is 0
     result = mean.ChangeType(VT_BSTR);
     result = SetDataStoreValue(GetProperty(L"dsTarget"), mean);
     if (IsStoppedWithin(0))
         return;
-    result = SetTransition(GetProperty(L"completionTransition")); // null where it was not given
+    result = ChooseTransition(L"completionTransition"); // null if it was not given
 }
 
-/// 0 for a property that was not set or is no number.
+/// 0 for a property that was not set or is not a number.
 LONG CParameterSampler::ReadNumber(PropertyName name) const {
     return ToLongOrZero(CComVariant(GetProperty(name)), lcidEnglishUS);
 }

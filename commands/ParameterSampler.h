@@ -7,10 +7,10 @@
 namespace vant {
 
 /// Takes readings of one parameter at a fixed spacing, stores their mean as text and chooses a transition.
-class CParameterSampler
-    : public CComObjectRootEx<CComMultiThreadModel>,
-      public CComCoClass<CParameterSampler, &CLSID_ParameterSampler>,
-      public IVantPersistentCommandImpl<CParameterSampler, &CLSID_ParameterSampler, 116, 0> {
+class CParameterSampler : public CComObjectRootEx<CComMultiThreadModel>,
+                          public CComCoClass<CParameterSampler, &CLSID_ParameterSampler>,
+                          public IVantPersistentCommandImpl<CParameterSampler, &CLSID_ParameterSampler,
+                                                            resource_ParameterSampler, 0> {
 public:
     static constexpr PropertyRow properties[] = {
         {L"parameterID", nullptr, true},

@@ -14,8 +14,8 @@ void CParameterWriter::ExecuteCommand() {
         throw std::runtime_error("Failure reading from data service"); // "reading": the wording is kept
 }
 
-/// A literal is a string; an entry keeps its type. The entry's read is not checked: one that is missing is
-/// empty.
+/// A literal is written as a string; an entry keeps its type. The read is not checked: a missing entry counts
+/// as empty.
 CComVariant CParameterWriter::ReadValue() const {
     if (HasProperty(L"value"))
         return CComVariant(GetProperty(L"value"));

@@ -7,9 +7,10 @@
 namespace vant {
 
 /// Writes one value into one parameter of the engine control module.
-class CParameterWriter : public CComObjectRootEx<CComMultiThreadModel>,
-                         public CComCoClass<CParameterWriter, &CLSID_ParameterWriter>,
-                         public IVantCommandImpl<CParameterWriter, &CLSID_ParameterWriter, 101> {
+class CParameterWriter
+    : public CComObjectRootEx<CComMultiThreadModel>,
+      public CComCoClass<CParameterWriter, &CLSID_ParameterWriter>,
+      public IVantCommandImpl<CParameterWriter, &CLSID_ParameterWriter, resource_ParameterWriter> {
 public:
     static constexpr PropertyRow properties[] = {
         {L"parameterID", L"dsParameterID", true},

@@ -17,8 +17,10 @@ CComBSTR CPropertySetter::ReadRawValue() const {
         return GetProperty(L"value");
     if (HasProperty(L"dsValue")) {
         CCheckedResult result;
-        CComBSTR text;
-        result = GetDataStoreText(GetProperty(L"dsValue"), text);
+        CComVariant value;
+        result = GetDataStoreValue(GetProperty(L"dsValue"), value);
+        CComBSTR text = CComBSTR::Copy(StringMember(value.Get()));
+        result = value.Clear(); // fails for a type that does not exist
         return text;
     }
     if (HasProperty(L"pValue"))

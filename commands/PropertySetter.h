@@ -8,15 +8,16 @@ namespace vant {
 
 /// Sets one property of one component of the display to a text: literal, from the data store, or the current
 /// text of a parameter, with "$p(NAME)" replaced by the current text of parameter NAME.
-class CPropertySetter : public CComObjectRootEx<CComMultiThreadModel>,
-                        public CComCoClass<CPropertySetter, &CLSID_PropertySetter>,
-                        public IVantCommandImpl<CPropertySetter, &CLSID_PropertySetter, 102> {
+class CPropertySetter
+    : public CComObjectRootEx<CComMultiThreadModel>,
+      public CComCoClass<CPropertySetter, &CLSID_PropertySetter>,
+      public IVantCommandImpl<CPropertySetter, &CLSID_PropertySetter, resource_PropertySetter> {
 public:
     static constexpr PropertyRow properties[] = {
         {L"propertyName", nullptr, true}, //
         {L"componentID", nullptr, true},  //
-        {L"pValue", nullptr, false},      // of these three any number may be given, also none;
-        {L"value", nullptr, false},       // "value" goes before "dsValue", "dsValue" before "pValue"
+        {L"pValue", nullptr, false},      // any number of these three may be given;
+        {L"value", nullptr, false},       // "value" precedes "dsValue", and "dsValue" "pValue"
         {L"dsValue", nullptr, false},
     };
 

@@ -24,7 +24,7 @@ void CSampledThrottleAdjuster::ExecuteCommand() {
     try {
         Adjust();
     } catch (...) {
-        std::ignore = SetTransition(GetProperty(L"failTransition"));
+        std::ignore = ChooseTransition(L"failTransition");
     }
 }
 
@@ -44,11 +44,11 @@ void CSampledThrottleAdjuster::Adjust() const {
         } else if (ReadParameterAsLongOrZero(CComBSTR(statusId)) == requiredStatus) {
             done = true;
         } else {
-            std::ignore = SetTransition(GetProperty(L"failTransition"));
+            std::ignore = ChooseTransition(L"failTransition");
             return;
         }
     }
-    result = SetTransition(GetProperty(L"successTransition"));
+    result = ChooseTransition(L"successTransition");
 }
 
 } // namespace vant

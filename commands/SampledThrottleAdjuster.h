@@ -7,12 +7,13 @@
 namespace vant {
 
 /// Steps the throttle command until the engine speed lies in its band, then checks a status and chooses a
-/// transition. There is no limit to the command, nor to the number of steps, and nothing stops it; each step
+/// transition. Neither the command nor the number of steps is limited, and it cannot be stopped; each step
 /// takes 5 s on the thread that executes the command.
 class CSampledThrottleAdjuster
     : public CComObjectRootEx<CComMultiThreadModel>,
       public CComCoClass<CSampledThrottleAdjuster, &CLSID_SampledThrottleAdjuster>,
-      public IVantCommandImpl<CSampledThrottleAdjuster, &CLSID_SampledThrottleAdjuster, 202> {
+      public IVantCommandImpl<CSampledThrottleAdjuster, &CLSID_SampledThrottleAdjuster,
+                              resource_SampledThrottleAdjuster> {
 public:
     static constexpr PropertyRow properties[] = {
         {L"successTransition", nullptr, true},

@@ -9,7 +9,7 @@ namespace vant {
 void CStartConditionChecker::ExecuteCommand() {
     const CComPtr<IConditionSet> conditions = ReadConditionSet(GetProperty(L"dsSetID"));
     VARIANT_BOOL allMet = VARIANT_FALSE;
-    // Only the flag counts: a set that cannot be evaluated is one that is not met.
+    // Only the flag counts: a set that cannot be evaluated is not met.
     std::ignore = conditions->Evaluate(&allMet);
     if (allMet == VARIANT_TRUE) {
         ChooseOptional(L"validTransitionID");
@@ -21,10 +21,10 @@ void CStartConditionChecker::ExecuteCommand() {
     ChooseOptional(L"invalidTransitionID");
 }
 
-void CStartConditionChecker::ChooseOptional(PropertyName transitionId) const {
+void CStartConditionChecker::ChooseOptional(PropertyName transition) const {
     CCheckedResult result;
-    if (HasProperty(transitionId))
-        result = SetTransition(GetProperty(transitionId));
+    if (HasProperty(transition))
+        result = ChooseTransition(transition);
 }
 
 } // namespace vant

@@ -6,12 +6,12 @@
 
 namespace vant {
 
-/// Asks a condition set once and chooses a transition by the answer; where a condition does not hold, it
-/// copies that condition's message first.
-class CStartConditionChecker
-    : public CComObjectRootEx<CComMultiThreadModel>,
-      public CComCoClass<CStartConditionChecker, &CLSID_StartConditionChecker>,
-      public IVantCommandImpl<CStartConditionChecker, &CLSID_StartConditionChecker, 104> {
+/// Evaluates a condition set once and chooses a transition by the result. If a condition does not hold, it
+/// first copies that condition's message.
+class CStartConditionChecker : public CComObjectRootEx<CComMultiThreadModel>,
+                               public CComCoClass<CStartConditionChecker, &CLSID_StartConditionChecker>,
+                               public IVantCommandImpl<CStartConditionChecker, &CLSID_StartConditionChecker,
+                                                       resource_StartConditionChecker> {
 public:
     static constexpr PropertyRow properties[] = {
         {L"dsSetID", nullptr, true},
@@ -24,7 +24,7 @@ protected:
     void ExecuteCommand() override;
 
 private:
-    void ChooseOptional(PropertyName transitionId) const;
+    void ChooseOptional(PropertyName transition) const;
 };
 
 } // namespace vant

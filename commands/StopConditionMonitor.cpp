@@ -8,7 +8,7 @@ void CStopConditionMonitor::ExecutePersistent() {
     try {
         CheckOnce();
     } catch (...) {
-        // Whatever fails ends this round alone.
+        // A failure ends only this round.
     }
 }
 
@@ -21,7 +21,7 @@ void CStopConditionMonitor::CheckOnce() {
         return;
     const CComVariant message = ReadFailureMessage(*conditions.Get());
     result = SetDataStoreValue(GetProperty(L"dsMessageID"), message);
-    result = SetTransition(GetProperty(L"failTransitionID"));
+    result = ChooseTransition(L"failTransitionID");
     result = Stop();
 }
 

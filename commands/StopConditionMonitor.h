@@ -11,7 +11,8 @@ namespace vant {
 class CStopConditionMonitor
     : public CComObjectRootEx<CComMultiThreadModel>,
       public CComCoClass<CStopConditionMonitor, &CLSID_StopConditionMonitor>,
-      public IVantPersistentCommandImpl<CStopConditionMonitor, &CLSID_StopConditionMonitor, 108, 250> {
+      public IVantPersistentCommandImpl<CStopConditionMonitor, &CLSID_StopConditionMonitor,
+                                        resource_StopConditionMonitor, 250> {
 public:
     static constexpr PropertyRow properties[] = {
         {L"dsSetID", nullptr, true},

@@ -1,7 +1,7 @@
 #include "commands/StringFormatter.h"
 
+#include "ecm/Conversion.h"
 #include "ecm/ResultPolicy.h"
-#include "framework/Conversion.h"
 #include "framework/ReferenceExpansion.h"
 
 #include <cfloat>
@@ -13,6 +13,10 @@
 namespace vant {
 
 namespace {
+
+constexpr CBstrLiteral substitute(L"substitute");
+constexpr CBstrLiteral round(L"round");
+constexpr CBstrLiteral numToHms(L"numToHMS");
 
 double ToDouble(CComBSTR text) {
     CComVariant number(std::move(text));
@@ -27,18 +31,20 @@ LONG Truncate(double number) {
     return fits ? static_cast<LONG>(whole) : smallest;
 }
 
-// 0.03 times 100 is 3 as a double and less than that with more digits: what is cut off would differ.
+// As a double, 0.03 times 100 is 3; with more digits it is less, and would be cut to 2.
 static_assert(FLT_EVAL_METHOD == 0);
 
-/// Cuts the further decimals off; deliberately no rounding to the nearest.
+/// Cuts further decimals off; on purpose it does not round to the nearest.
 CComBSTR Round(const CComBSTR& text, LONG decimals) {
     // In extended precision: some runtimes are off by a digit for small powers in double.
     const auto scale = static_cast<double>(std::pow(10.0L, decimals));
+    CCheckedResult result;
     CComVariant rounded(Truncate(ToDouble(text) * scale) / scale);
-    return SUCCEEDED(rounded.ChangeType(VT_BSTR)) ? CComBSTR::Copy(StringMember(rounded.Get())) : CComBSTR();
+    result = rounded.ChangeType(VT_BSTR); // fails only without memory
+    return CComBSTR::Copy(StringMember(rounded.Get()));
 }
 
-/// Numbers below 0 count as having one digit, too: -1 gives 0-1.
+/// Negative numbers are padded like those of one digit: -1 yields 0-1.
 std::wstring FormatTwoDigits(LONG value) {
     return (value <= 9 ? L"0" : L"") + std::to_wstring(value);
 }
@@ -64,17 +70,17 @@ void CStringFormatter::Format() const {
     CCheckedResult result;
     const CComBSTR operation = GetProperty(L"operation");
     const CComBSTR source = ReadEntryAsText(GetProperty(L"dsSourceString"));
-    const CComVariant output(Apply(operation.Text(), source));
+    const CComVariant output(Apply(operation.Get(), source));
     result = SetDataStoreValue(GetProperty(L"dsTargetString"), output);
 }
 
-/// An operation that is none of the three gives a null text, which is no failure.
-CComBSTR CStringFormatter::Apply(std::wstring_view operation, const CComBSTR& text) const {
-    if (SameText(operation, L"substitute"))
+/// Any other operation yields a null text, which is not a failure.
+CComBSTR CStringFormatter::Apply(BSTR operation, const CComBSTR& text) const {
+    if (SameText(operation, substitute.Get()))
         return Substitute(text);
-    if (SameText(operation, L"round"))
+    if (SameText(operation, round.Get()))
         return Round(text, ToLongOrZero(CComVariant(GetProperty(L"roundLength")), lcidEnglishUS));
-    if (SameText(operation, L"numToHMS"))
+    if (SameText(operation, numToHms.Get()))
         return NumToHms(text);
     return CComBSTR();
 }
@@ -90,7 +96,7 @@ CComBSTR CStringFormatter::ReadEntryAsText(const CComBSTR& entry) const {
     CCheckedResult result;
     CComVariant value;
     result = GetDataStoreValue(entry, value);
-    // What has no text counts as an empty one; running out of memory is a failure all the same.
+    // A value that has no text counts as empty, but running out of memory is a failure.
     if (const HRESULT converted = value.ChangeType(VT_BSTR); converted == E_OUTOFMEMORY)
         result = converted;
     return CComBSTR::Copy(StringMember(value.Get()));

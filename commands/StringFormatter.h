@@ -9,12 +9,13 @@ namespace vant {
 /// Rewrites the text of one data-store entry by one of three operations and stores the result in another
 /// entry.
 ///
-/// An entry that must give a text and holds a number gives the text of that number. A text that must give a
-/// number and is none counts as 0. Rounding is plain double arithmetic: hundreds of decimals, either way,
-/// give what infinities and divisions by zero give.
-class CStringFormatter : public CComObjectRootEx<CComMultiThreadModel>,
-                         public CComCoClass<CStringFormatter, &CLSID_StringFormatter>,
-                         public IVantCommandImpl<CStringFormatter, &CLSID_StringFormatter, 117> {
+/// A number in an entry is read as its text. A text that is not a number counts as 0 where a number is
+/// needed. Rounding is plain double arithmetic: hundreds of decimals, positive or negative, end in infinities
+/// or divisions by zero.
+class CStringFormatter
+    : public CComObjectRootEx<CComMultiThreadModel>,
+      public CComCoClass<CStringFormatter, &CLSID_StringFormatter>,
+      public IVantCommandImpl<CStringFormatter, &CLSID_StringFormatter, resource_StringFormatter> {
 public:
     static constexpr PropertyRow properties[] = {
         {L"dsSourceString", nullptr, true},
@@ -28,7 +29,7 @@ protected:
 
 private:
     void Format() const;
-    CComBSTR Apply(std::wstring_view operation, const CComBSTR& text) const;
+    CComBSTR Apply(BSTR operation, const CComBSTR& text) const;
     /// Replaces "$p(NAME)" by the text of parameter NAME and then, also in what was inserted, "$d(NAME)" by
     /// the text of data-store entry NAME.
     CComBSTR Substitute(const CComBSTR& text) const;

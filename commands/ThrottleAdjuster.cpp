@@ -24,7 +24,7 @@ void CThrottleAdjuster::ExecutePersistent() {
     try {
         Adjust();
     } catch (...) {
-        std::ignore = SetTransition(GetProperty(L"failTransition"));
+        std::ignore = ChooseTransition(L"failTransition");
     }
 }
 
@@ -33,7 +33,7 @@ void CThrottleAdjuster::Adjust() {
     const LONG lower = ReadParameterAsLongOrZero(CComBSTR(lowerLimitId));
     const LONG upper = ReadParameterAsLongOrZero(CComBSTR(upperLimitId));
     if (lower > firstCommand || upper < firstCommand) {
-        result = SetTransition(GetProperty(L"failTransition"));
+        result = ChooseTransition(L"failTransition");
         return;
     }
     LONG command = firstCommand;
@@ -51,11 +51,11 @@ void CThrottleAdjuster::Adjust() {
         else
             done = true;
         if (command > upper || command < lower) {
-            result = SetTransition(GetProperty(L"failTransition"));
+            result = ChooseTransition(L"failTransition");
             return;
         }
     }
-    result = SetTransition(GetProperty(L"successTransition"));
+    result = ChooseTransition(L"successTransition");
 }
 
 } // namespace vant

@@ -8,10 +8,10 @@ namespace vant {
 
 /// Steps the throttle command within the engine's limits until the engine speed lies in its band, and chooses
 /// a transition. The throttle stays as it was commanded last.
-class CThrottleAdjuster
-    : public CComObjectRootEx<CComMultiThreadModel>,
-      public CComCoClass<CThrottleAdjuster, &CLSID_ThrottleAdjuster>,
-      public IVantPersistentCommandImpl<CThrottleAdjuster, &CLSID_ThrottleAdjuster, 112, 0> {
+class CThrottleAdjuster : public CComObjectRootEx<CComMultiThreadModel>,
+                          public CComCoClass<CThrottleAdjuster, &CLSID_ThrottleAdjuster>,
+                          public IVantPersistentCommandImpl<CThrottleAdjuster, &CLSID_ThrottleAdjuster,
+                                                            resource_ThrottleAdjuster, 0> {
 public:
     static constexpr PropertyRow properties[] = {
         {L"successTransition", nullptr, true},

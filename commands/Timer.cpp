@@ -9,6 +9,7 @@ namespace vant {
 namespace {
 
 constexpr DWORD tick = 1000; // ms
+constexpr CBstrLiteral upCounter(L"upCounter");
 
 CComVariant ToText(LONG number) {
     CCheckedResult result;
@@ -29,9 +30,9 @@ void CTimer::ExecutePersistent() {
 
 void CTimer::Count() {
     const LONG length = ReadLength();
-    const bool countsUp = HasProperty(L"type") && SameText(GetProperty(L"type").Text(), L"upCounter");
+    const bool countsUp = HasProperty(L"type") && SameText(GetProperty(L"type").Get(), upCounter.Get());
     const CComBSTR entry = GetProperty(L"dsBase");
-    // The first publication is the length as an integer, for both kinds; later ones are texts. Screens rely
+    // The first publication is the length as an integer, for both types; later ones are texts. Screens rely
     // on it.
     std::ignore = SetDataStoreValue(entry, CComVariant(length));
     RunOptional(L"startCommandID");
@@ -40,7 +41,7 @@ void CTimer::Count() {
         if (m_stopEvent.Wait(tick) != WAIT_TIMEOUT)
             return;
         --remaining;
-        // Both kinds go one beyond the end: to -1, or to the length and 1.
+        // Both types count one beyond the end: to -1, or to the length plus 1.
         std::ignore = SetDataStoreValue(entry, ToText(countsUp ? length - remaining : remaining));
     }
     RunOptional(L"stopCommandID");

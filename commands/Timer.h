@@ -7,10 +7,10 @@
 namespace vant {
 
 /// Counts seconds, down from a length or up to it, publishes the count and has other commands run: one at the
-/// start, one at every tick, one when the count has run out. A stopped timer runs nothing more.
+/// start, one at every tick, one when the count has run out. A stopped timer runs no further command.
 class CTimer : public CComObjectRootEx<CComMultiThreadModel>,
                public CComCoClass<CTimer, &CLSID_Timer>,
-               public IVantPersistentCommandImpl<CTimer, &CLSID_Timer, 111, 0> {
+               public IVantPersistentCommandImpl<CTimer, &CLSID_Timer, resource_Timer, 0> {
 public:
     static constexpr PropertyRow properties[] = {
         {L"length", L"dsLength", true},      {L"dsBase", nullptr, true},

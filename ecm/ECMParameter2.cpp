@@ -1,5 +1,7 @@
 #include "ecm/ECMParameter2.h"
 
+#include "ecm/Conversion.h"
+
 #include <algorithm>
 #include <cwchar>
 #include <limits>
@@ -11,8 +13,8 @@ namespace vant {
 
 namespace {
 
-/// The leading decimal digits of `text`, after blanks and a sign, as a number; 0 where there are none. What
-/// does not fit 32 bits becomes the nearest number that does.
+/// The leading decimal digits of `text`, after blanks and a sign, as a number; 0 without digits. A number
+/// beyond 32 bits becomes the nearest one that fits.
 LONG LeadingNumber(std::wstring_view text) {
     const long long number = std::wcstoll(std::wstring(text).c_str(), nullptr, 10);
     return static_cast<LONG>(
@@ -42,11 +44,11 @@ ECMParameter2::~ECMParameter2() {
     try {
         std::ignore = m_directory->CloseECM(m_handle);
     } catch (...) {
-        // Nothing may leave a destructor, whatever the host does.
+        // No exception may leave a destructor.
     }
 }
 
-/// False also where any step but the connection's two fails: the protocol is then not known to want it.
+/// Returns false if a step fails. Only the two calls for the connection throw.
 bool ECMParameter2::ProtocolWantsDataService() const {
     CComPtr<IProtocolSource> source;
     if (!m_sessionManager || FAILED(m_sessionManager->GetProtocolSource(&source)) || !source)
@@ -67,13 +69,12 @@ bool ECMParameter2::ProtocolWantsDataService() const {
 
 void ECMParameter2::OpenSession() {
     const LONG ecmId = ConnectionIdentifier();
-    CComPtr<IECMSession> session;
-    LONG handle = -1;
     if (!m_directory || FAILED(m_directory->OpenECM(ecmId, &m_openedECM)) ||
-        FAILED(m_openedECM.QueryInterface(&session)) || !session || FAILED(session->Register(&handle)))
+        FAILED(m_openedECM.QueryInterface(&m_session)) || !m_session)
         return;
-    m_session = std::move(session);
-    m_handle = handle;
+    LONG handle = noHandle;
+    if (SUCCEEDED(m_session->Register(&handle)))
+        m_handle = handle;
 }
 
 LONG ECMParameter2::ConnectionIdentifier() const {
@@ -87,14 +88,7 @@ LONG ECMParameter2::ConnectionIdentifier() const {
 
 HRESULT ECMParameter2::ReadLong(std::wstring_view id, LONG& value) const noexcept {
     try {
-        CCheckedResult result;
-        CComVariant number;
-        if (m_useDataService)
-            number = ReadThroughDataService(id);
-        else
-            result = ReadThroughSession(id, number);
-        result = number.ChangeType(VT_I4, lcidEnglishUS);
-        value = number.Get().lVal;
+        value = m_useDataService ? ReadLongThroughDataService(id) : ReadLongThroughSession(id);
         return S_OK;
     } catch (...) {
         return E_FAIL;
@@ -122,26 +116,35 @@ CComVariant ECMParameter2::ReadThroughDataService(std::wstring_view id) const {
     return value;
 }
 
-HRESULT ECMParameter2::ReadThroughSession(std::wstring_view id, CComVariant& value) const {
-    if (!m_session)
-        return E_POINTER;
+LONG ECMParameter2::ReadLongThroughDataService(std::wstring_view id) const {
+    CCheckedResult result;
+    CComVariant number = ReadThroughDataService(id);
+    result = number.ChangeType(VT_I4, lcidEnglishUS);
+    return number.Get().lVal;
+}
+
+LONG ECMParameter2::ReadLongThroughSession(std::wstring_view id) const {
+    CCheckedResult result;
+    result = m_session ? S_OK : E_POINTER;
     CComPtr<IECMSessionItem> item;
-    if (const HRESULT code = m_session->ReadParameter(LeadingNumber(id), 1, &item); FAILED(code))
-        return code;
-    return item ? item->get_Value(&value) : E_POINTER;
+    std::ignore = m_session->ReadParameter(LeadingNumber(id), 1, &item);
+    result = item ? S_OK : E_POINTER;
+    CComVariant number;
+    std::ignore = item->get_Value(&number);
+    return ToLongOrZero(std::move(number), lcidEnglishUS);
 }
 
 HRESULT ECMParameter2::Write(std::wstring_view id, CComVariant value, bool guarded) {
     if (guarded) {
         m_savedValue = ReadText(L"11");
         CComBSTR guard = ReadText(L"14");
-        if (!SameText(m_savedValue.Text(), guard.Text()))
+        if (!SameText(m_savedValue.Get(), guard.Get()))
             WriteString(L"11", std::move(guard), false);
     }
     WriteThroughDataService(id, value);
     if (guarded) {
         const CComBSTR guard = ReadText(L"14");
-        if (!SameText(m_savedValue.Text(), guard.Text()) && !m_savedValue.Text().empty())
+        if (!SameText(m_savedValue.Get(), guard.Get()) && !m_savedValue.Text().empty())
             WriteString(L"11", m_savedValue, false);
     }
     return value.Clear();

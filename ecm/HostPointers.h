@@ -22,7 +22,7 @@ public:
                                                  reinterpret_cast<void**>(CComPtr<Interface>::operator&()))
                         : E_POINTER;
         if (!*this)
-            result = E_NOINTERFACE; // the object answered success and gave nothing
+            result = E_NOINTERFACE; // success without an object
     }
     THostPtr(const THostPtr&) = default;
     THostPtr& operator=(const THostPtr&) = default;

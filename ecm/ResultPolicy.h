@@ -4,7 +4,7 @@
 // object:
 //
 //     CCheckedResult result;
-//     result = service->DoThis();   // throws CComErrorHandlerException where DoThis fails
+//     result = service->DoThis();   // throws CComErrorHandlerException if DoThis fails
 //     result = service->DoThat();
 
 #include "platform/system.h"
@@ -14,7 +14,7 @@
 
 namespace vant {
 
-/// A failed host call, thrown and caught by value. No std::exception: handlers take all alike, read no field.
+/// A failed host call, thrown and caught by value. Handlers catch every exception alike and read no field.
 class CComErrorHandlerException {
 public:
     CComErrorHandlerException(HRESULT code, std::uint32_t contextCode)
@@ -37,15 +37,14 @@ private:
     std::uint32_t m_trailingValue = 0;
 };
 
-/// What happens at a failure: an exception, and nothing the host could see (no error information object is
-/// set).
+/// Reports a failure by an exception. The host sees nothing of it: no error information object is set.
 struct ErrorCallbackClass {
     [[noreturn]] static void OnError(HRESULT code, std::uint32_t contextCode) {
         throw CComErrorHandlerException(code, contextCode);
     }
 };
 
-/// Which assigned values are failures, and to whom they are reported.
+/// Tells which assigned values are failures, and who reports them.
 template <class ErrorCallback>
 struct HRESULTPolicy {
     using Value = HRESULT;
@@ -56,8 +55,8 @@ struct HRESULTPolicy {
     }
 };
 
-/// Lets a policy act on the first failure assigned, and never again: clean-up code may assign to a result
-/// object that has already thrown.
+/// Reports the first failure that is assigned, and no later one: clean-up code may assign to a result object
+/// that has already thrown.
 template <class Policy>
 class TriggeredAssignmentPolicy {
 public:
@@ -77,8 +76,8 @@ private:
     std::uint32_t m_contextCode = 0;
 };
 
-/// The result of the last host call of one unit of work; E_FAIL before the first. Each failing HRESULT
-/// assigned is stored, the first one is thrown.
+/// The result of the last host call of one unit of work; E_FAIL before the first call. Every HRESULT is
+/// stored; the first failure is thrown.
 template <class Policy>
 class CSmartResult : public TriggeredAssignmentPolicy<Policy> {
 public:

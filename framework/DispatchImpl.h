@@ -4,8 +4,8 @@
 
 namespace vant {
 
-/// IDispatch's part of a dual interface whose type library belongs to the host. It answers as any such object
-/// does where that library is not registered: there is one type description, but it cannot be loaded.
+/// The IDispatch part of a dual interface whose type library belongs to the host. It behaves as if that
+/// library were not registered: there is one type description, but it cannot be loaded.
 template <class Interface, const IID* iid>
 class IDispatchImpl : public Interface {
 public:

@@ -9,7 +9,7 @@
 
 namespace vant {
 
-/// The name of a property, or none. A literal's length is known without counting.
+/// The name of a property, or empty. The length of a literal is known at compile time.
 struct PropertyName : std::wstring_view {
     constexpr PropertyName(std::nullptr_t) noexcept {}
     constexpr PropertyName(std::wstring_view name) noexcept : std::wstring_view(name) {}
@@ -22,8 +22,8 @@ struct PropertyName : std::wstring_view {
 /// One property that a command class accepts.
 struct PropertyRow {
     PropertyName name;
-    /// A second name that gives the same property by another route (literally, or through the data store);
-    /// none where there is no such route. The two exclude each other.
+    /// A second name of the same property, whose value is given another way (literally, or through the data
+    /// store), or empty. The two names exclude each other.
     PropertyName alternativeName;
     bool required;
 };
@@ -34,16 +34,14 @@ using PropertyTable = std::span<const PropertyRow>;
 /// The properties that were set on one command, by name. A name keeps its first value.
 using PropertyMap = std::map<CComBSTR, CComBSTR, LocaleLess>;
 
-/// The value of a property; null where it was not set. Names are compared character for character: the
-/// declared ones are few and all different, so going through them costs less than comparisons in the order of
-/// the locale.
+/// The value of a property; null if it was not set. Names are compared character by character: there are few,
+/// so a search in order costs less than comparisons by locale.
 const CComBSTR* FindProperty(const PropertyMap& properties, PropertyName name) noexcept;
 
 /// Whether `name` is a name or alternative name of the table, character for character.
 bool IsDeclaredProperty(PropertyTable table, std::wstring_view name) noexcept;
 
-/// Whether every required row is given, and no row by both of its names. Values are not looked at: an empty
-/// one counts as given.
+/// Whether every required property is given, and none by both of its names. An empty value counts as given.
 bool ValidateProperties(PropertyTable table, const PropertyMap& properties);
 
 } // namespace vant

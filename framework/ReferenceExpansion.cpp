@@ -22,7 +22,7 @@ public:
         return prefix.size() <= m_reversed.size() &&
                std::equal(prefix.begin(), prefix.end(), m_reversed.rbegin());
     }
-    /// Distance to the first `character` at or after `offset`; npos where there is none.
+    /// Distance to the first `character` at or after `offset`; npos if there is none.
     std::size_t Find(wchar_t character, std::size_t offset) const {
         const auto from = m_reversed.rbegin() + static_cast<std::ptrdiff_t>(offset);
         const auto found = std::find(from, m_reversed.rend(), character);

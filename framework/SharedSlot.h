@@ -6,7 +6,8 @@
 
 namespace vant {
 
-/// Holds an object that one thread may replace while others use it: who has taken it keeps it. Any thread.
+/// Holds an object that one thread may replace while others use it: a copy from Get keeps it alive. Any
+/// thread.
 template <class Value>
 class CSharedSlot {
 public:
@@ -21,8 +22,8 @@ public:
     }
 
 private:
-    /// Keeps others from the pointer while it is copied, a few instructions long. (The compiler's mutex for
-    /// Windows would leak one allocation for each command.)
+    /// A spin lock around the copying of the pointer, which takes a few instructions. (The compiler's mutex
+    /// for Windows would leak one allocation for each command.)
     class Hold {
     public:
         explicit Hold(std::atomic_flag& held) noexcept : m_held(held) {

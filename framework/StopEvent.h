@@ -8,21 +8,21 @@ namespace vant {
 /// The auto-reset event that ends the run of a persistent command. Each run gets a new one; an earlier one is
 /// closed when the last wait for it has ended.
 ///
-/// Runs that overlap share the newest event from their next wait on. A signal ends one wait; signals do not
-/// accumulate, and one that was given before Renew may be lost. Who has to end overlapping runs signals again
-/// until each of them has ended.
+/// Overlapping runs share the newest event from their next wait on. A signal ends one wait. Signals do not
+/// accumulate, and a signal before Renew may be lost. To end overlapping runs, signal again until each of
+/// them has ended.
 class CStopEvent {
 public:
-    /// For a run that begins. Throws CComException or std::bad_alloc where there is no memory for an event.
+    /// Makes the event of a new run. Throws CComException or std::bad_alloc without memory.
     void Renew() { m_event.Set(std::make_shared<Event>()); }
 
-    /// Any thread. Nothing happens before the first run.
+    /// Any thread. Has no effect before the first run.
     void Signal() noexcept {
         if (const auto event = m_event.Get())
             event->Set();
     }
-    /// As WaitForSingleObject: WAIT_TIMEOUT where nobody signalled, WAIT_OBJECT_0, WAIT_FAILED before the
-    /// first run.
+    /// Waits like WaitForSingleObject. Returns WAIT_OBJECT_0 after a signal, WAIT_TIMEOUT without one, and
+    /// WAIT_FAILED before the first run.
     DWORD Wait(DWORD milliseconds) noexcept {
         const auto event = m_event.Get();
         return event ? event->Wait(milliseconds) : WAIT_FAILED;

@@ -1,7 +1,7 @@
 #include "framework/StopReport.h"
 
 #include "ecm/ResultPolicy.h"
-#include "framework/CaughtError.h"
+#include "framework/ResultFromCaughtException.h"
 
 namespace vant {
 
@@ -14,7 +14,7 @@ HRESULT ReportStop(IUnknown* self, IVantController* controller) noexcept {
         result = controller ? controller->PersistentCommandStopped(command.Get()) : E_POINTER;
         return result;
     } catch (...) {
-        return CodeOfCaughtError();
+        return ResultFromCaughtException();
     }
 }
 

@@ -4,9 +4,9 @@
 
 namespace vant {
 
-/// Tells the controller that the persistent command `self` has been asked to stop. Answers what failed:
-/// asking `self` for IVantPersistentCommand, or the controller; E_POINTER where there is none. `self` is held
-/// meanwhile.
+/// Tells the controller that the persistent command `self` has been asked to stop. Returns the code of the
+/// step that failed: asking `self` for IVantPersistentCommand, or calling the controller (E_POINTER without
+/// one). Holds a reference to `self` during the call.
 HRESULT ReportStop(IUnknown* self, IVantController* controller) noexcept;
 
 } // namespace vant

@@ -1,7 +1,7 @@
 #include "framework/ThreadManagement.h"
 
 #include "ecm/ResultPolicy.h"
-#include "framework/CaughtError.h"
+#include "framework/ResultFromCaughtException.h"
 #include "platform/Bstr.h"
 
 namespace vant {
@@ -10,7 +10,7 @@ CComPtr<IThreadService> CThreadManagement::ThreadService() const {
     CCheckedResult result;
     CComPtr<IThreadService> service;
     result = m_threadServiceRef.QueryInterface(&service);
-    result = service ? S_OK : E_NOINTERFACE; // success that gives nothing
+    result = service ? S_OK : E_NOINTERFACE; // success without an object
     return service;
 }
 
@@ -20,14 +20,14 @@ HRESULT CThreadManagement::StartThread(std::uint32_t callbackId, std::uint32_t a
     const CComPtr<IThreadService> service = ThreadService();
     try {
         CCheckedResult result;
-        result = S_OK; // what an id that is not in the map answers
+        result = S_OK; // for an id that is not in the map
         Callback callback;
         result = MakeCallback(callbackId, callback);
         if (callback.proxy)
             result = Register(*service.Get(), callback, argument);
         return result;
     } catch (...) {
-        return CodeOfCaughtError();
+        return ResultFromCaughtException();
     }
 }
 
@@ -82,7 +82,7 @@ HRESULT CThreadManagement::PassCookie(std::uint32_t callbackId,
             m_threadCookies.erase(entry);
         return result;
     } catch (...) {
-        return CodeOfCaughtError();
+        return ResultFromCaughtException();
     }
 }
 

@@ -21,8 +21,8 @@ struct ThreadCallbackRow {
     const wchar_t* threadName;
 };
 
-/// Starts threads of the host's thread service for one command, and remembers their cookies. What is the same
-/// for all classes, compiled once. [the thread that executes the command]
+/// Starts threads of the host's thread service for one command, and remembers their cookies. Holds the code
+/// that is the same for all classes. [the thread that executes the command]
 ///
 /// Slot 0 of its virtual table is the destructor, 1 to 4 are the four operations. (Compilers that follow the
 /// Itanium C++ ABI give the destructor two slots.)
@@ -33,42 +33,41 @@ public:
     CThreadManagement& operator=(const CThreadManagement&) = delete;
     virtual ~CThreadManagement() = default;
 
-    // Each of the four answers E_FAIL without a thread service, else the first failure.
+    // Each of the four returns E_FAIL without a thread service, else the code of the first failure or S_OK.
 
-    /// Registers the callback of that id. S_OK, and nothing happens, for an id that is not in the map. Throws
-    /// CComErrorHandlerException where the object that stands for the thread service does not answer
-    /// IThreadService.
+    /// Registers the callback with that id. Does nothing for an id that is not in the map. Throws
+    /// CComErrorHandlerException if the thread service's object does not offer IThreadService.
     virtual HRESULT StartThread(std::uint32_t callbackId, std::uint32_t argument);
-    /// Unregisters the callback of that id. S_OK, and nothing happens, where none is registered.
+    /// Unregisters the callback with that id. Does nothing if none is registered.
     virtual HRESULT StopThread(std::uint32_t callbackId);
-    // These two pass the callback's cookie to the service's slots 12 and 11, otherwise as StopThread.
+    // These two pass the cookie to the service's slots 12 and 11, but keep the registration.
     virtual HRESULT CallOperation12(std::uint32_t callbackId);
     virtual HRESULT CallOperation11(std::uint32_t callbackId);
 
 private:
-    /// What the map says of a callback, and a new proxy for it.
+    /// One row of the map, and a new proxy for it.
     struct Callback {
         std::uint32_t settings[3] = {};
         std::uint32_t id = 0;
         const wchar_t* threadName = nullptr;
         CComPtr<IThreadCallback> proxy;
     };
-    /// Fills `callback`; its proxy stays null where the map has no such id.
+    /// Fills `callback`. Its proxy stays null if the map has no such id.
     virtual HRESULT MakeCallback(std::uint32_t callbackId, Callback& callback) = 0;
 
     template <class Class>
     friend class ComNonAddInThreadMgt;
 
-    /// Throws CComErrorHandlerException where the held object does not offer it.
+    /// Throws CComErrorHandlerException if the held object does not offer it.
     CComPtr<IThreadService> ThreadService() const;
     HRESULT Register(IThreadService& service, const Callback& callback, std::uint32_t argument);
     HRESULT PassCookie(std::uint32_t callbackId,
                        HRESULT (STDMETHODCALLTYPE IThreadService::*operation)(std::uint32_t), bool forget);
 
-    /// Cookie by callback id. A callback that is registered again leaves its newest cookie here: the earlier
-    /// thread is the one more likely to have ended.
+    /// Cookies by callback id. A second registration replaces the first cookie: the earlier thread is the one
+    /// more likely to have ended.
     std::map<std::uint32_t, std::uint32_t> m_threadCookies;
-    // Of the callback that was registered last.
+    // Settings and id of the callback that was registered last.
     std::uint32_t m_threadSetting1 = 0;
     std::uint32_t m_threadSetting2 = 0;
     std::uint32_t m_threadSetting3 = 0;
@@ -79,7 +78,7 @@ protected:
 };
 
 /// The same for `Class`, which derives from this and supplies `CallbackMap()`, an array of
-/// ThreadCallbackRow<Class> that ends with a row without procedure.
+/// ThreadCallbackRow<Class>. A row without a procedure ends it.
 template <class Class>
 class ComNonAddInThreadMgt : public CThreadManagement {
 private:

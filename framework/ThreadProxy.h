@@ -8,8 +8,8 @@ namespace vant {
 
 class CThreadManagement;
 
-/// What the host's thread service calls on its thread: passes the call on to a member function of `Class`.
-/// The service owns it; it holds no reference to the command.
+/// The host's thread service calls it on its thread; it calls a member function of `Class`. The service owns
+/// the proxy, which holds no reference to the command.
 template <class Class>
 class CNonAddInThreadProxy : public CComObjectRootEx<CComMultiThreadModel>,
                              public IDispatchImpl<IThreadCallback, &IID_IThreadCallback> {
@@ -26,7 +26,7 @@ public:
         try {
             (dynamic_cast<Class&>(*m_owner).*m_procedure)();
         } catch (...) {
-            // The thread ends, and nobody is told.
+            // The thread ends without a report.
         }
         return E_FAIL;
     }

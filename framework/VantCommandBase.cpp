@@ -1,10 +1,12 @@
 #include "framework/VantCommandBase.h"
 
+#include "ecm/Conversion.h"
 #include "ecm/HostPointers.h"
-#include "framework/Conversion.h"
 #include "framework/ReferenceExpansion.h"
 
 #include <tuple>
+#include <type_traits>
+#include <utility>
 
 namespace vant {
 
@@ -19,17 +21,17 @@ HRESULT CVantCommandBase::Initialize(IVantContext* context, IVantController* con
         m_controller = controller;
         m_initialised = true;
     } catch (...) {
-        // What was thrown may not have been a failed request; the code of the last request stands all the
-        // same.
+        // Even if something other than a failed request was thrown, the code of the last request is returned.
     }
     return result;
 }
 
 void CVantCommandBase::RequestServices(IVantContext& context, CCheckedResult& result) {
-    // An earlier attempt may have filled some of the members.
+    // A member that an earlier attempt filled keeps its service until its own request succeeds.
     const auto request = [&](auto& member, auto operation) {
-        member.Release();
-        result = (context.*operation)(&member);
+        std::remove_cvref_t<decltype(member)> service;
+        result = (context.*operation)(&service);
+        member = std::move(service);
     };
     request(m_commandRunner, &IVantContext::get_CommandRunner);
     request(m_componentService, &IVantContext::get_ComponentService);
@@ -156,16 +158,17 @@ HRESULT CVantCommandBase::ShowInstruction(const CComBSTR& text) const {
     return m_presentationService ? m_presentationService->ShowInstruction(text.Get()) : E_POINTER;
 }
 
-HRESULT CVantCommandBase::SetTransition(const CComBSTR& transitionId) const {
-    return m_procedureController ? m_procedureController->SetTransition(transitionId.Get()) : E_POINTER;
+HRESULT CVantCommandBase::ChooseTransition(PropertyName property) const {
+    const CComBSTR* const transitionId = FindProperty(m_properties, property);
+    return m_procedureController
+               ? m_procedureController->SetTransition(transitionId ? transitionId->Get() : nullptr)
+               : E_POINTER;
 }
 
 HRESULT CVantCommandBase::GetDataStoreText(const CComBSTR& entry, CComBSTR& text) const {
     CComVariant value;
     const HRESULT code = GetDataStoreValue(entry, value);
     text = CComBSTR::Copy(StringMember(value.Get()));
-    if (const HRESULT cleared = value.Clear(); FAILED(cleared))
-        throw CComException(cleared);
     return code;
 }
 
@@ -215,7 +218,7 @@ CComPtr<IConditionSet> CVantCommandBase::ReadConditionSet(const CComBSTR& entry)
     const CComPtr<IUnknown> object(UnknownMember(value.Get()));
     CComPtr<IConditionSet> conditions;
     result = object.QueryInterface(&conditions);
-    result = conditions ? S_OK : E_NOINTERFACE; // success that gives nothing
+    result = conditions ? S_OK : E_NOINTERFACE; // success without an object
     return conditions;
 }
 

@@ -9,6 +9,7 @@
 #include "platform/ComPtr.h"
 #include "platform/Variant.h"
 
+#include <atomic>
 #include <string_view>
 
 namespace vant {
@@ -27,8 +28,8 @@ protected:
     CVantCommandBase& operator=(const CVantCommandBase&) = delete;
     virtual ~CVantCommandBase() = default;
 
-    /// The command's body. Runs on the thread that called Execute, with a valid property set. Whatever it
-    /// throws makes Execute answer E_FAIL.
+    /// The command's body. Runs on the thread that called Execute, with a valid property set. If it throws,
+    /// Execute returns E_FAIL.
     virtual void ExecuteCommand() = 0;
 
     // The operations that consult a class's property table; IVantCommandImpl supplies the table.
@@ -37,49 +38,53 @@ protected:
     HRESULT IsValidFor(PropertyTable table, VARIANT_BOOL* isValid) const noexcept;
 
     bool HasProperty(PropertyName name) const;
-    /// A copy of the property's value; null where it was not set.
+    /// A copy of the property's value; null if it was not set.
     CComBSTR GetProperty(PropertyName name) const;
-    /// The value of `literalName` where it was set; else the text of the data-store entry that
-    /// `referenceName` names. The read is not checked: an entry that is missing or holds no string gives an
-    /// empty text.
+    /// The value of `literalName` if it was set, else the text of the data-store entry that `referenceName`
+    /// names. The read is not checked: an entry that is missing or does not hold a string counts as empty.
     CComBSTR GetLiteralOrReference(PropertyName literalName, PropertyName referenceName) const;
 
-    // Calls on the host. Each answers the host's HRESULT, and E_POINTER where the command has no such service
-    // because it was never initialised. A caller that assigns the result to a CCheckedResult checks it; one
-    // that passes it to std::ignore deliberately does not look.
+    // Calls on the host. Each returns the host's HRESULT, or E_POINTER if the command was never initialised
+    // and has no such service. A call is checked if its result is assigned to a CCheckedResult, and
+    // deliberately not checked if it is assigned to std::ignore.
     HRESULT RunCommand(const CComBSTR& commandId) const;
     HRESULT RunCommandFromThread(const CComBSTR& commandId) const;
     HRESULT TerminateCommand(const CComBSTR& commandId) const;
     HRESULT GetDataStoreValue(const CComBSTR& entry, CComVariant& value) const;
     HRESULT SetDataStoreValue(const CComBSTR& entry, const CComVariant& value) const;
     HRESULT GetParameter(const CComBSTR& id, LONG kind, CComPtr<IUnknown>& parameter) const;
-    /// Writes a parameter; what the host gives back is released unused.
+    /// Writes a parameter. The object that the host returns is released unused.
     HRESULT SetParameter(const CComBSTR& id, const CComVariant& value) const;
     HRESULT SetComponentProperty(const CComBSTR& componentId, const CComBSTR& name,
                                  const CComBSTR& value) const;
     HRESULT ShowInstruction(const CComBSTR& text) const;
-    HRESULT SetTransition(const CComBSTR& transitionId) const;
+    /// Sets the transition that the property holds; null if the property was not set. The host gets the
+    /// stored text itself, so this needs no memory.
+    HRESULT ChooseTransition(PropertyName property) const;
 
-    /// GetDataStoreValue for an entry that must hold a string: `text` becomes that string, or null where the
-    /// entry could not be read or holds anything else. Throws CComException with the platform's code where
-    /// what the host gave is no value that can be cleared.
+    /// GetDataStoreValue for an entry that must hold a string. `text` becomes that string, or null if the
+    /// entry could not be read or holds anything else, even a value that cannot be cleared.
     HRESULT GetDataStoreText(const CComBSTR& entry, CComBSTR& text) const;
 
     /// The current text of a parameter of the engine control module. Every call is checked.
     CComBSTR ReadParameterText(const CComBSTR& id) const;
-    /// The current value of a parameter with its own type. Every call is checked; only the request for
-    /// IParameterOld is not, but where it fails there is nothing to read the value from, which is a failed
-    /// read.
+    /// The current value of a parameter with its own type. Every call is checked except the request for
+    /// IParameterOld; without that interface the read fails.
     CComVariant ReadParameterValue(const CComBSTR& id) const;
-    // The same converted under the user's default locale, unlike ECMParameter2's reads; checked. Both take
-    // over the string that they are given. The adjusters use ReadParameterAsLongOrZero instead.
+    // The same, converted under the user's default locale (unlike ECMParameter2's reads) and checked.
     LONG ReadParameterAsLong(CComBSTR id) const;
-    /// As ReadParameterAsLong, but the conversion is not checked: what is no number counts as 0.
+    /// The same, but the conversion is not checked: a value that is not a number counts as 0.
     LONG ReadParameterAsLongOrZero(const CComBSTR& id) const;
-    /// Reads the parameter that the property "parameterID" names at this moment; the argument is only freed.
+    /// Reads the parameter that the property "parameterID" names. The argument is only freed.
     double ReadParameterAsDouble(CComBSTR unused) const;
 
-    /// The condition set in a data-store entry. Every call is checked; an entry without object is a failure.
+    /// The controller; null until Initialize has succeeded. Lent. [any thread]
+    IVantController* ControllerOnceInitialised() const noexcept {
+        return m_initialised ? m_controller.Get() : nullptr;
+    }
+
+    /// The condition set in a data-store entry. Every call is checked; an entry without an object is a
+    /// failure.
     CComPtr<IConditionSet> ReadConditionSet(const CComBSTR& entry) const;
     /// The message of the condition that failed, with its own type. Every call is checked.
     CComVariant ReadFailureMessage(IConditionSet& conditions) const;
@@ -103,7 +108,8 @@ protected:
     CComPtr<IProcedureController> m_procedureController;
     CComPtr<IDataServiceOld> m_parameterService;
     CComPtr<IVantController> m_controller;
-    bool m_initialised = false;
+    /// Set last, so that other threads that see it set see the controller, too.
+    std::atomic<bool> m_initialised = false;
     PropertyMap m_properties;
 };
 

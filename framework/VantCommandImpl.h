@@ -7,9 +7,8 @@ namespace vant {
 /// The command contract of one class. `Class` supplies `static constexpr PropertyRow properties[]` and
 /// overrides ExecuteCommand; `classId` and `resourceId` are its row of the class table.
 ///
-/// Behind IVantCommand's slots stand the virtual destructor and ExecuteCommand, in this order. They are the
-/// implementation's own; no host calls them. (Compilers that follow the Itanium C++ ABI give the destructor
-/// two slots.)
+/// IVantCommand's slots are followed by the virtual destructor and ExecuteCommand, in this order. No host
+/// calls them. (With compilers that follow the Itanium C++ ABI the destructor takes two slots.)
 template <class Class, const CLSID* classId, UINT resourceId>
 class IVantCommandImpl : public CVantCommandBase {
 public:

@@ -7,13 +7,13 @@
 
 namespace vant {
 
-/// A command whose body runs on a thread of the host's thread service: ExecuteCommand has the thread started
-/// and returns at once. `Class` overrides ExecutePersistent; `period` is the time between two runs of the
-/// body in milliseconds, 0 for one run alone. A host may execute the command again, also while a run goes on
-/// (see CStopEvent), but not on two threads at once.
+/// A command whose body runs on a thread of the host's thread service: ExecuteCommand starts the thread and
+/// returns at once. `Class` overrides ExecutePersistent. `period` is the time between two runs of the body in
+/// milliseconds; 0 means a single run. A host may execute the command again while a run goes on (see
+/// CStopEvent), but not on two threads at once.
 ///
-/// GetControllingUnknown and ExecutePersistent follow ExecuteCommand in the virtual table, so they are
-/// declared first: compilers that follow the Itanium C++ ABI give Stop an entry there, too.
+/// GetControllingUnknown and ExecutePersistent must follow ExecuteCommand in the virtual table, so they are
+/// declared before Stop, which has an entry there, too, with compilers that follow the Itanium C++ ABI.
 template <class Class, const CLSID* classId, UINT resourceId, DWORD period>
 class IVantPersistentCommandImpl
     : public IVantCommandImpl<Class, classId, resourceId>,
@@ -31,7 +31,7 @@ public:
     /// Any thread.
     HRESULT STDMETHODCALLTYPE Stop() final {
         m_stopEvent.Signal();
-        return ReportStop(this->GetControllingUnknown(), this->m_controller.Get());
+        return ReportStop(this->GetControllingUnknown(), this->ControllerOnceInitialised());
     }
 
 protected:
@@ -45,7 +45,7 @@ protected:
             CCheckedResult result;
             result = this->StartThread(callbackId, 0);
         } catch (...) {
-            // The command does not run, and never stops by itself.
+            // The command does not run, and Execute succeeds all the same.
         }
     }
 
@@ -74,8 +74,8 @@ private:
         return 0;
     }
 
-    /// Set by the first Execute and never cleared: a command that was executed before Initialize stays
-    /// without a thread service.
+    /// Set by the first Execute and never cleared: a command that is executed before Initialize never gets a
+    /// thread service.
     bool m_threadServiceBound = false;
 
 protected:

@@ -9,7 +9,7 @@
 
 namespace vant {
 
-/// One class of the module: how to create its objects, and its class object once somebody has asked for it.
+/// One class of the module: how to create its objects, and its class object after the first request.
 struct ObjectMapRow {
     const CLSID* classId;
     UINT resource; ///< the number of its registration script
@@ -28,7 +28,7 @@ public:
     void ReleaseClassObjects() noexcept;
 
 private:
-    /// The row's class object, created if nobody has done so yet; null where memory runs out.
+    /// The row's class object, created if it does not exist yet; null without memory.
     CClassFactory* CreateClassObject(ObjectMapRow& row) noexcept;
 
     std::mutex m_classObjects; // serialises their creation

@@ -14,8 +14,7 @@ void __freeres();
 } // namespace __gnu_cxx
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE /*instance*/, DWORD reason, LPVOID processEnds) {
-    // At the end of the process its other threads are gone, wherever they stood; nothing is left to release
-    // for.
+    // At the end of the process the other threads have been ended at any point, so nothing is released.
     if (reason == DLL_PROCESS_DETACH && !processEnds) {
         vant::Module().ReleaseClassObjects();
         __gnu_cxx::__freeres();

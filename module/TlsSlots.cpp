@@ -1,6 +1,6 @@
 // The compiler's runtime, which is linked into the module, allocates a slot for thread-local storage at the
 // first exception and keeps it when the module is unloaded; a process has about a thousand of them. So its
-// calls of TlsAlloc come here, and unloading gives the slots back.
+// calls of TlsAlloc come here, and unloading frees the slots.
 
 #include "module/TlsSlots.h"
 
@@ -27,7 +27,7 @@ DWORD WINAPI AllocateSlot() {
 
 } // namespace
 
-// Where the runtime looks for the address of TlsAlloc, in place of the import library's own.
+// The pointer through which the runtime calls TlsAlloc, in place of the import library's.
 #ifdef _WIN64
 extern "C" AllocateFunction* const importOfTlsAlloc __asm__("__imp_TlsAlloc") = AllocateSlot;
 #else

@@ -4,6 +4,7 @@
 #include "platform/system.h"
 
 #include <cassert>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <limits>
@@ -93,9 +94,29 @@ inline int CompareTexts(std::wstring_view left, std::wstring_view right) noexcep
     return CompareStringW(LOCALE_USER_DEFAULT, 0, left.data(), static_cast<int>(left.size()), right.data(),
                           static_cast<int>(right.size()));
 }
-inline bool SameText(std::wstring_view left, std::wstring_view right) noexcept {
-    return CompareTexts(left, right) == CSTR_EQUAL;
+
+/// Whether two texts are equal for VarBstrCmp under the user's default locale, without flags: case-sensitive,
+/// and null characters do not count. A text that is empty or begins with a null character equals none that
+/// begins otherwise.
+inline bool SameText(BSTR left, BSTR right) noexcept {
+    return VarBstrCmp(left, right, LOCALE_USER_DEFAULT, 0) == VARCMP_EQ;
 }
+
+/// A literal laid out as a BSTR, so that it can be passed as one without an allocation. A callee must neither
+/// change nor free it.
+template <std::size_t size>
+class CBstrLiteral {
+public:
+    constexpr CBstrLiteral(const wchar_t (&text)[size]) noexcept {
+        for (std::size_t i = 0; i < size; ++i)
+            m_text[i] = text[i];
+    }
+    BSTR Get() const noexcept { return const_cast<BSTR>(m_text); }
+
+private:
+    std::uint32_t m_byteLength = (size - 1) * sizeof(wchar_t);
+    wchar_t m_text[size] = {};
+};
 
 /// The order of CompareTexts.
 struct LocaleLess {

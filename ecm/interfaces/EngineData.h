@@ -1,12 +1,12 @@
 #pragma once
 
-// The host's engine data interfaces. All are dual: slots 0 to 2 are IUnknown's, 3 to 6 IDispatch's. A slot
-// that this system does not call stands as ReservedN, N being its number; such slots are never called.
-// Declarations end with the last slot in use; a host's own interface may go on after it.
+// The host's engine data interfaces. All are dual: slots 0 to 2 are IUnknown's, 3 to 6 IDispatch's. ReservedN
+// declares slot N, which commands never call. Declarations end with the last slot in use; the host's
+// interface may have more.
 //
-// Out parameters receive what the caller then owns: a referenced interface, a BSTR to free, a VARIANT to
-// clear. Strings and values passed in stay the caller's. Every operation may be called on the host thread and
-// on persistent threads.
+// The caller owns what an out parameter receives: a referenced interface, a BSTR to free, a VARIANT to clear.
+// It keeps the ownership of strings and values that it passes. Every operation may be called on the host
+// thread and on persistent threads.
 
 #include "platform/ComPtr.h"
 #include "platform/system.h"
@@ -26,7 +26,7 @@ inline constexpr IID IID_IFaultArray = {
 inline constexpr IID IID_IFaultRecordList = {
     0xF610F5AF, 0xA42A, 0x45C3, {0x89, 0x46, 0x8D, 0x30, 0x63, 0x30, 0x0B, 0x67}};
 
-/// One parameter of the engine control module, as the data service gives it.
+/// One parameter of the engine control module, returned by the data service.
 struct IParameterOld : IDispatch {
     virtual HRESULT STDMETHODCALLTYPE Reserved7() = 0;
     virtual HRESULT STDMETHODCALLTYPE get_Name(BSTR* name) = 0;         // slot 8
@@ -67,15 +67,14 @@ struct IUnitsTable : IDispatch {
     virtual HRESULT STDMETHODCALLTYPE GetUnit(BSTR unitsKey, IUnit** unit) = 0; // slot 7
 };
 
-/// The host's engine services, answered by the host object that is also the thread service.
+/// The host's engine services, offered by the thread service's object.
 struct IECMServicesOld : IDispatch {
     virtual HRESULT STDMETHODCALLTYPE Reserved7() = 0;
     virtual HRESULT STDMETHODCALLTYPE Reserved8() = 0;
     virtual HRESULT STDMETHODCALLTYPE Reserved9() = 0;
     virtual HRESULT STDMETHODCALLTYPE Reserved10() = 0;
     virtual HRESULT STDMETHODCALLTYPE Reserved11() = 0;
-    /// Slot 12. `unitsTable` is an IUnitsTable; it is used as it comes, without being asked for the
-    /// interface.
+    /// Slot 12. `unitsTable` must be an IUnitsTable; it is used without QueryInterface.
     virtual HRESULT STDMETHODCALLTYPE GetUnits(IUnknown** unitsTable) = 0;
 };
 
@@ -154,11 +153,11 @@ struct IECMDirectory : IDispatch {
     virtual HRESULT STDMETHODCALLTYPE Reserved8() = 0;
     /// Slot 9. `ecm` is asked for IECMSession by the caller.
     virtual HRESULT STDMETHODCALLTYPE OpenECM(LONG ecmId, IUnknown** ecm) = 0;
-    /// Slot 10. `handle` is what the session's Register gave.
+    /// Slot 10. `handle` comes from the session's Register.
     virtual HRESULT STDMETHODCALLTYPE CloseECM(LONG handle) = 0;
 };
 
-/// The way to direct sessions; the engine services are asked for it by QueryInterface.
+/// Gives access to direct sessions. The engine services are asked for it by QueryInterface.
 struct IECMSessionManager : IDispatch {
     virtual HRESULT STDMETHODCALLTYPE Reserved7() = 0;
     virtual HRESULT STDMETHODCALLTYPE Reserved8() = 0;
@@ -184,7 +183,7 @@ struct IFaultRecordList : IDispatch {
     virtual HRESULT STDMETHODCALLTYPE get_Count(LONG* count) = 0;                         // slot 8
 };
 
-/// What the data service's GetParameter gives for a fault array, by QueryInterface.
+/// A fault array. The object that the data service's GetParameter returns is asked for it.
 struct IFaultArray : IDispatch {
     virtual HRESULT STDMETHODCALLTYPE Reserved7() = 0;
     /// Slot 8. `records` is asked for IFaultRecordList by the caller.

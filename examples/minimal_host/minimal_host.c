@@ -351,7 +351,7 @@ static uint32_t thread_count;
 
 static THREAD_ENTRY run_callback(void* argument) {
     Callback* const callback = argument;
-    callback->slots->RunOnThread(callback); /* answers E_FAIL always */
+    callback->slots->RunOnThread(callback); /* always returns E_FAIL */
     callback->slots->Release(callback);
     return 0;
 }

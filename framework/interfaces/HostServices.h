@@ -1,13 +1,14 @@
 #pragma once
 
-// What commands call on the host: the context, the services that it hands out, and the controller. Slots
-// count from 0 with IUnknown's three. A slot that no command calls stands as ReservedN, N being its number.
-// Declarations end with the last slot in use; a host's own interface may go on after it.
+// The interfaces that commands call on the host: the context, its services, and the controller. Slots count
+// from 0, with IUnknown's three first. ReservedN declares slot N, which commands never call. Declarations end
+// with the last slot in use; the host's interface may have more.
 //
-// Out parameters receive what the caller then owns: a referenced interface or a VARIANT to clear. Strings and
-// values passed in stay the caller's, a VARIANT passed by value included. Services are called on the host's
-// thread during Execute [host thread] and on threads of the thread service [persistent thread], and must
-// accept both at once. A command that RunCommandFromThread runs may be executed on a persistent thread, too.
+// The caller owns what an out parameter receives: a referenced interface or a VARIANT to clear. It keeps the
+// ownership of strings and values that it passes, including a VARIANT passed by value. Services are called on
+// the host's thread during Execute [host thread] and on threads of the thread service [persistent thread],
+// and must accept both at once. A command that RunCommandFromThread runs may be executed on a persistent
+// thread.
 
 #include "ecm/interfaces/EngineData.h"
 #include "framework/interfaces/VantCommand.h"
@@ -17,8 +18,8 @@ namespace vant {
 
 /// Runs other commands of the procedure.
 struct ICommandRunner : IUnknown {
-    /// Slot 3 [the thread that executes the command]: creates and executes the command of that identifier and
-    /// answers its result.
+    /// Slot 3 [the thread that executes the command]: creates and executes the command with that identifier
+    /// and returns its result.
     virtual HRESULT STDMETHODCALLTYPE RunCommand(BSTR commandId) = 0;
     /// Slot 4 [persistent thread]: the same, from a thread of the thread service.
     virtual HRESULT STDMETHODCALLTYPE RunCommandFromThread(BSTR commandId) = 0;
@@ -71,7 +72,7 @@ struct IProcedureController : IUnknown {
     virtual HRESULT STDMETHODCALLTYPE SetTransition(BSTR transitionId) = 0;
 };
 
-/// Ends running commands, and hears of those that have ended.
+/// Ends running commands, and is told of those that were asked to stop.
 struct IVantController : IUnknown {
     /// Slot 3 [the thread that executes the command].
     virtual HRESULT STDMETHODCALLTYPE TerminateCommand(BSTR commandId) = 0;

@@ -1,7 +1,7 @@
 #pragma once
 
 // The host's thread service, which runs persistent commands. Both interfaces are dual: slots 3 to 6 are
-// IDispatch's, of which the module neither calls nor offers more than an object without type library does.
+// IDispatch's. The module does not call them, and its own behave as without a type library.
 
 #include "platform/ComPtr.h"
 #include "platform/system.h"
@@ -16,10 +16,10 @@ inline constexpr IID IID_IThreadService = {
 inline constexpr IID IID_IThreadCallback = {
     0xE4DBF14F, 0x4B42, 0x43A3, {0xA8, 0xCB, 0xA9, 0x45, 0x4A, 0x3D, 0xEC, 0x33}};
 
-/// What the service runs on a thread of its own.
+/// The callback that the service runs on a thread of its own.
 struct IThreadCallback : IDispatch {
     /// Slot 7 [persistent thread]: the thread's entry. Returns when the work is done or has been stopped,
-    /// always with E_FAIL; that is no reason to call it again. No exception leaves it.
+    /// always with E_FAIL, which must not be taken as a reason to call it again. No exception leaves it.
     ///
     /// The callback works on the command that registered it and holds no reference to it: the host keeps the
     /// command alive from RegisterCallback until this call has returned, and the module loaded until the
@@ -27,12 +27,11 @@ struct IThreadCallback : IDispatch {
     virtual HRESULT STDMETHODCALLTYPE RunOnThread() = 0;
 };
 
-/// What a command says of a callback. The service copies what it keeps: strings and callback stay the
-/// caller's.
+/// Describes a callback. The service copies what it keeps; strings and callback remain the caller's.
 struct ThreadRegistration {
     IThreadCallback* callback;
-    std::uint32_t argument;    ///< 0 from every command; it means what the host likes.
-    std::uint32_t settings[3]; ///< So do these.
+    std::uint32_t argument;    ///< 0 from every command; its meaning is the host's.
+    std::uint32_t settings[3]; ///< All 0; their meaning is the host's.
     BSTR ownerName;            ///< "IVantPersistentCommandImpl"
     BSTR threadName;           ///< "Persistent Thread"
 };

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <cwchar>
 #include <limits>
+#include <string_view>
 
 namespace {
 
@@ -32,11 +33,31 @@ BSTR Allocate(std::size_t byteLength) {
     return reinterpret_cast<BSTR>(block + headerSize);
 }
 
+int Sign(std::size_t left, std::size_t right) {
+    return left < right ? -1 : (left > right ? 1 : 0);
+}
+
 int Compare(const wchar_t* left, std::size_t leftLength, const wchar_t* right, std::size_t rightLength) {
     const std::size_t common = std::min(leftLength, rightLength);
     if (const int order = common ? std::wmemcmp(left, right, common) : 0; order != 0)
         return order < 0 ? -1 : 1;
-    return leftLength < rightLength ? -1 : (leftLength > rightLength ? 1 : 0);
+    return Sign(leftLength, rightLength);
+}
+
+/// The same for texts whose null characters do not count.
+int CompareWithoutNulls(std::wstring_view left, std::wstring_view right) {
+    for (;;) {
+        const std::size_t leftNext = std::min(left.find_first_not_of(L'\0'), left.size());
+        const std::size_t rightNext = std::min(right.find_first_not_of(L'\0'), right.size());
+        left.remove_prefix(leftNext);
+        right.remove_prefix(rightNext);
+        if (left.empty() || right.empty())
+            return Sign(left.size(), right.size());
+        if (left.front() != right.front())
+            return left.front() < right.front() ? -1 : 1;
+        left.remove_prefix(1);
+        right.remove_prefix(1);
+    }
 }
 
 } // namespace
@@ -81,8 +102,18 @@ UINT SysStringLen(BSTR text) {
 HRESULT VarBstrCmp(BSTR left, BSTR right, LCID /*lcid*/, ULONG flags) {
     if (flags != 0)
         return E_INVALIDARG;
-    const int order = Compare(left, SysStringLen(left), right, SysStringLen(right));
-    return order < 0 ? VARCMP_LT : (order > 0 ? VARCMP_GT : VARCMP_EQ);
+    const bool leftBegins = left && *left;
+    const bool rightBegins = right && *right;
+    const UINT leftLength = SysStringLen(left);
+    const UINT rightLength = SysStringLen(right);
+    int order = 0;
+    if (leftBegins != rightBegins)
+        order = leftBegins ? 1 : -1;
+    else if (leftLength == 0 || rightLength == 0)
+        order = Sign(leftLength, rightLength);
+    else
+        order = CompareWithoutNulls({left, leftLength}, {right, rightLength});
+    return VARCMP_EQ + order;
 }
 
 int CompareStringW(LCID /*lcid*/, DWORD flags, LPCWSTR left, int leftLength, LPCWSTR right, int rightLength) {

@@ -127,7 +127,7 @@ TEST(CommandsDocument, PropertyTables_AreThoseOfTheTableOfProperties) {
         EXPECT_EQ(DocumentedRows(each.section), DemandedRows(name)) << name;
 }
 
-TEST(CommandsDocument, PersistentMark_StandsAtTheClassesThatAnswerTheInterface) {
+TEST(CommandsDocument, PersistentMark_StandsAtTheClassesThatReturnTheInterface) {
     for (const auto& [name, each] : DocumentedClasses()) {
         CComPtr<IVantCommand> command;
         ASSERT_EQ(BuiltModule().Create(name, command), S_OK) << name;

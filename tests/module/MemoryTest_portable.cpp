@@ -9,6 +9,7 @@
 #include "tests/torture/AllocationFailure.h"
 
 #include <gtest/gtest.h>
+#include <iterator>
 
 namespace vant {
 
@@ -29,6 +30,20 @@ TEST(ModuleMemory, ReloadedManyTimes_LeavesNoString) {
     for (int round = 0; round < 20; ++round)
         LiveOnceInEveryClass(BuiltModule());
     EXPECT_EQ(testing::LiveBstrCount(), before);
+}
+
+TEST(ModuleMemory, Unloading_ReleasesTheClassObjects) {
+    const auto requestAll = [] {
+        const BuiltModule module;
+        const std::size_t loaded = test::LiveBlockCount();
+        for (const ClassRow& row : classTable)
+            EXPECT_TRUE(module.ClassObject(*row.classId));
+        EXPECT_EQ(test::LiveBlockCount(), loaded + std::size(classTable));
+    };
+    requestAll(); // what the first use of the module leaves in the process is not counted
+    const std::size_t before = test::LiveBlockCount();
+    requestAll();
+    EXPECT_EQ(test::LiveBlockCount(), before);
 }
 
 TEST(ModuleMemory, NoMemoryForTheClassObject_AnswersOutOfMemory_AndTheNextRequestSucceeds) {

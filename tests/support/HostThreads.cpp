@@ -41,6 +41,10 @@ public:
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override {
         if (iid == IID_IThreadService) {
             const HRESULT code = m_host.Enter("QueryInterface", "IThreadService");
+            if (m_settings.givesNothing) {
+                *out = nullptr;
+                return code;
+            }
             return HandOut<IThreadService>(SUCCEEDED(code) && m_settings.absent ? E_NOINTERFACE : code, *this,
                                            reinterpret_cast<IThreadService**>(out));
         }

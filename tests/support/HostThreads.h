@@ -39,6 +39,8 @@ public:
 
     /// Asking for IThreadService answers E_NOINTERFACE.
     bool absent = false;
+    /// Asking for IThreadService succeeds and gives null.
+    bool givesNothing = false;
     /// Whether a registration starts a thread. Without, the callback waits for Run.
     bool startsThreads = true;
 

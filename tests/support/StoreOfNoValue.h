@@ -5,12 +5,12 @@
 
 namespace vant::test {
 
-/// A data store that gives, for every entry, a VARIANT of a type that there is none of: the platform can
-/// neither copy nor clear it. It fails where the host's "GetValue" does, and gives that value all the same.
-/// Made with new; ends with its last reference.
+/// A data store that gives a VARIANT of the same type for every entry. By default it is a type that does not
+/// exist: the platform can neither copy nor clear it. A call fails if the host's "GetValue" does, and gives
+/// the value all the same. Made with new; ends with its last reference.
 class StoreOfNoValue final : public HostObject<IDataStore> {
 public:
-    using HostObject::HostObject;
+    explicit StoreOfNoValue(TestHost& host, VARTYPE type = 15) : HostObject(host), m_type(type) {}
 
     ULONG STDMETHODCALLTYPE Release() override {
         const ULONG left = HostObject::Release();
@@ -25,13 +25,16 @@ public:
     HRESULT STDMETHODCALLTYPE Reserved7() override { return Unexpected("IDataStore 7"); }
     HRESULT STDMETHODCALLTYPE Reserved8() override { return Unexpected("IDataStore 8"); }
     HRESULT STDMETHODCALLTYPE GetValue(BSTR name, VARIANT* value) override {
-        constexpr VARTYPE noType = 15;
-        value->vt = noType;
+        value->vt = m_type;
+        value->byref = nullptr;
         return Enter("GetValue", Show(name));
     }
     HRESULT STDMETHODCALLTYPE SetValue(BSTR, VARIANT) override {
         return Unexpected("a write to the store of no value");
     }
+
+private:
+    const VARTYPE m_type;
 };
 
 } // namespace vant::test

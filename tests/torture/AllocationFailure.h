@@ -13,6 +13,9 @@ void PlanAllocationFailure(std::size_t number) noexcept;
 /// Allocations counted since then.
 std::size_t AllocationCount() noexcept;
 
+/// Blocks of operator new, on all threads and in the built module, too, that have not been deleted yet.
+std::size_t LiveBlockCount() noexcept;
+
 /// While one lives, the allocations of the thread that made it are counted.
 class AllocationsCounted {
 public:

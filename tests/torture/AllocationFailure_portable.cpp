@@ -2,6 +2,7 @@
 #include "tests/torture/AllocationFailure.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstdlib>
 #include <new>
 
@@ -10,20 +11,34 @@ namespace {
 thread_local bool counting = false;
 thread_local std::size_t failing = 0;
 thread_local std::size_t count = 0;
+std::atomic<std::size_t> liveBlocks{0};
 
 /// Counts an allocation; false for the one that is to fail.
 bool Permit() noexcept {
     return !counting || ++count != failing;
 }
 
+void* Counted(void* block) noexcept {
+    if (block)
+        ++liveBlocks;
+    return block;
+}
+
+void Free(void* block) noexcept {
+    if (block)
+        --liveBlocks;
+    std::free(block);
+}
+
 void* Allocate(std::size_t size) noexcept {
-    return Permit() ? std::malloc(std::max<std::size_t>(size, 1)) : nullptr;
+    return Permit() ? Counted(std::malloc(std::max<std::size_t>(size, 1))) : nullptr;
 }
 
 void* Allocate(std::size_t size, std::align_val_t alignment) noexcept {
     const auto unit = static_cast<std::size_t>(alignment);
-    return Permit() ? std::aligned_alloc(unit, (std::max<std::size_t>(size, 1) + unit - 1) / unit * unit)
-                    : nullptr;
+    return Permit()
+               ? Counted(std::aligned_alloc(unit, (std::max<std::size_t>(size, 1) + unit - 1) / unit * unit))
+               : nullptr;
 }
 
 void* OrThrow(void* block) {
@@ -53,34 +68,34 @@ void* operator new[](std::size_t size, std::align_val_t alignment) {
     return OrThrow(Allocate(size, alignment));
 }
 void operator delete(void* block) noexcept {
-    std::free(block);
+    Free(block);
 }
 void operator delete[](void* block) noexcept {
-    std::free(block);
+    Free(block);
 }
 void operator delete(void* block, std::size_t) noexcept {
-    std::free(block);
+    Free(block);
 }
 void operator delete[](void* block, std::size_t) noexcept {
-    std::free(block);
+    Free(block);
 }
 void operator delete(void* block, std::align_val_t) noexcept {
-    std::free(block);
+    Free(block);
 }
 void operator delete[](void* block, std::align_val_t) noexcept {
-    std::free(block);
+    Free(block);
 }
 void operator delete(void* block, std::size_t, std::align_val_t) noexcept {
-    std::free(block);
+    Free(block);
 }
 void operator delete[](void* block, std::size_t, std::align_val_t) noexcept {
-    std::free(block);
+    Free(block);
 }
 void operator delete(void* block, const std::nothrow_t&) noexcept {
-    std::free(block);
+    Free(block);
 }
 void operator delete[](void* block, const std::nothrow_t&) noexcept {
-    std::free(block);
+    Free(block);
 }
 
 namespace vant::test {
@@ -92,6 +107,10 @@ void PlanAllocationFailure(std::size_t number) noexcept {
 
 std::size_t AllocationCount() noexcept {
     return count;
+}
+
+std::size_t LiveBlockCount() noexcept {
+    return liveBlocks;
 }
 
 AllocationsCounted::AllocationsCounted() noexcept {

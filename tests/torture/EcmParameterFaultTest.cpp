@@ -71,10 +71,14 @@ FailedStep OnDirectPath(std::size_t number) {
     const Calls before = Joined({construction, First(Joined({opening, directRead, closing}), number + 1)});
     if (number < 2)
         return {before, {}, thrown};
-    if (number < opening.size())
+    if (number + 1 < opening.size())
         return {before, {}, failedRead};
-    if (number < opening.size() + directRead.size())
+    if (number < opening.size()) // the session is used although Register failed, and not closed
+        return {before, {directRead}, direct};
+    if (number + 1 < opening.size() + directRead.size())
         return {before, {closing}, failedRead};
+    if (number < opening.size() + directRead.size()) // a value that cannot be read counts as 0
+        return {before, {closing}, {S_OK, 0}};
     return {before, {}, direct};
 }
 

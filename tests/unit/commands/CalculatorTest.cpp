@@ -15,7 +15,7 @@ using Calls = std::vector<std::string>;
 
 class Calculator : public ::testing::Test {
 protected:
-    /// Executes a Calculator whose result goes to the entry "result", and gives that entry as Show does.
+    /// Executes a Calculator whose result goes to the entry "result", and returns that entry as Show does.
     std::string Calculate(std::wstring_view operation, Properties operands) {
         auto command =
             CreateCommand<CCalculator>(host, {{L"operation", operation}, {L"dsResult", L"result"}});
@@ -63,7 +63,7 @@ TEST_F(Calculator, Negate_NeedsNoB) {
     EXPECT_EQ("\"-5\"", Calculate(L"negate", {{L"sourceA", L"5"}}));
 }
 
-TEST_F(Calculator, NegateWithBThatIsNoNumber_WritesNothing) {
+TEST_F(Calculator, NegateWithBThatIsNotANumber_WritesNothing) {
     Store(L"result", L"before");
     EXPECT_EQ("\"before\"", Calculate(L"negate", {{L"sourceA", L"5"}, {L"sourceB", L"five"}}));
     EXPECT_TRUE(host.calls.empty());

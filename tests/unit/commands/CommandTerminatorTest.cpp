@@ -64,7 +64,7 @@ TEST_F(CommandTerminator, SuccessCodeOfTheController_IsNotPassedOn) {
     EXPECT_EQ(S_OK, CreateCommand<CCommandTerminator>(host, {{L"commandID", L"T1"}})->Execute());
 }
 
-TEST_F(CommandTerminator, MissingCommandId_AnswersUnexpectedAndCallsNothing) {
+TEST_F(CommandTerminator, MissingCommandId_ReturnsUnexpectedAndCallsNothing) {
     EXPECT_EQ(E_UNEXPECTED, CreateCommand<CCommandTerminator>(host, {})->Execute());
     EXPECT_TRUE(host.calls.empty());
 }

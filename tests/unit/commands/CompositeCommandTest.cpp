@@ -97,7 +97,7 @@ TEST_F(CompositeCommand, ThrowingHost_MakesExecuteFail) {
     EXPECT_EQ((Calls{"RunCommand(A)", "RunCommand(B)"}), host.calls);
 }
 
-TEST_F(CompositeCommand, MissingList_AnswersUnexpectedAndRunsNothing) {
+TEST_F(CompositeCommand, MissingList_ReturnsUnexpectedAndRunsNothing) {
     EXPECT_EQ(E_UNEXPECTED, CreateCommand<CCompositeCommand>(host, {})->Execute());
     EXPECT_TRUE(host.calls.empty());
 }

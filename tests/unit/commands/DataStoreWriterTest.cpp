@@ -79,7 +79,7 @@ TEST_F(DataStoreWriter, SuccessCodeOfTheStore_IsNotPassedOn) {
     EXPECT_EQ(S_OK, Write(L"entry", L"1"));
 }
 
-TEST_F(DataStoreWriter, MissingProperties_AnswerUnexpectedAndStoreNothing) {
+TEST_F(DataStoreWriter, MissingProperties_ReturnUnexpectedAndStoreNothing) {
     EXPECT_EQ(E_UNEXPECTED, CreateCommand<CDataStoreWriter>(host, {})->Execute());
     EXPECT_EQ(E_UNEXPECTED, CreateCommand<CDataStoreWriter>(host, {{L"value", L"1"}})->Execute());
     EXPECT_EQ(E_UNEXPECTED, CreateCommand<CDataStoreWriter>(host, {{L"dsLocation", L"entry"}})->Execute());

@@ -55,7 +55,7 @@ TEST_F(EGRValvePositionAdjuster, EnablingBelow10_ReturnsAtOnce) {
     }
 }
 
-TEST_F(EGRValvePositionAdjuster, EnablingThatIsNoNumber_CountsAs0) {
+TEST_F(EGRValvePositionAdjuster, EnablingThatIsNotANumber_CountsAs0) {
     Set(L"110143", CComVariant(CComBSTR(L"on")));
     EXPECT_EQ(S_OK, Walk());
     EXPECT_EQ(3u, host.calls.size());

@@ -11,6 +11,8 @@ namespace vant::test {
 
 namespace {
 
+using namespace std::string_literals;
+
 using Calls = std::vector<std::string>;
 
 const FaultRecord active = {{L"199009", L"Active"}, {L"199008", L"P0123"}};
@@ -55,6 +57,21 @@ protected:
 
 const char* const cleanOutcome = "clean \"before\"";
 const char* const quietEnd = "\"before\"";
+
+// Comparisons
+
+TEST_F(FaultArrayChecker, NamesAndStatus_AreComparedAsVarBstrCmpDoes) {
+    // Null characters do not count, except at the beginning.
+    EXPECT_EQ("faulty \"P0123\"", CheckRecord({{L"1990\0"
+                                                L"09"s,
+                                                L"Active\0"s},
+                                               {L"199008\0"s, L"P0123"}}));
+    EXPECT_EQ(cleanOutcome, CheckRecord({{L"\0"
+                                          L"199009"s,
+                                          L"Active"},
+                                         {L"199008", L"P0123"}}));
+    EXPECT_EQ(cleanOutcome, CheckRecord({{L"199009", L"\0Active"s}, {L"199008", L"P0123"}}));
+}
 
 // Calls
 

@@ -4,7 +4,9 @@
 #include "commands/HelpDisplayer.h"
 #include "commands/MessageDisplayer.h"
 #include "platform/MessagePresenter.h"
+#include "platform/portable/testing.h"
 #include "tests/support/Commands.h"
+#include "tests/support/StoreOfNoValue.h"
 
 #include <chrono>
 #include <future>
@@ -15,6 +17,11 @@
 namespace vant::test {
 
 namespace {
+
+class OpenDisplayer : public CMessageDisplayer {
+public:
+    using CMessageDisplayer::m_dataStore;
+};
 
 class ShownMessage : public ::testing::Test {
 protected:
@@ -54,6 +61,25 @@ TEST_F(ShownMessage, EntryThatHoldsNoText_IsShownEmpty) {
         EXPECT_EQ(S_OK, Display());
     }
     EXPECT_EQ(std::vector<std::string>(3, "TORVEX: "), shown);
+}
+
+TEST_F(ShownMessage, EntryThatCannotBeClearedOrHoldsAnArray_IsShownEmpty) {
+    for (const VARTYPE type : {VARTYPE{15}, VARTYPE{VT_ARRAY | VT_BSTR}}) {
+        const auto command = CreateCommand<OpenDisplayer>(host, {{L"dsString", L"entry"}});
+        static_cast<CComObject<OpenDisplayer>*>(command.Get())->m_dataStore = new StoreOfNoValue(host, type);
+        EXPECT_EQ(S_OK, command->Execute());
+    }
+    EXPECT_EQ(std::vector<std::string>(2, "TORVEX: "), shown);
+}
+
+TEST_F(ShownMessage, Text_IsNotCopied) {
+    Store(CComVariant(CComBSTR(L"Key on")));
+    std::size_t live = 0;
+    whileShown = [&live] { live = vant::testing::LiveBstrCount(); };
+    const std::size_t before = vant::testing::LiveBstrCount();
+    EXPECT_EQ(S_OK, Display());
+    // The property's name and value, and the entry's value that the host gave.
+    EXPECT_EQ(before + 3, live);
 }
 
 TEST_F(ShownMessage, References_AreNotExpanded) {

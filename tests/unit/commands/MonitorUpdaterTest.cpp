@@ -15,7 +15,7 @@ protected:
         host.parameters[L"200"] = {L"Coolant", L"81.5", CComVariant(81.5), L"temperature"};
     }
 
-    /// One round, with the stop signalled beforehand. Where the round fails there would be no second.
+    /// One round, with the stop signalled beforehand. If the round fails there would be no second.
     void RunOneRound(std::wstring_view ids) {
         host.Threads().ForgetRegistrations();
         Execute({{L"parameterIDs", ids}, {L"dsBaseName", L"B"}, {L"monitorID", L"monitor"}});
@@ -143,7 +143,7 @@ TEST_F(MonitorUpdater, EveryCallThatFails_EndsTheRoundThere) {
     }
 }
 
-TEST_F(MonitorUpdater, Failure_TellsNobody) {
+TEST_F(MonitorUpdater, Failure_IsNotReported) {
     host.fail["SetValue"] = E_ACCESSDENIED;
     Execute({{L"parameterIDs", L"100"}, {L"dsBaseName", L"B"}, {L"monitorID", L"monitor"}});
     RunBody(); // It would not end but for the failure.

@@ -19,7 +19,7 @@ protected:
         host.dataStore[L"target"] = CComVariant(CComBSTR(L"before"));
     }
 
-    /// Loads parameter `id` into the entry "target" and gives that entry.
+    /// Loads parameter `id` into the entry "target" and returns that entry.
     std::string Load(std::wstring_view id = L"199008") {
         const auto command =
             CreateCommand<CParameterLoader>(host, {{L"parameterID", id}, {L"dsLocation", L"target"}});
@@ -67,7 +67,7 @@ TEST_F(ParameterLoader, ObjectWithoutTheParameterInterface_IsAFailedRead) {
     EXPECT_EQ("\"before\"", Load());
 }
 
-TEST_F(ParameterLoader, ValueThatIsNoText_LeavesTheEntryUnchanged) {
+TEST_F(ParameterLoader, ValueThatIsNotAText_LeavesTheEntryUnchanged) {
     CComVariant value;
     VARIANT* const raw = &value;
     raw->vt = VT_UNKNOWN;

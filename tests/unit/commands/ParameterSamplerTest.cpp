@@ -88,7 +88,7 @@ TEST_F(ParameterSampler, EmptyCompletionTransition_IsChosen) {
     EXPECT_EQ((std::vector<std::wstring>{L""}), host.transitions);
 }
 
-TEST_F(ParameterSampler, NoSamples_StoresWhatIsNoNumberAndChoosesTheTransition) {
+TEST_F(ParameterSampler, NoSamples_StoresValueThatIsNotANumberAndChoosesTheTransition) {
     Sample(L"0");
     ASSERT_EQ(2u, host.calls.size());
     // Processors give the quotient different signs.
@@ -108,7 +108,7 @@ TEST_F(ParameterSampler, NegativeNumberOfSamples_StoresAZero) {
     EXPECT_EQ("SetTransition(done)", host.calls.back());
 }
 
-TEST_F(ParameterSampler, NumberOfSamplesThatIsNoNumber_CountsAs0) {
+TEST_F(ParameterSampler, NumberOfSamplesThatIsNotANumber_CountsAs0) {
     Sample(L"0");
     const Calls expected = host.calls;
     for (const wchar_t* numSamples : {L"", L"many", L"99999999999"}) {
@@ -192,7 +192,7 @@ TEST_F(ParameterSampler, EveryCallThatFails_EndsTheRunThere) {
     }
 }
 
-TEST_F(ParameterSampler, ReadingThatIsNoNumber_EndsTheRun) {
+TEST_F(ParameterSampler, ReadingThatIsNotANumber_EndsTheRun) {
     host.parameters[L"100"].value = CComVariant(CComBSTR(L"n/a"));
     Sample(L"1");
     EXPECT_EQ(reading, host.calls);

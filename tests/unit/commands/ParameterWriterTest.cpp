@@ -28,7 +28,7 @@ protected:
     HRESULT Write(Properties properties) {
         return CreateCommand<CParameterWriter>(host, properties)->Execute();
     }
-    /// The text of the runtime error that the body throws; "" where it throws none.
+    /// The text of the runtime error that the body throws; "" if it throws nothing.
     static std::string ErrorOf(IVantCommand& command) {
         try {
             static_cast<CComObject<OpenWriter>&>(command).ExecuteCommand();
@@ -135,7 +135,7 @@ TEST_F(ParameterWriter, AnyFailingCodeOfTheWrite_IsThatError) {
     EXPECT_EQ("", ErrorOf(*command.Get()));
 }
 
-/// A writer whose data store gives values that cannot be copied.
+/// A writer whose data store returns values that cannot be copied.
 CComPtr<IVantCommand> CreateWriterOfNoValue(TestHost& host, Properties properties) {
     auto command = CreateCommand<OpenWriter>(host, properties);
     static_cast<CComObject<OpenWriter>*>(command.Get())->m_dataStore = new StoreOfNoValue(host);
@@ -154,10 +154,11 @@ TEST_F(ParameterWriter, ValueThatCannotBeCopied_ThrowsThePlatformsCodeAndWritesN
     EXPECT_EQ((Calls{"GetValue(what)", "GetValue(what)"}), host.calls);
 }
 
-TEST_F(ParameterWriter, ParameterIdThatCannotBeCleared_FailsAndWritesNothing) {
+TEST_F(ParameterWriter, ParameterIdThatCannotBeCleared_IsEmpty) {
+    host.parameters[L""].value = CComVariant(LONG{0});
     const auto command = CreateWriterOfNoValue(host, {{L"dsParameterID", L"which"}, {L"value", L"5"}});
-    EXPECT_EQ(E_FAIL, command->Execute());
-    EXPECT_EQ((Calls{"GetValue(which)"}), host.calls);
+    EXPECT_EQ(S_OK, command->Execute());
+    EXPECT_EQ((Calls{"GetValue(which)", "SetParameter(null, 1, \"5\")"}), host.calls);
 }
 
 // Validity

@@ -74,7 +74,7 @@ TEST_F(SampledThrottleAdjusterInTime, Status7_FailsAtTheFirstReadingInTheBand) {
     EXPECT_EQ(1, StatusReads());
 }
 
-TEST_F(SampledThrottleAdjusterInTime, StatusThatIsNoNumber_IsNot8) {
+TEST_F(SampledThrottleAdjusterInTime, StatusThatIsNotANumber_IsNot8) {
     SetStatus(CComVariant(CComBSTR(L"eight")));
     Adjust();
     EXPECT_EQ((std::vector<std::wstring>{L"bad"}), host.transitions);

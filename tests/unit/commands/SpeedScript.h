@@ -15,7 +15,7 @@ namespace vant::test {
 /// An engine whose speed, parameter "101000", changes with each write of a throttle command.
 class SpeedScript {
 public:
-    /// A speed, or nothing where it cannot be read.
+    /// A speed, or nothing if it cannot be read.
     using Speed = std::optional<LONG>;
 
     SpeedScript(TestHost& host, const std::wstring& throttleId)

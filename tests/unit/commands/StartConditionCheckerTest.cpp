@@ -142,7 +142,7 @@ TEST_F(StartConditionChecker, EveryCheckedCallThatFails_EndsTheCommandThere) {
     }
 }
 
-TEST_F(StartConditionChecker, ValidTransitionThatFails_AnswersEFail) {
+TEST_F(StartConditionChecker, ValidTransitionThatFails_ReturnsEFail) {
     host.fail["SetTransition"] = E_ACCESSDENIED;
     EXPECT_EQ(E_FAIL, Execute());
 }

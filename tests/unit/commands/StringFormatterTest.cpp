@@ -20,7 +20,7 @@ protected:
 
     static CComVariant Text(std::wstring_view text) { return CComVariant(CComBSTR(text)); }
 
-    /// Formats `source` into the entry "target" and gives that entry.
+    /// Formats `source` into the entry "target" and returns that entry.
     std::string Format(std::wstring_view operation, CComVariant source,
                        std::optional<std::wstring_view> roundLength = std::nullopt) {
         host.dataStore[L"source"] = std::move(source);
@@ -64,6 +64,16 @@ TEST_F(StringFormatter, UnmatchedOperation_WritesAnEmptyText) {
         EXPECT_EQ(VT_BSTR, target.Get().vt) << Show(operation);
         EXPECT_TRUE(TextOf(StringMember(target.Get())).empty()) << Show(operation);
     }
+}
+
+TEST_F(StringFormatter, Operation_IsComparedAsVarBstrCmpDoes) {
+    // Null characters do not count, except at the beginning.
+    using namespace std::string_view_literals;
+    EXPECT_EQ("\"3\"", Format(L"round\0"sv, Text(L"3.99")));
+    EXPECT_EQ("\"00:00:07\"", Format(L"num\0ToHMS"sv, Text(L"7")));
+    EXPECT_EQ("\"7\"", Format(L"sub\0stitute"sv, Text(L"7")));
+    Format(L"\0round"sv, Text(L"3.99"));
+    EXPECT_TRUE(TextOf(StringMember(host.dataStore[L"target"].Get())).empty());
 }
 
 TEST_F(StringFormatter, UnmatchedOperation_StillReadsTheSource) {
@@ -233,7 +243,7 @@ TEST_F(StringFormatter, ProductThatDoesNotFit_CountsAsTheSmallestInteger) {
     EXPECT_EQ("\"-2147483648\"", Round(L"-2147483648.9", L"0"));
 }
 
-TEST_F(StringFormatter, InputThatIsNoNumber_CountsAs0) {
+TEST_F(StringFormatter, InputThatIsNotANumber_CountsAs0) {
     EXPECT_EQ("\"0\"", Round(L"warm", L"2"));
     EXPECT_EQ("\"0\"", Round(L"", L"2"));
     EXPECT_EQ("\"0\"", Format(L"round", CComVariant()));
@@ -242,7 +252,7 @@ TEST_F(StringFormatter, InputThatIsNoNumber_CountsAs0) {
     EXPECT_EQ("\"00:00:00\"", NumToHms(L"2147483648"));
 }
 
-TEST_F(StringFormatter, RoundLengthThatIsNoInteger_CountsAs0) {
+TEST_F(StringFormatter, RoundLengthThatIsNotAnInteger_CountsAs0) {
     EXPECT_EQ("\"3\"", Round(L"3.99", L"two"));
     EXPECT_EQ("\"3\"", Round(L"3.99", L""));
 }

@@ -72,7 +72,7 @@ TEST_F(ThrottleAdjuster, LimitsAsTexts_AreConverted) {
     EXPECT_EQ((Calls{"20"}), speed.Written());
 }
 
-TEST_F(ThrottleAdjuster, LimitThatIsNoNumber_CountsAs0) {
+TEST_F(ThrottleAdjuster, LimitThatIsNotANumber_CountsAs0) {
     SetLimits(CComVariant(CComBSTR(L"none")), CComVariant(LONG{20}));
     RunToFirstWait();
     EXPECT_EQ((Calls{"20"}), speed.Written());

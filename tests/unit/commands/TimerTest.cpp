@@ -1,6 +1,9 @@
 #include "commands/Timer.h"
 
+#include "tests/support/VirtualTime.h"
 #include "tests/unit/commands/PersistentRun.h"
+
+#include <utility>
 
 namespace vant::test {
 
@@ -56,6 +59,18 @@ TEST_F(Timer, FirstPublication_UpCounter_IsTheLength) {
     EXPECT_EQ(Calls{"SetValue(count, 10)"}, host.calls);
 }
 
+TEST_F(Timer, Type_IsComparedAsVarBstrCmpDoes) {
+    // Null characters do not count, except at the beginning.
+    using namespace std::string_view_literals;
+    for (const auto& [type, last] : {std::pair(L"upCounter\0"sv, "SetValue(count, \"1\")"),
+                                     {L"\0upCounter"sv, "SetValue(count, \"-1\")"}}) {
+        const VirtualTime time;
+        Run({{L"length", L"0"}, {L"dsBase", L"count"}, {L"type", type}});
+        EXPECT_EQ(last, host.calls.back());
+        host.Threads().ForgetRegistrations();
+    }
+}
+
 TEST_F(Timer, StoppedBeforeItsThreadRuns_PublishesStartsAndTicksOnce) {
     Execute({{L"length", L"10"},
              {L"dsBase", L"count"},
@@ -101,7 +116,7 @@ TEST_F(Timer, LengthWithBlanksAndFraction_IsConvertedAsANumber) {
     EXPECT_EQ(Calls{"SetValue(count, -2)"}, host.calls);
 }
 
-TEST_F(Timer, LengthThatIsNoNumber_EndsQuietly) {
+TEST_F(Timer, LengthThatIsNotANumber_EndsQuietly) {
     for (const wchar_t* length : {L"", L"ten", L"1 2", L"99999999999"}) {
         host.Threads().ForgetRegistrations();
         Run({{L"length", length},
@@ -117,7 +132,7 @@ TEST_F(Timer, DataStoreReadThatFails_EndsQuietlyAtTheEmptyText) {
     EXPECT_EQ(Calls{"GetValue(missing)"}, host.calls);
 }
 
-TEST_F(Timer, DataStoreEntryThatIsNoText_EndsQuietly) {
+TEST_F(Timer, DataStoreEntryThatIsNotAText_EndsQuietly) {
     host.dataStore[L"seconds"] = CComVariant(LONG{-3});
     Run({{L"dsLength", L"seconds"}, {L"dsBase", L"count"}, {L"stopCommandID", L"stop"}});
     EXPECT_EQ(Calls{"GetValue(seconds)"}, host.calls);

@@ -13,6 +13,8 @@ namespace vant::test {
 
 namespace {
 
+using namespace std::string_view_literals;
+
 using Calls = std::vector<std::string>;
 
 /// The host's data service, watched: it may give no object for a write, and notes when its last reference
@@ -59,7 +61,7 @@ CComPtr<IDataServiceOld> DataServiceOf(TestHost& host) {
     return service;
 }
 
-/// The code of the exception that `action` throws; S_OK where it throws none.
+/// The code of the exception that `action` throws; S_OK if it throws nothing.
 template <class Action>
 HRESULT Thrown(Action action) {
     try {
@@ -85,7 +87,7 @@ protected:
 
     ECMParameter2 Open() { return ECMParameter2(engine.Object(), &service); }
 
-    /// What ReadLong stores; nothing where it answers E_FAIL, which must leave the output alone.
+    /// What ReadLong stores; nothing if it returns E_FAIL, which must leave the output alone.
     std::optional<LONG> Read(std::wstring_view id = L"13190") {
         const ECMParameter2 parameter = Open();
         LONG value = 4711;
@@ -275,15 +277,35 @@ TEST_F(ECMParameter2Test, DirectRead_ConvertsToAnInteger) {
     ReadDirectly();
     engine.sessionValues[1] = Text(L"1,234");
     engine.sessionValues[2] = CComVariant(2.5);
-    engine.sessionValues[3] = Text(L"on");
     EXPECT_EQ(1234, Read(L"1"));
     EXPECT_EQ(2, Read(L"2"));
-    EXPECT_EQ(std::nullopt, Read(L"3"));
+}
+
+TEST_F(ECMParameter2Test, DirectReadOfAValueThatIsNotANumber_Stores0) {
+    ReadDirectly();
+    engine.sessionValues[1] = Text(L"on");
+    engine.sessionValues[2] = Text(L"1e10");
+    EXPECT_EQ(0, Read(L"1"));
+    EXPECT_EQ(0, Read(L"2"));
+}
+
+TEST_F(ECMParameter2Test, DirectReadOfAFailingValue_Stores0) {
+    ReadDirectly();
+    host.fail["get_ItemValue"] = E_NOTIMPL;
+    EXPECT_EQ(0, Read());
+    EXPECT_EQ(1, Count("get_ItemValue"));
+}
+
+TEST_F(ECMParameter2Test, DirectReadWhoseValueThrows_IsAFailedRead) {
+    ReadDirectly();
+    Read();
+    host.ThrowAtCall(NumberOf("get_ItemValue()"));
+    EXPECT_EQ(std::nullopt, Read());
 }
 
 TEST_F(ECMParameter2Test, AFailedStepOfTheDirectPath_IsAFailedRead) {
     ReadDirectly();
-    for (const char* step : {"GetDirectory", "OpenECM", "Register", "ReadParameter", "get_ItemValue"}) {
+    for (const char* step : {"GetDirectory", "OpenECM", "ReadParameter"}) {
         host.fail[step] = E_NOTIMPL;
         EXPECT_EQ(std::nullopt, Read()) << step;
         host.fail.clear();
@@ -333,10 +355,10 @@ TEST_F(ECMParameter2Test, NegativeHandle_IsNotClosed_ButReads) {
     EXPECT_EQ(0, Count("CloseECM"));
 }
 
-TEST_F(ECMParameter2Test, FailedRegister_LeavesNothingToClose_WhateverHandleItGave) {
+TEST_F(ECMParameter2Test, FailedRegister_KeepsTheSession_AndLeavesNothingToClose_WhateverHandleItGave) {
     ReadDirectly();
     host.fail["Register"] = E_FAIL;
-    EXPECT_EQ(std::nullopt, Read());
+    EXPECT_EQ(750, Read());
     EXPECT_EQ(0, Count("CloseECM"));
 }
 
@@ -455,7 +477,7 @@ TEST_F(ECMParameter2Test, ReadString_ConvertsToText) {
     EXPECT_EQ("", ReadText(L"empty"));
 }
 
-TEST_F(ECMParameter2Test, ReadString_GoesThroughTheDataServiceAlsoWhereReadsAreDirect) {
+TEST_F(ECMParameter2Test, ReadString_GoesThroughTheDataServiceEvenIfReadsAreDirect) {
     ReadDirectly();
     EXPECT_EQ("800", ReadText(L"13190"));
     EXPECT_EQ(0, Count("ReadParameter"));
@@ -504,7 +526,7 @@ TEST_F(ECMParameter2Test, WrittenObject_NeedNotOfferItsInterface_NorBeThere) {
     EXPECT_EQ(S_OK, Open().WriteLong(L"13190", 3, false));
 }
 
-TEST_F(ECMParameter2Test, Write_AnswersTheResultOfClearingTheValue) {
+TEST_F(ECMParameter2Test, Write_ReturnsTheResultOfClearingTheValue) {
     constexpr VARTYPE noType = 15; // the platform cannot clear a value of it
     service.writesGiveNothing = true;
     CComVariant value;
@@ -538,7 +560,7 @@ TEST_F(ECMParameter2Test, GuardedWriteOfAString_IsGuardedToo) {
               Writes());
 }
 
-TEST_F(ECMParameter2Test, GuardedWriteWhere11Equals14_WritesNeitherBeforeNorAfter) {
+TEST_F(ECMParameter2Test, GuardedWriteIf11Equals14_WritesNeitherBeforeNorAfter) {
     Add(L"11", Text(L"high"));
     Open().WriteLong(L"13190", 3, true);
     EXPECT_EQ((Calls{"SetParameter(13190, 1, 3)"}), Writes());
@@ -546,6 +568,19 @@ TEST_F(ECMParameter2Test, GuardedWriteWhere11Equals14_WritesNeitherBeforeNorAfte
 
 TEST_F(ECMParameter2Test, GuardedWrite_ComparesTextsWithCase) {
     Add(L"11", Text(L"High"));
+    Open().WriteLong(L"13190", 3, true);
+    EXPECT_EQ(3u, Writes().size());
+}
+
+TEST_F(ECMParameter2Test, GuardedWrite_ComparesAsVarBstrCmpDoes) {
+    // Null characters do not count, except at the beginning.
+    Add(L"11", Text(L"hi\0gh"sv));
+    Add(L"14", Text(L"high\0"sv));
+    Open().WriteLong(L"13190", 3, true);
+    EXPECT_EQ((Calls{"SetParameter(13190, 1, 3)"}), Writes());
+    host.ForgetCalls();
+    Add(L"11", Text(L"\0high"sv));
+    Add(L"14", Text(L"high"));
     Open().WriteLong(L"13190", 3, true);
     EXPECT_EQ(3u, Writes().size());
 }
@@ -590,7 +625,7 @@ TEST_F(ECMParameter2Test, GuardedWriteThatCannotReadItsGuard_Throws) {
     EXPECT_EQ(Calls{}, Writes());
 }
 
-TEST_F(ECMParameter2Test, Writes_GoThroughTheDataServiceAlsoWhereReadsAreDirect) {
+TEST_F(ECMParameter2Test, Writes_GoThroughTheDataServiceEvenIfReadsAreDirect) {
     ReadDirectly();
     Open().WriteLong(L"13190", 3, false);
     EXPECT_EQ((Calls{"SetParameter(13190, 1, 3)"}), Writes());

@@ -67,7 +67,7 @@ TEST_F(HostPointers, BuiltFromAnObjectThatFailsOtherwise_ThrowsItsCode) {
     EXPECT_EQ(0, Added());
 }
 
-/// Answers success to every request for an interface and gives none.
+/// Returns success and null for every request for an interface.
 struct EmptyHanded final : IUnknown {
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void** out) override {
         *out = nullptr;

@@ -11,7 +11,7 @@ namespace vant {
 
 namespace {
 
-/// Assigns and gives the exception that follows; fails the test where none does.
+/// Assigns and returns the exception that is thrown; fails the test if none is.
 CComErrorHandlerException Thrown(CCheckedResult& result, HRESULT code) {
     try {
         result = code;

@@ -34,7 +34,7 @@ protected:
     const CComBSTR text;
 };
 
-TEST_F(AllocationFailure, PutLabel_AnswersOutOfMemoryAndKeepsTheOldLabel) {
+TEST_F(AllocationFailure, PutLabel_ReturnsOutOfMemoryAndKeepsTheOldLabel) {
     ASSERT_EQ(S_OK, command->put_Label(name.Get()));
     {
         const AllocationsEndAfter none(0);
@@ -50,7 +50,7 @@ TEST_F(AllocationFailure, PutNullLabel_NeedsNoMemory) {
     EXPECT_EQ(S_OK, command->put_Label(nullptr));
 }
 
-TEST_F(AllocationFailure, GetLabel_AnswersOutOfMemoryAndANullString) {
+TEST_F(AllocationFailure, GetLabel_ReturnsOutOfMemoryAndANullString) {
     ASSERT_EQ(S_OK, command->put_Label(text.Get()));
     const AllocationsEndAfter none(0);
     wchar_t unset = 0;
@@ -65,7 +65,7 @@ TEST_F(AllocationFailure, GetNullLabel_NeedsNoMemory) {
     EXPECT_EQ(S_OK, command->get_Label(&label));
 }
 
-TEST_F(AllocationFailure, SetProperty_AnswersFailAndKeepsNothing) {
+TEST_F(AllocationFailure, SetProperty_ReturnsFailAndKeepsNothing) {
     const std::size_t before = vant::testing::LiveBstrCount();
     for (const std::size_t successes : {0, 1}) {
         const AllocationsEndAfter some(successes);
@@ -77,7 +77,7 @@ TEST_F(AllocationFailure, SetProperty_AnswersFailAndKeepsNothing) {
     EXPECT_EQ(before + 2, vant::testing::LiveBstrCount());
 }
 
-TEST_F(AllocationFailure, SetUndeclaredProperty_AnswersInvalidArgument) {
+TEST_F(AllocationFailure, SetUndeclaredProperty_ReturnsInvalidArgument) {
     const AllocationsEndAfter none(0);
     EXPECT_EQ(E_INVALIDARG, command->SetProperty(text.Get(), text.Get()));
 }

@@ -33,7 +33,7 @@ protected:
 
 // QueryInterface and life
 
-TEST_F(CommandContract, UnknownAndCommand_AreAnsweredAtTheObjectsStart) {
+TEST_F(CommandContract, UnknownAndCommand_AreReturnedAtTheObjectsStart) {
     for (const IID& iid : {IID_IUnknown, IID_IVantCommand}) {
         CComPtr<IUnknown> answered;
         ASSERT_EQ(S_OK, command->QueryInterface(iid, reinterpret_cast<void**>(&answered)));
@@ -51,7 +51,7 @@ TEST_F(CommandContract, OtherInterfaces_AreRefused) {
     }
 }
 
-TEST_F(CommandContract, QueryInterfaceWithoutOutput_AnswersPointer) {
+TEST_F(CommandContract, QueryInterfaceWithoutOutput_ReturnsPointer) {
     EXPECT_EQ(E_POINTER, command->QueryInterface(IID_IUnknown, nullptr));
     EXPECT_EQ(E_POINTER, command->QueryInterface(IID_IDispatch, nullptr));
 }
@@ -216,7 +216,7 @@ TEST_F(CommandContract, Properties_MayBeSetBeforeAndAfterInitialize) {
 
 // get_IsValid
 
-TEST_F(CommandContract, IsValidWithoutOutput_AnswersPointer) {
+TEST_F(CommandContract, IsValidWithoutOutput_ReturnsPointer) {
     EXPECT_EQ(E_POINTER, command->get_IsValid(nullptr));
 }
 
@@ -276,7 +276,7 @@ TEST_F(CommandContract, Execute_MayBeRepeatedAlsoAfterAFailure) {
     EXPECT_EQ(2, probe->executions);
 }
 
-TEST_F(CommandContract, WhateverTheBodyThrows_ExecuteAnswersFail) {
+TEST_F(CommandContract, BodyThatThrowsAnything_MakesExecuteFail) {
     Set(L"value", L"1");
     const std::function<void()> bodies[] = {
         [] {
@@ -302,7 +302,7 @@ TEST_F(CommandContract, NewCommand_HasANullLabel) {
     EXPECT_EQ(nullptr, label);
 }
 
-TEST_F(CommandContract, LabelWithoutOutput_AnswersPointer) {
+TEST_F(CommandContract, LabelWithoutOutput_ReturnsPointer) {
     EXPECT_EQ(E_POINTER, command->get_Label(nullptr));
 }
 

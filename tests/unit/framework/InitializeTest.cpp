@@ -77,7 +77,7 @@ TEST_F(CommandInitialize, NullController_IsAccepted) {
     EXPECT_TRUE(probe->m_initialised);
 }
 
-TEST_F(CommandInitialize, NullContext_AnswersPointerAndMayBeTriedAgain) {
+TEST_F(CommandInitialize, NullContext_ReturnsPointerAndMayBeTriedAgain) {
     EXPECT_EQ(E_POINTER, probe->Initialize(nullptr, host.Controller()));
     EXPECT_FALSE(probe->m_initialised);
     EXPECT_EQ(0, host.OutstandingReferences());
@@ -98,13 +98,13 @@ TEST_F(CommandInitialize, SecondTime_IsRefusedAndLeavesTheFirstServicesInPlace) 
     EXPECT_EQ(referencesOfAnInitialisedCommand, host.OutstandingReferences());
 }
 
-TEST_F(CommandInitialize, SuccessCodeOfTheLastRequest_IsAnswered) {
+TEST_F(CommandInitialize, SuccessCodeOfTheLastRequest_IsReturned) {
     host.fail["get_ParameterService"] = S_FALSE;
     EXPECT_EQ(S_FALSE, Initialize());
     EXPECT_TRUE(probe->m_initialised);
 }
 
-TEST_F(CommandInitialize, SuccessCodeOfAnEarlierRequest_IsNotAnswered) {
+TEST_F(CommandInitialize, SuccessCodeOfAnEarlierRequest_IsNotReturned) {
     host.fail["get_DataStore"] = S_FALSE;
     EXPECT_EQ(S_OK, Initialize());
 }
@@ -165,6 +165,22 @@ TEST_P(InitializeRequest, FailingTwice_LeaksNothing) {
     EXPECT_EQ(static_cast<LONG>(GetParam() - 1), host.OutstandingReferences());
 }
 
+TEST_P(InitializeRequest, FailingTheSecondTime_KeepsWhatTheFirstAttemptFilled) {
+    TestHost first;
+    first.FailCall(9, E_FAIL);
+    ASSERT_EQ(E_FAIL, probe->Initialize(first.Context(), first.Controller()));
+    host.FailCall(GetParam(), E_OUTOFMEMORY);
+    EXPECT_EQ(E_OUTOFMEMORY, Initialize());
+    EXPECT_EQ(FirstOnes(8), Held(*probe));
+    // Requests that succeeded replaced what the first attempt had filled.
+    const auto replaced = static_cast<LONG>(GetParam() - 1);
+    EXPECT_EQ(replaced, host.OutstandingReferences());
+    EXPECT_EQ(8 - replaced, first.OutstandingReferences());
+    command.Release();
+    EXPECT_EQ(0, first.OutstandingReferences());
+    EXPECT_EQ(0, host.OutstandingReferences());
+}
+
 TEST_P(InitializeRequest, Failing_ReleasesWhatItFilledAtTheCommandsEnd) {
     host.FailCall(GetParam(), E_FAIL);
     ASSERT_EQ(E_FAIL, Initialize());
@@ -172,7 +188,7 @@ TEST_P(InitializeRequest, Failing_ReleasesWhatItFilledAtTheCommandsEnd) {
     EXPECT_EQ(0, host.OutstandingReferences());
 }
 
-TEST_P(InitializeRequest, Throwing_AnswersTheCodeOfTheRequestBeforeAndMayBeTriedAgain) {
+TEST_P(InitializeRequest, Throwing_ReturnsTheCodeOfTheRequestBeforeAndMayBeTriedAgain) {
     host.ThrowAtCall(GetParam());
     // Before the first request the code is a failure; after it, that of a call that went well.
     EXPECT_EQ(GetParam() == 1 ? E_FAIL : S_OK, Initialize());

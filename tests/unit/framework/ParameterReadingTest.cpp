@@ -69,7 +69,7 @@ TEST_F(ParameterReading, AsDouble_ConvertsToADouble) {
     EXPECT_EQ(7.0, ReadDouble(L""));
 }
 
-TEST_F(ParameterReading, ValueThatIsNoNumber_FailsTheConversion) {
+TEST_F(ParameterReading, ValueThatIsNotANumber_FailsTheConversion) {
     Add(L"load", CComVariant(CComBSTR(L"full")));
     for (const auto& read : {std::function<void()>([this] { ReadLong(L"load"); }),
                              std::function<void()>([this] { ReadDouble(L"load"); })}) {

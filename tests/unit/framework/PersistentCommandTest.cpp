@@ -47,13 +47,13 @@ TEST_F(RunOnce, Registration_HasNamesAndZeros) {
         EXPECT_EQ(0u, setting);
 }
 
-TEST_F(RunOnce, Callback_RunsTheBodyOnceAndAnswersEFail) {
+TEST_F(RunOnce, Callback_RunsTheBodyOnceAndReturnsEFail) {
     Execute();
     EXPECT_EQ(E_FAIL, host.Threads().Run());
     EXPECT_EQ(1, probe->runs);
 }
 
-TEST_F(RunOnce, BodyThatDoesNotStopItself_TellsNobody) {
+TEST_F(RunOnce, BodyThatDoesNotStopItself_IsNotReported) {
     Execute();
     host.ForgetCalls();
     host.Threads().Run();
@@ -135,6 +135,12 @@ TEST_F(RunOnce, ServiceWithoutItsInterface_NothingRunsAndNothingIsReported) {
     EXPECT_EQ(Calls{askForService}, host.calls);
 }
 
+TEST_F(RunOnce, ServiceWhoseInterfaceIsNull_NothingRunsAndNothingIsReported) {
+    host.Threads().givesNothing = true;
+    EXPECT_EQ(S_OK, Execute());
+    EXPECT_EQ(Calls{askForService}, host.calls);
+}
+
 TEST_F(RunOnce, RegistrationThatFails_IsNotReported) {
     host.fail["RegisterCallback"] = E_ACCESSDENIED;
     EXPECT_EQ(S_OK, Execute());
@@ -158,7 +164,7 @@ TEST_F(RunOnce, ServiceThatThrows_IsNotReported) {
 
 // The management operations
 
-TEST_F(RunOnce, ManagementOperations_BeforeTheFirstExecute_AnswerEFail) {
+TEST_F(RunOnce, ManagementOperations_BeforeTheFirstExecute_ReturnEFail) {
     EXPECT_EQ(E_FAIL, probe->StartThread(1, 0));
     EXPECT_EQ(E_FAIL, probe->StopThread(1));
     EXPECT_EQ(E_FAIL, probe->CallOperation12(1));
@@ -180,7 +186,7 @@ TEST_F(RunOnce, StartThread_UnknownId_DoesNothing) {
     EXPECT_EQ(Calls(3, askForService), host.calls);
 }
 
-TEST_F(RunOnce, StartThread_AnswersTheCodeOfAFailedRegistration) {
+TEST_F(RunOnce, StartThread_ReturnsTheCodeOfAFailedRegistration) {
     Execute();
     host.fail["RegisterCallback"] = E_ACCESSDENIED;
     EXPECT_EQ(E_ACCESSDENIED, probe->StartThread(1, 0));
@@ -221,7 +227,7 @@ TEST_F(RunOnce, Operations11And12_PassTheCookieAndKeepIt) {
               host.calls);
 }
 
-TEST_F(RunOnce, Operations11And12_AnswerTheServicesCode) {
+TEST_F(RunOnce, Operations11And12_ReturnTheServicesCode) {
     Execute();
     host.fail["Operation11"] = E_ACCESSDENIED;
     host.fail["Operation12"] = E_NOTIMPL;
@@ -238,7 +244,7 @@ TEST_F(RunOnce, ManagementOperations_IdWithoutRegistration_OnlyAskForTheService)
     EXPECT_EQ(Calls(3, askForService), host.calls);
 }
 
-TEST_F(RunOnce, ManagementOperations_ServiceWithoutItsInterface_AnswerItsCode) {
+TEST_F(RunOnce, ManagementOperations_ServiceWithoutItsInterface_ReturnItsCode) {
     Execute();
     host.Threads().absent = true;
     EXPECT_EQ(E_NOINTERFACE, probe->StopThread(1));
@@ -246,7 +252,16 @@ TEST_F(RunOnce, ManagementOperations_ServiceWithoutItsInterface_AnswerItsCode) {
     EXPECT_EQ(E_NOINTERFACE, probe->CallOperation11(1));
 }
 
-TEST_F(RunOnce, ManagementOperations_ServiceThatThrows_AnswerEFail) {
+TEST_F(RunOnce, ManagementOperations_ServiceWhoseInterfaceIsNull_HaveNoInterface) {
+    Execute();
+    host.Threads().givesNothing = true;
+    EXPECT_THROW(probe->StartThread(1, 0), CComErrorHandlerException);
+    EXPECT_EQ(E_NOINTERFACE, probe->StopThread(1));
+    EXPECT_EQ(E_NOINTERFACE, probe->CallOperation12(1));
+    EXPECT_EQ(E_NOINTERFACE, probe->CallOperation11(1));
+}
+
+TEST_F(RunOnce, ManagementOperations_ServiceThatThrows_ReturnEFail) {
     Execute();
     host.ForgetCalls();
     host.ThrowAtCall(2);
@@ -352,28 +367,65 @@ TEST_F(RunOnce, StopBeforeAnyExecute_LeavesNoSignal) {
     EXPECT_EQ(WAIT_TIMEOUT, probe->WaitForStop(0));
 }
 
-TEST_F(RunOnce, StopBeforeAnyExecute_AnswersTheControllersCode) {
+TEST_F(RunOnce, StopBeforeAnyExecute_ReturnsTheControllersCode) {
     host.fail["PersistentCommandStopped"] = E_ACCESSDENIED;
     EXPECT_EQ(E_ACCESSDENIED, Stop());
 }
 
-TEST_F(RunOnce, Stop_ControllerThatFails_IsAnsweredAndTheEventSignalled) {
+TEST_F(RunOnce, Stop_ControllerThatFails_IsReturnedAndTheEventSignalled) {
     host.fail["PersistentCommandStopped"] = E_ACCESSDENIED;
     Execute();
     EXPECT_EQ(E_ACCESSDENIED, Stop());
     EXPECT_EQ(WAIT_OBJECT_0, probe->WaitForStop(0));
 }
 
-TEST_F(RunOnce, Stop_ControllerThatThrows_IsAnsweredAsEFail) {
+TEST_F(RunOnce, Stop_ControllerThatThrows_IsReturnedAsEFail) {
     Execute();
     host.ForgetCalls();
     host.ThrowAtCall(1);
     EXPECT_EQ(E_FAIL, Stop());
 }
 
-TEST_F(RunOnce, StopWithoutController_AnswersEPointer) {
+TEST_F(RunOnce, StopWithoutController_ReturnsEPointer) {
     const auto uninitialised = CreateCommand<CPersistentProbe<0>>();
     EXPECT_EQ(E_POINTER, static_cast<CPersistentProbe<0>*>(uninitialised.Get())->Stop());
+}
+
+/// A command that is not initialised yet.
+class StopDuringInitialize : public ::testing::Test {
+protected:
+    TestHost host;
+    CComPtr<IVantCommand> command = CreateCommand<CPersistentProbe<0>>();
+    CPersistentProbe<0>* probe = static_cast<CPersistentProbe<0>*>(command.Get());
+};
+
+TEST_F(StopDuringInitialize, HasNoControllerUntilInitializeHasSucceeded) {
+    std::vector<HRESULT> codes;
+    host.onCall = [&](const std::string& call) {
+        if (call.starts_with("get_"))
+            codes.push_back(probe->Stop());
+    };
+    EXPECT_EQ(S_OK, command->Initialize(host.Context(), host.Controller()));
+    EXPECT_EQ(std::vector<HRESULT>(9, E_POINTER), codes);
+    EXPECT_EQ(S_OK, probe->Stop());
+    EXPECT_EQ(1u, host.stoppedCommands.size());
+}
+
+TEST_F(StopDuringInitialize, OnAnotherThread_TellsTheControllerOnceItIsThere) {
+    for (int round = 0; round < 200; ++round) {
+        command = CreateCommand<CPersistentProbe<0>>();
+        probe = static_cast<CPersistentProbe<0>*>(command.Get());
+        host.stoppedCommands.clear();
+        std::thread stopping([this] {
+            HRESULT code = E_POINTER;
+            while (code == E_POINTER)
+                code = probe->Stop();
+            EXPECT_EQ(S_OK, code);
+        });
+        EXPECT_EQ(S_OK, command->Initialize(host.Context(), host.Controller()));
+        stopping.join();
+        EXPECT_EQ(std::vector<IVantPersistentCommand*>{probe}, host.stoppedCommands);
+    }
 }
 
 TEST_F(RunOnce, StopTwice_TellsTheControllerTwiceAndSignalsOnce) {

@@ -25,6 +25,7 @@ public:
     std::function<void()> body = [] {};
     int executions = 0;
 
+    using CVantCommandBase::ChooseTransition;
     using CVantCommandBase::ExpandParameterReferences;
     using CVantCommandBase::GetDataStoreText;
     using CVantCommandBase::GetDataStoreValue;
@@ -41,7 +42,6 @@ public:
     using CVantCommandBase::SetComponentProperty;
     using CVantCommandBase::SetDataStoreValue;
     using CVantCommandBase::SetParameter;
-    using CVantCommandBase::SetTransition;
     using CVantCommandBase::ShowInstruction;
     using CVantCommandBase::TerminateCommand;
     using IVantCommandImpl::IsDeclaredProperty;

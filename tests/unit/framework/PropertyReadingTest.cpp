@@ -160,7 +160,7 @@ TEST_F(PropertyReading, FailingCallOfAReference_EndsTheExpansion) {
     }
 }
 
-TEST_F(PropertyReading, ObjectThatIsNoParameter_EndsTheExpansion) {
+TEST_F(PropertyReading, ObjectThatIsNotAParameter_EndsTheExpansion) {
     host.parameters[L"X"].offersInterface = false;
     EXPECT_EQ(E_NOINTERFACE, CodeOfExpanding(L"$p(X)"));
 }

@@ -51,13 +51,13 @@ protected:
     CComPtr<IThreadCallback> callback;
 };
 
-TEST_F(ThreadProxy, CallsTheMemberFunctionAndAnswersEFail) {
+TEST_F(ThreadProxy, CallsTheMemberFunctionAndReturnsEFail) {
     proxy->Set(&Owner::Count, owner);
     EXPECT_EQ(E_FAIL, callback->RunOnThread());
     EXPECT_EQ(1, owner.runs);
 }
 
-TEST_F(ThreadProxy, MemberFunctionThatThrows_IsAnsweredTheSame) {
+TEST_F(ThreadProxy, MemberFunctionThatThrows_ReturnsEFail) {
     proxy->Set(&Owner::Fail, owner);
     EXPECT_EQ(E_FAIL, callback->RunOnThread());
     EXPECT_EQ(1, owner.runs);

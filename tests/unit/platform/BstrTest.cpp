@@ -104,6 +104,19 @@ TEST(Bstr, ComparedTexts_AreEqualOnlyCharacterByCharacter) {
     EXPECT_NE(CSTR_EQUAL, CompareCounted(L"round", L"Round"));
 }
 
+TEST(Bstr, VarBstrCmp_IgnoresNullCharacters_ButNotOneAtTheBeginning) {
+    EXPECT_EQ(VARCMP_EQ, Compare(L"a\0b"sv, L"ab"));
+    EXPECT_EQ(VARCMP_EQ, Compare(L"ab\0\0"sv, L"a\0b"sv));
+    EXPECT_EQ(VARCMP_LT, Compare(L"a\0b"sv, L"a\0c"sv));
+    EXPECT_EQ(VARCMP_LT, Compare(L"\0b"sv, L"a"));
+    EXPECT_EQ(VARCMP_GT, Compare(L"a", L"\0b"sv));
+    EXPECT_EQ(VARCMP_LT, Compare(L"\0a"sv, L"a"));
+    EXPECT_EQ(VARCMP_EQ, Compare(L"\0a"sv, L"\0\0a"sv));
+    EXPECT_EQ(VARCMP_EQ, Compare(L"\0"sv, L"\0\0"sv));
+    EXPECT_EQ(VARCMP_GT, Compare(L"\0"sv, L""));
+    EXPECT_EQ(VARCMP_LT, Compare(L"", L"\0a"sv));
+}
+
 TEST(Bstr, ComparedTexts_AreInTheOrderOfDigitsLettersAndLengths) {
     const std::pair<const wchar_t*, const wchar_t*> ordered[] = {
         {L"", L"a"},   {L"a", L"b"}, {L"ab", L"abc"}, {L"1", L"2"},

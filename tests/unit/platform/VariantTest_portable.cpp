@@ -52,6 +52,43 @@ TEST(PortableVariant, Arrays_AreNeitherClearedNorCopied) {
     EXPECT_EQ(VT_EMPTY, copy.vt);
 }
 
+/// An object that clears, while its last reference is released, the VARIANT that held it.
+class ClearsItsHolder final : public IUnknown {
+public:
+    explicit ClearsItsHolder(VARIANT& holder) noexcept : m_holder(holder) {}
+
+    int releases = 0;
+    VARTYPE typeSeen = 0xFFFF;
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void** out) override {
+        *out = nullptr;
+        return E_NOINTERFACE;
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return 1; }
+    ULONG STDMETHODCALLTYPE Release() override {
+        if (++releases == 1) {
+            typeSeen = m_holder.vt;
+            EXPECT_EQ(S_OK, VariantClear(&m_holder));
+        }
+        return 0;
+    }
+
+private:
+    VARIANT& m_holder;
+};
+
+TEST(PortableVariant, ObjectThatClearsItsHolderWhileItIsReleased_IsReleasedOnce) {
+    for (const VARTYPE type : {VT_UNKNOWN, VT_DISPATCH}) {
+        VARIANT value = OfType(type);
+        ClearsItsHolder object(value);
+        value.punkVal = &object;
+        EXPECT_EQ(S_OK, VariantClear(&value));
+        EXPECT_EQ(1, object.releases);
+        EXPECT_EQ(VT_EMPTY, object.typeSeen);
+        EXPECT_EQ(VT_EMPTY, value.vt);
+    }
+}
+
 TEST(PortableVariant, FailedReplacement_FreesTheNewValue) {
     const std::size_t before = testing::LiveBstrCount();
     VARIANT array = OfType(VT_ARRAY | VT_I4);

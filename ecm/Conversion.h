@@ -4,7 +4,7 @@
 
 namespace vant {
 
-/// The value as a 32-bit integer; 0 for what is no number, which nobody notices.
+/// The value as a 32-bit integer, or 0 if it cannot be converted to one.
 inline LONG ToLongOrZero(CComVariant value, LCID locale) noexcept {
     return SUCCEEDED(value.ChangeType(VT_I4, locale)) ? value.Get().lVal : 0;
 }

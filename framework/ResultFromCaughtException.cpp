@@ -1,4 +1,4 @@
-#include "framework/CaughtError.h"
+#include "framework/ResultFromCaughtException.h"
 
 #include "ecm/ResultPolicy.h"
 #include "platform/ComException.h"
@@ -7,7 +7,7 @@
 
 namespace vant {
 
-HRESULT CodeOfCaughtError() noexcept {
+HRESULT ResultFromCaughtException() noexcept {
     try {
         throw;
     } catch (const CComErrorHandlerException& failure) {

@@ -1,4 +1,4 @@
-#include "framework/CaughtError.h"
+#include "framework/ResultFromCaughtException.h"
 
 #include "ecm/ResultPolicy.h"
 #include "platform/ComException.h"
@@ -16,29 +16,29 @@ HRESULT CodeOf(const Error& error) {
     try {
         throw error;
     } catch (...) {
-        return CodeOfCaughtError();
+        return ResultFromCaughtException();
     }
 }
 
-TEST(CodeOfCaughtError, FailedHostCall_HasItsCode) {
+TEST(ResultFromCaughtException, FailedHostCall_HasItsCode) {
     try {
         CCheckedResult result;
         result = E_ACCESSDENIED;
         FAIL() << "a failed call was not noticed";
     } catch (...) {
-        EXPECT_EQ(E_ACCESSDENIED, CodeOfCaughtError());
+        EXPECT_EQ(E_ACCESSDENIED, ResultFromCaughtException());
     }
 }
 
-TEST(CodeOfCaughtError, FailedPlatformCall_HasItsCode) {
+TEST(ResultFromCaughtException, FailedPlatformCall_HasItsCode) {
     EXPECT_EQ(DISP_E_OVERFLOW, CodeOf(CComException(DISP_E_OVERFLOW)));
 }
 
-TEST(CodeOfCaughtError, NoMemory_IsEOutOfMemory) {
+TEST(ResultFromCaughtException, NoMemory_IsEOutOfMemory) {
     EXPECT_EQ(E_OUTOFMEMORY, CodeOf(std::bad_alloc()));
 }
 
-TEST(CodeOfCaughtError, AnythingElse_IsEFail) {
+TEST(ResultFromCaughtException, AnythingElse_IsEFail) {
     EXPECT_EQ(E_FAIL, CodeOf(std::runtime_error("failed")));
     EXPECT_EQ(E_FAIL, CodeOf(7));
 }
