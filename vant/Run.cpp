@@ -10,7 +10,8 @@
 #include "host/runner/RegisteredClasses.h"
 #include "host/runner/Runner.h"
 #include "platform/Clock.h"
-#include "platform/Process.h"
+#include "platform/Console.h"
+#include "platform/Interruption.h"
 #include "platform/Utf8.h"
 #include "vant/ConsoleReport.h"
 #include "vant/MessagePrompt.h"
@@ -136,7 +137,7 @@ void OpenJournal(std::ofstream& out, const RunOptions& options, const std::strin
 
 bool WantsColour() {
     const char* const noColour = std::getenv("NO_COLOR");
-    return OutputIsTerminal() && !(noColour && *noColour);
+    return OutputTakesColours() && !(noColour && *noColour);
 }
 
 ExitCode ExitCodeOf(Verdict verdict) {

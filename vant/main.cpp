@@ -1,6 +1,7 @@
 // The command-line program of the bench host.
 
 #include "platform/ComException.h"
+#include "platform/Console.h"
 #include "platform/DynamicLibrary.h"
 #include "platform/Process.h"
 #include "platform/Utf8.h"
@@ -33,6 +34,7 @@ std::string CheckSeed(const std::string& text) {
 }
 
 int RunProgram(int argc, char** argv) {
+    vant::SecureStandardStreams();
     vant::PrepareConsole();
 
     vant::program::RunOptions options;
