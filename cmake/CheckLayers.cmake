@@ -13,7 +13,15 @@ set(layers
     "framework ecm platform"
     "commands framework ecm platform"
     "module commands framework platform"
-    "host framework/interfaces ecm/interfaces platform"
+    "host/text platform"
+    "host/record host/text platform"
+    "host/object host/text host/record framework/interfaces ecm/interfaces platform"
+    "host/engine/model host/text host/record platform"
+    "host/engine/objects host/engine/model host/object host/record host/text ecm/interfaces platform"
+    "host/conditions host/engine host/object host/record host/text framework/interfaces platform"
+    "host/services host/conditions host/engine host/object host/record host/text framework/interfaces ecm/interfaces platform"
+    "host/procedure host/services host/conditions host/engine/model host/record host/text framework/interfaces platform"
+    "host/runner host/procedure host/services host/conditions host/engine host/object host/record host/text framework/interfaces platform"
     "vant host platform")
 
 # The only file that asks which system it is on.
@@ -100,8 +108,11 @@ foreach(row IN LISTS layers)
   string(REPLACE " " ";" allowed "${row}")
   list(POP_FRONT allowed layer)
   foreach(folder IN LISTS allowed)
+    # A folder stands above if it lies in a layer that does, or holds one.
     layer_of("${folder}/" lower)
-    if(NOT lower)
+    set(known ${layer_names})
+    list(FILTER known INCLUDE REGEX "^${folder}/")
+    if(NOT lower AND NOT known)
       message(FATAL_ERROR "The table of layers: ${layer} stands above ${folder}, on which it builds.")
     endif()
   endforeach()
@@ -109,8 +120,8 @@ foreach(row IN LISTS layers)
   set("${layer}_may_include" ${allowed})
 endforeach()
 
-set(top_folders ${layer_names})
-list(FILTER top_folders EXCLUDE REGEX "/")
+list(TRANSFORM layer_names REPLACE "/.*" "" OUTPUT_VARIABLE top_folders)
+list(REMOVE_DUPLICATES top_folders)
 list(JOIN top_folders "|" top_pattern)
 
 set(count 0)
@@ -121,6 +132,10 @@ foreach(folder IN LISTS top_folders)
   foreach(file IN LISTS files)
     list(APPEND all_files ${file})
     layer_of(${file} layer)
+    if(NOT layer)
+      report(${file} 1 "this folder is no layer of the table in CheckLayers.cmake")
+      continue()
+    endif()
     file(READ ${SOURCE_DIR}/${file} text)
     # One list element per line, without the characters that have a meaning in lists.
     string(REGEX REPLACE "[][;\\]" "_" text "${text}")
