@@ -1,16 +1,12 @@
-// The four exported entry points. Every exception ends before them.
+// The four exported entry points. No exception leaves them.
 
 #include "module/Module.h"
 #include "module/registration/Registration.h"
 #include "platform/ComObject.h"
 
+// The platform declares the two entry points of every component; these two are declared here.
+// VantCommands.def lists the exports on Windows, VantCommands.map elsewhere.
 extern "C" {
-// The SDK declares the first two on Windows; the export list is VantCommands.def there, VantCommands.map
-// elsewhere.
-#ifndef _WIN32
-VANT_PLATFORM_API HRESULT STDAPICALLTYPE DllGetClassObject(REFCLSID classId, REFIID iid, void** out);
-VANT_PLATFORM_API HRESULT STDAPICALLTYPE DllCanUnloadNow();
-#endif
 VANT_PLATFORM_API HRESULT STDAPICALLTYPE DllRegisterServer();
 VANT_PLATFORM_API HRESULT STDAPICALLTYPE DllUnregisterServer();
 }

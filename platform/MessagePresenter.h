@@ -12,13 +12,9 @@ namespace vant {
 using MessagePresenter =
     std::function<void(const std::wstring& text, const std::wstring& caption, UINT style)>;
 
-#ifdef _WIN32
-/// The system shows messages itself; the presenter is never called.
-inline void SetMessagePresenter(MessagePresenter) {}
-#else
 /// Has `presenter` show the message boxes of this process, those of the command module included; an empty one
-/// removes it. A message that is being shown stays with the presenter that began it. Any thread.
+/// removes it. A message on display stays with the presenter that began it. Any thread. Windows shows
+/// messages itself and never calls the presenter.
 VANT_PLATFORM_API void SetMessagePresenter(MessagePresenter presenter);
-#endif
 
 } // namespace vant

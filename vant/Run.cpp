@@ -10,7 +10,9 @@
 #include "host/runner/RegisteredClasses.h"
 #include "host/runner/Runner.h"
 #include "platform/Clock.h"
+#include "platform/Console.h"
 #include "platform/DynamicLibrary.h"
+#include "platform/Interruption.h"
 #include "platform/Process.h"
 #include "platform/Utf8.h"
 #include "vant/ConsoleReport.h"
@@ -99,7 +101,7 @@ std::optional<JournalFile> OpenJournal(const RunOptions& options, const LoadedFi
 
 bool WantsColour() {
     const char* const noColour = std::getenv("NO_COLOR");
-    return OutputIsTerminal() && !(noColour && *noColour);
+    return OutputTakesColours() && !(noColour && *noColour);
 }
 
 ExitCode ExitCodeOf(Verdict verdict) {

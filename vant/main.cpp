@@ -3,6 +3,7 @@
 #include "host/record/Json.h"
 #include "host/text/Printable.h"
 #include "platform/ComException.h"
+#include "platform/Console.h"
 #include "platform/DynamicLibrary.h"
 #include "platform/Process.h"
 #include "platform/Utf8.h"
@@ -178,6 +179,7 @@ int Report(ExitCode code, const std::string& message) {
 
 int Main(int argc, char** argv) {
     try {
+        SecureStandardStreams();
         PrepareConsole();
         return static_cast<int>(RunProgram(argc, argv));
     } catch (const Failure& failure) {

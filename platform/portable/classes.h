@@ -35,4 +35,8 @@ VANT_PLATFORM_API HRESULT CoGetClassObject(REFCLSID classId, DWORD context, void
                                            void** out);
 VANT_PLATFORM_API HRESULT CoCreateInstance(REFCLSID classId, IUnknown* outer, DWORD context, REFIID iid,
                                            void** out);
+
+/// What every component exports; the component defines them.
+VANT_PLATFORM_API HRESULT STDAPICALLTYPE DllGetClassObject(REFCLSID classId, REFIID iid, void** out);
+VANT_PLATFORM_API HRESULT STDAPICALLTYPE DllCanUnloadNow();
 }

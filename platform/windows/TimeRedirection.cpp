@@ -1,7 +1,10 @@
-#include "platform/windows/TimeRedirection.h"
+#include "platform/TimeRedirection.h"
 
+#include "platform/Clock.h"
 #include "platform/Waiting.h"
+#include "platform/system.h"
 
+#include <atomic>
 #include <cstdint>
 #include <cstring>
 #include <new>
@@ -9,6 +12,9 @@
 namespace vant {
 
 namespace {
+
+/// Until a program asks for another time, the system's own is left alone.
+std::atomic<bool> redirected{false};
 
 /// The system's own functions: this program's imports are redirected, too.
 struct Kernel {
@@ -38,7 +44,7 @@ HANDLE HandleOf(waiting::Event* event) {
     return event ? reinterpret_cast<HANDLE>(reinterpret_cast<std::uintptr_t>(event) | mark) : nullptr;
 }
 
-/// Null for a handle of the system's.
+/// Null for a handle that the system made.
 waiting::Event* EventOf(HANDLE handle) {
     const auto bits = reinterpret_cast<std::uintptr_t>(handle);
     // No object lies in the first or last 64 KiB, where pseudo-handles such as INVALID_HANDLE_VALUE do, and
@@ -90,7 +96,7 @@ DWORD WINAPI WaitForSingleObjectHere(HANDLE handle, DWORD milliseconds) {
 }
 
 void WINAPI SleepHere(DWORD milliseconds) {
-    // A sleep of no length lets other threads run; it is no matter of time.
+    // A sleep of no length lets other threads run; it takes no time.
     if (milliseconds == 0)
         TheKernel().sleep(0);
     else
@@ -126,9 +132,9 @@ void Overwrite(IMAGE_THUNK_DATA& entry, void* function) {
     VirtualProtect(&entry, sizeof(entry), protection, &protection);
 }
 
-} // namespace
-
-void RedirectTime(HMODULE module) {
+/// Makes the import table of a loaded module point at the functions above. Handles that the system made stay
+/// the system's. Doing it again changes nothing; the first time no thread may run in the module.
+void Redirect(HMODULE module) {
     TheKernel();
     auto* const base = reinterpret_cast<BYTE*>(module);
     const auto at = [base](DWORD offset) { return reinterpret_cast<void*>(base + offset); };
@@ -152,6 +158,21 @@ void RedirectTime(HMODULE module) {
                 Overwrite(*address, replacement);
         }
     }
+}
+
+} // namespace
+
+void RedirectProgram() noexcept {
+    if (!redirected.exchange(true))
+        Redirect(GetModuleHandleW(nullptr));
+}
+
+void TakeTimeFromHere(const void* address) noexcept {
+    HMODULE library = nullptr;
+    if (redirected && GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS |
+                                             GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+                                         static_cast<const wchar_t*>(address), &library))
+        Redirect(library);
 }
 
 } // namespace vant

@@ -2,8 +2,8 @@
 
 #include "framework/interfaces/ClassIds.h"
 #include "module/Module.h"
-#include "module/registration/CatalogueKeyStore.h"
 #include "module/registration/Registration.h"
+#include "module/registration/portable/CatalogueKeyStore.h"
 #include "tests/registration/RegistrationFixture.h"
 
 #include <cstdlib>

@@ -1,7 +1,7 @@
 #include "platform/portable/catalogue.h"
 
-#include "module/registration/CatalogueKeyStore.h"
 #include "module/registration/Script.h"
+#include "module/registration/portable/CatalogueKeyStore.h"
 
 #include <cstdlib>
 #include <filesystem>

@@ -1,12 +1,11 @@
 #include "platform/Process.h"
-#include "platform/portable/kernel.h"
-#include "platform/portable/testing.h"
 
+#include <cerrno>
 #include <csignal>
 #include <cstdlib>
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <string>
-#include <thread>
 #include <unistd.h>
 #include <vector>
 
@@ -24,36 +23,44 @@ TEST(PortableProcess, ProgramFolder_HoldsThisProgram) {
     EXPECT_TRUE(std::filesystem::exists(ProgramFolder() / "unit_platform"));
 }
 
-TEST(PortableProcess, FirstInterrupt_CallsTheHandlerOnAnotherThread) {
+TEST(PortableProcess, ClosedStandardStreams_AreNotTakenByFilesAndFail) {
     EXPECT_EXIT(
         {
-            static const auto here = std::this_thread::get_id();
-            OnFirstInterrupt([] { std::_Exit(std::this_thread::get_id() == here ? 8 : 7); });
-            std::raise(SIGINT);
-            for (;;)
-                pause();
+            close(STDIN_FILENO);
+            close(STDOUT_FILENO);
+            close(STDERR_FILENO);
+            SecureStandardStreams();
+            char byte = 0;
+            const bool standardOnesFail = read(STDIN_FILENO, &byte, 1) < 0 &&
+                                          write(STDOUT_FILENO, &byte, 1) < 0 &&
+                                          write(STDERR_FILENO, &byte, 1) < 0;
+            const int next = open("/dev/null", O_RDONLY);
+            std::_Exit(standardOnesFail && next > STDERR_FILENO ? 7 : 8);
         },
         ::testing::ExitedWithCode(7), "");
 }
 
-TEST(PortableProcess, SecondInterrupt_EndsTheProgram) {
+TEST(PortableProcess, OpenStandardStreams_StayWhatTheyAre) {
     EXPECT_EXIT(
         {
-            OnFirstInterrupt([] {});
-            std::raise(SIGINT);
-            std::raise(SIGINT);
+            SecureStandardStreams();
+            constexpr char text[] = "still here";
+            std::_Exit(write(STDERR_FILENO, text, sizeof(text) - 1) > 0 ? 7 : 8);
         },
-        ::testing::KilledBySignal(SIGINT), "");
+        ::testing::ExitedWithCode(7), "still here");
 }
 
-TEST(PortableDebugOutput, Text_GoesToTheHookWhileThereIsOne) {
-    static std::wstring received;
-    received.clear();
-    testing::SetOutputDebugHook([](LPCWSTR text) { received += text; });
-    OutputDebugStringW(L"seen");
-    testing::SetOutputDebugHook(nullptr);
-    OutputDebugStringW(L"unseen");
-    EXPECT_EQ(L"seen", received);
+TEST(PortableProcess, ClosedPipe_FailsTheWriteOnly) {
+    EXPECT_EXIT(
+        {
+            SecureStandardStreams();
+            int ends[2] = {};
+            if (pipe(ends) != 0)
+                std::_Exit(9);
+            close(ends[0]);
+            std::_Exit(write(ends[1], "x", 1) < 0 && errno == EPIPE ? 7 : 8);
+        },
+        ::testing::ExitedWithCode(7), "");
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-#include "module/registration/CatalogueKeyStore.h"
+#include "module/registration/portable/CatalogueKeyStore.h"
 
 namespace vant {
 

@@ -5,13 +5,7 @@
 #include <stdexcept>
 #include <system_error>
 
-#ifndef _WIN32
-#include <dlfcn.h>
-#endif
-
 namespace vant {
-
-#ifdef _WIN32
 
 DynamicLibrary::DynamicLibrary(const std::filesystem::path& file) : m_name(file.filename().string()) {
     m_handle =
@@ -35,30 +29,5 @@ DynamicLibrary::Address DynamicLibrary::FindAddress(const char* name) const {
 std::string LibraryFileName(const std::string& name) {
     return name + ".dll";
 }
-
-#else
-
-DynamicLibrary::DynamicLibrary(const std::filesystem::path& file) : m_name(file.filename().string()) {
-    m_handle = dlopen(std::filesystem::absolute(file).c_str(), RTLD_NOW | RTLD_LOCAL);
-    if (!m_handle)
-        throw std::runtime_error(dlerror());
-}
-
-DynamicLibrary::~DynamicLibrary() {
-    dlclose(m_handle);
-}
-
-DynamicLibrary::Address DynamicLibrary::FindAddress(const char* name) const {
-    void* const address = dlsym(m_handle, name);
-    if (!address)
-        throw std::runtime_error(m_name + " exports no " + name);
-    return reinterpret_cast<Address>(address);
-}
-
-std::string LibraryFileName(const std::string& name) {
-    return "lib" + name + ".so";
-}
-
-#endif
 
 } // namespace vant

@@ -1,5 +1,5 @@
-#include "module/registration/CatalogueKeyStore.h"
 #include "module/registration/Registration.h"
+#include "module/registration/portable/CatalogueKeyStore.h"
 #include "platform/Utf8.h"
 
 #include <dlfcn.h>

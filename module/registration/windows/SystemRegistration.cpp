@@ -1,5 +1,5 @@
 #include "module/registration/Registration.h"
-#include "module/registration/RegistryKeyStore.h"
+#include "module/registration/windows/RegistryKeyStore.h"
 #include "platform/ComPtr.h"
 
 namespace vant {

@@ -1,4 +1,4 @@
-#include "module/registration/RegistryKeyStore.h"
+#include "module/registration/windows/RegistryKeyStore.h"
 
 #include <winternl.h>
 

@@ -1,16 +1,8 @@
 #include "platform/ClassRegistration.h"
 
-#ifdef _WIN32
 #include <vector>
-#else
-#include "platform/portable/catalogue.h"
-
-#include <exception>
-#endif
 
 namespace vant {
-
-#ifdef _WIN32
 
 HRESULT RegisterForUserOnly() {
     HKEY classes = nullptr;
@@ -43,24 +35,5 @@ std::optional<std::wstring> RegisteredModule(const std::wstring& classIdText) {
     const auto users = TextIn(HKEY_CURRENT_USER, L"Software\\Classes\\" + key);
     return users ? users : TextIn(HKEY_CLASSES_ROOT, key);
 }
-
-#else
-
-HRESULT RegisterForUserOnly() {
-    return S_OK;
-}
-
-std::optional<std::wstring> RegisteredModule(const std::wstring& classIdText) {
-    try {
-        const Catalogue catalogue = Catalogue::Read(Catalogue::File());
-        const std::wstring* const module =
-            catalogue.Find(L"CLSID\\" + classIdText + L"\\InprocServer32", L"");
-        return module ? std::optional(*module) : std::nullopt;
-    } catch (const std::exception&) {
-        return std::nullopt;
-    }
-}
-
-#endif
 
 } // namespace vant

@@ -2,7 +2,7 @@
 // first exception and keeps it when the module is unloaded; a process has about a thousand of them. So its
 // calls of TlsAlloc come here, and unloading frees the slots.
 
-#include "module/TlsSlots.h"
+#include "module/windows/TlsSlots.h"
 
 #include <array>
 #include <atomic>
@@ -27,12 +27,9 @@ DWORD WINAPI AllocateSlot() {
 
 } // namespace
 
-// The pointer through which the runtime calls TlsAlloc, in place of the import library's.
-#ifdef _WIN64
-extern "C" AllocateFunction* const importOfTlsAlloc __asm__("__imp_TlsAlloc") = AllocateSlot;
-#else
-extern "C" AllocateFunction* const importOfTlsAlloc __asm__("__imp__TlsAlloc@0") = AllocateSlot;
-#endif
+// The symbol through which the runtime finds TlsAlloc, in place of the import library's own. The build names
+// it, because a 32-bit program decorates it.
+extern "C" AllocateFunction* const importOfTlsAlloc __asm__(VANT_IMPORT_OF_TLSALLOC) = AllocateSlot;
 
 namespace vant {
 

@@ -1,0 +1,7 @@
+#include "platform/MessagePresenter.h"
+
+namespace vant {
+
+void SetMessagePresenter(MessagePresenter) {}
+
+} // namespace vant
