@@ -2,7 +2,7 @@
 
 #include "host/record/CallScope.h"
 #include "host/record/Json.h"
-#include "host/runner/Module.h"
+#include "host/runner/LoadedModule.h"
 #include "host/text/Printable.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #include "vant/Registration.h"
 
 #include "host/record/Json.h"
-#include "host/runner/Module.h"
+#include "host/runner/LoadedModule.h"
 #include "host/runner/RegisteredClasses.h"
 #include "platform/ClassRegistration.h"
 #include "platform/Utf8.h"
@@ -15,9 +15,10 @@ using namespace host;
 
 namespace {
 
-ExitCode Change(const RegistrationOptions& options, HRESULT (Module::*operation)() const, const char* done) {
+ExitCode Change(const RegistrationOptions& options, HRESULT (LoadedModule::*operation)() const,
+                const char* done) {
     try {
-        const Module module(PathFromUtf8(options.module));
+        const LoadedModule module(PathFromUtf8(options.module));
         HRESULT result = options.userOnly ? RegisterForUserOnly() : S_OK;
         if (SUCCEEDED(result))
             result = (module.*operation)();
@@ -36,11 +37,11 @@ ExitCode Change(const RegistrationOptions& options, HRESULT (Module::*operation)
 } // namespace
 
 ExitCode Register(const RegistrationOptions& options) {
-    return Change(options, &Module::Register, "registered");
+    return Change(options, &LoadedModule::Register, "registered");
 }
 
 ExitCode Unregister(const RegistrationOptions& options) {
-    return Change(options, &Module::Unregister, "unregistered");
+    return Change(options, &LoadedModule::Unregister, "unregistered");
 }
 
 ExitCode PrintCatalogue() {

@@ -1,7 +1,7 @@
 #include "host/runner/CommandCheck.h"
 
 #include "host/record/Json.h"
-#include "host/runner/Module.h"
+#include "host/runner/LoadedModule.h"
 #include "host/text/Suggestion.h"
 #include "platform/Bstr.h"
 #include "platform/Utf8.h"

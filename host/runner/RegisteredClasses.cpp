@@ -1,7 +1,7 @@
 #include "host/runner/RegisteredClasses.h"
 
 #include "framework/interfaces/ClassIds.h"
-#include "host/runner/Module.h"
+#include "host/runner/LoadedModule.h"
 #include "platform/ClassRegistration.h"
 #include "platform/Clock.h"
 #include "platform/Utf8.h"

@@ -4,7 +4,7 @@
 #include "host/procedure/EngineReader.h"
 #include "host/procedure/ProcedureReader.h"
 #include "host/runner/CommandCheck.h"
-#include "host/runner/Module.h"
+#include "host/runner/LoadedModule.h"
 #include "platform/Process.h"
 #include "tests/docs/Markdown.h"
 
@@ -105,7 +105,7 @@ TEST(EnginesDocument, Tables_HoldEveryKey) {
 TEST(ProceduresDocument, Example_IsAccepted) {
     Diagnostics found;
     const Procedure procedure = ReadProcedure(TomlOfTheFile("docs/procedures.md"), found);
-    CheckCommands(procedure, Module(ProgramFolder() / LibraryFileName("VantCommands")), found);
+    CheckCommands(procedure, LoadedModule(ProgramFolder() / LibraryFileName("VantCommands")), found);
     ExpectNoMistake(found);
     EXPECT_FALSE(procedure.steps.empty());
 }

@@ -103,7 +103,7 @@ Outcome RunSteps(const std::string& steps) {
     const Procedure procedure = ReadProcedure(head + steps, found);
     EXPECT_FALSE(found.HasErrors()) << found.Sorted().front().Text("f");
     const test::VirtualTime time;
-    const Module module(test::BuiltModuleFile());
+    const LoadedModule module(test::BuiltModuleFile());
     {
         Journal journal;
         journal.Observe([&](const Record& record) { outcome.records.push_back(record); });
@@ -188,7 +188,7 @@ TEST(PersistentRun, AbortWhileTheStepWaits_StopsEveryCommandAndCompletesTheJourn
         std::string(head) + "[steps.s]\nrun = ['long', 'show', 'guard']\nwait = 'end'\nnext = 'bad'\n",
         found);
     const test::VirtualTime time;
-    const Module module(test::BuiltModuleFile());
+    const LoadedModule module(test::BuiltModuleFile());
     Journal journal;
     Runner runner(procedure, module, journal);
     std::vector<std::string> ended;
@@ -215,7 +215,7 @@ public:
     bool CanUnload() const override { return m_module.CanUnload(); }
 
 private:
-    const Module m_module{test::BuiltModuleFile()};
+    const LoadedModule m_module{test::BuiltModuleFile()};
 };
 
 TEST(PersistentRun, RunThatBreaksOff_HasStoppedEveryCommand) {

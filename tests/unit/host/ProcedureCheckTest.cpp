@@ -12,7 +12,7 @@ namespace {
 /// All that the built module's classes say about a command, whose class begins in line 6 and whose properties
 /// in line 7.
 std::string Said(const std::string& command) {
-    const Module module(test::BuiltModuleFile());
+    const LoadedModule module(test::BuiltModuleFile());
     Diagnostics found;
     const Procedure procedure = ReadProcedure(
         "name = 'n'\nstart = 's'\n[steps]\ns = { end = 'passed' }\n[commands.c]\n" + command, found);

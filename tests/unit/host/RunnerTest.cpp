@@ -337,7 +337,7 @@ TEST_F(RunnerTest, DataEntries_AreGivenTypedAndTellWhatIsLeft) {
 }
 
 TEST_F(RunnerTest, BuiltModule_JournalHoldsEveryCallOfNestedCommands) {
-    const Module module(test::BuiltModuleFile());
+    const LoadedModule module(test::BuiltModuleFile());
     EXPECT_EQ(Run("[commands.outer]\nclass = 'CompositeCommand'\nproperties = { commandIDList = 'write' }\n"
                   "[commands.write]\nclass = 'DataStoreWriter'\n"
                   "properties = { dsLocation = 'a', value = '\u00E9' }\n"
@@ -377,7 +377,7 @@ TEST_F(RunnerTest, BuiltModule_JournalHoldsEveryCallOfNestedCommands) {
 }
 
 TEST_F(RunnerTest, BuiltModule_CompositeThatNamesItself_FailsAtTheDepthLimit) {
-    const Module module(test::BuiltModuleFile());
+    const LoadedModule module(test::BuiltModuleFile());
     EXPECT_EQ(Run("[commands.c]\nclass = 'CompositeCommand'\nproperties = { commandIDList = 'c' }\n"
                   "[steps.s]\nrun = ['c']\nnext = 'good'\n",
                   module),
@@ -390,7 +390,7 @@ TEST_F(RunnerTest, BuiltModule_CompositeThatNamesItself_FailsAtTheDepthLimit) {
 }
 
 TEST_F(RunnerTest, BuiltModule_RefusedTermination_LeadsToFailed) {
-    const Module module(test::BuiltModuleFile());
+    const LoadedModule module(test::BuiltModuleFile());
     EXPECT_EQ(Run("[commands.t]\nclass = 'CommandTerminator'\nproperties = { commandID = 'watch' }\n"
                   "[steps.s]\nrun = ['t']\nnext = 'bad'\nfailed = 'good'\n",
                   module),
