@@ -3,10 +3,14 @@
 #include "host/procedure/ClassReport.h"
 #include "host/record/CallScope.h"
 #include "host/record/Json.h"
+#include "host/record/Vocabulary.h"
+#include "host/runner/Runner.h"
 #include "host/text/Printable.h"
 
 #include <algorithm>
+#include <fmt/format.h>
 #include <string>
+#include <vector>
 
 namespace vant::program {
 
@@ -37,22 +41,23 @@ std::string JsonOf(const Value* value) {
     return value ? Printable(ToJson(*value).dump()) : "null";
 }
 
-/// Why a command failed, or did nothing, is seldom to be seen but from the call that failed.
+/// Often the only hint at why a command failed or did nothing.
 std::string LineOfFailedCall(const Record& record) {
-    std::string line = "call failed: " + record.service + ' ' + record.operation;
+    std::vector<std::string> arguments;
     for (const Argument& each : record.arguments)
-        line += (&each == &record.arguments.front() ? " " : ", ") + each.name + " = " + JsonOf(&each.value);
-    return line + ": " + ToText(*record.result);
+        arguments.push_back(fmt::format("{} = {}", each.name, JsonOf(&each.value)));
+    return fmt::format("call failed: {} {}{}{}: {}", record.service, record.operation,
+                       arguments.empty() ? "" : " ", fmt::join(arguments, ", "), ToText(*record.result));
 }
 
 std::string KeyOf(const Record& record) {
-    return record.thread + '\n' + record.command;
+    return fmt::format("{}\n{}", record.thread, record.command);
 }
 
 } // namespace
 
 void ConsoleReport::operator()(const Record& record) {
-    if (record.service == "Runner")
+    if (record.service == service::Runner)
         WriteEvent(record);
     else if (const std::string line = LineOfCall(record); !line.empty())
         Write(record, line);
@@ -60,20 +65,20 @@ void ConsoleReport::operator()(const Record& record) {
 }
 
 void ConsoleReport::WriteEvent(const Record& record) {
-    if (record.operation == "ProcedureStarted") {
-        m_out << Printable(record.Text("name")) << '\n';
-    } else if (record.operation == "StepEntered") {
+    if (record.operation == event::ProcedureStarted) {
+        m_out << Printable(record.Text(argument::name)) << '\n';
+    } else if (record.operation == event::StepEntered) {
         m_linesOfThreads.clear();
-        m_out << "\nstep " << Printable(record.Text("step")) << '\n';
-    } else if (record.operation == "CommandEnded") {
+        m_out << "\nstep " << Printable(record.Text(argument::step)) << '\n';
+    } else if (record.operation == event::CommandEnded) {
         Write(record, LineOfCommand(record));
-    } else if (record.operation == "ThreadEnded") {
-        m_out << "  " + Padded(Printable(record.command), idWidth) + " has ended\n";
-    } else if (record.operation == "TransitionFollowed") {
-        m_out << "  -> " << Printable(record.Text("to")) << '\n';
-    } else if (record.operation == "DataLeft") {
+    } else if (record.operation == event::ThreadEnded) {
+        m_out << fmt::format("  {} has ended\n", Padded(Printable(record.command), idWidth));
+    } else if (record.operation == event::TransitionFollowed) {
+        m_out << "  -> " << Printable(record.Text(argument::to)) << '\n';
+    } else if (record.operation == event::DataLeft) {
         WriteEntry(record);
-    } else if (record.operation == "ProcedureEnded") {
+    } else if (record.operation == event::ProcedureEnded) {
         WriteVerdict(record);
     }
 }
@@ -83,53 +88,54 @@ std::string ConsoleReport::LineOfCall(const Record& record) {
         return {};
     if (FAILED(*record.result))
         return LineOfFailedCall(record);
-    if (record.operation == "ShowInstruction")
-        return "instruction: " + Printable(record.Text("text"));
-    if (record.operation == "SetComponentProperty")
-        return "display: " + Printable(record.Text("componentId") + '.' + record.Text("name")) + " = " +
-               JsonOf(record.Find("value"));
-    if (record.operation == "RegisterCallback")
+    if (record.operation == operation::ShowInstruction)
+        return "instruction: " + Printable(record.Text(argument::text));
+    if (record.operation == operation::SetComponentProperty)
+        return fmt::format("display: {}.{} = {}", Printable(record.Text(argument::componentId)),
+                           Printable(record.Text(argument::name)), JsonOf(record.Find(argument::value)));
+    if (record.operation == operation::RegisterCallback)
         m_runningOn.insert(KeyOf(record));
-    else if (record.service == "ConditionSet" && record.Find("failed"))
-        return "conditions " + Printable(record.Text("name")) +
-               " not met: " + Printable(record.Text("failed")) + ", but was " + JsonOf(record.Find("value"));
+    else if (record.service == service::ConditionSet && record.Find(argument::failed))
+        return fmt::format("conditions {} not met: {}, but was {}", Printable(record.Text(argument::name)),
+                           Printable(record.Text(argument::failed)), JsonOf(record.Find(argument::value)));
     return {};
 }
 
 std::string ConsoleReport::LineOfCommand(const Record& record) {
-    std::string line = Padded(Printable(record.command), idWidth) + ' ' +
-                       Padded(Printable(record.Text("class")), ClassWidth()) + ' ';
     const bool runsOn = m_runningOn.erase(KeyOf(record)) != 0;
-    if (record.result && SUCCEEDED(*record.result))
-        line += runsOn ? "ok, runs on" : "ok";
-    else
-        line += "FAILED " + ToText(record.result.value_or(E_UNEXPECTED)) + " (" + record.Text("phase") + ')';
-    if (const std::string caller = record.Text("caller"); !caller.empty())
-        line += ", run by " + Printable(caller);
-    return line;
+    const HRESULT result = record.result.value_or(E_UNEXPECTED);
+    const std::string outcome =
+        FAILED(result) ? fmt::format("FAILED {} ({})", ToText(result), record.Text(argument::phase))
+        : runsOn       ? "ok, runs on"
+                       : "ok";
+    const std::string caller = record.Text(argument::caller);
+    return fmt::format("{} {} {}{}{}", Padded(Printable(record.command), idWidth),
+                       Padded(Printable(record.Text(argument::className)), ClassWidth()), outcome,
+                       caller.empty() ? "" : ", run by ", Printable(caller));
 }
 
 void ConsoleReport::Write(const Record& record, const std::string& line) {
     if (record.thread == mainThread || m_linesOfThreads.insert(line).second)
-        m_out << "  " + line + '\n'; // in one piece: a message may come from another thread
+        m_out << fmt::format("  {}\n", line); // In one piece: other threads may write messages meanwhile.
 }
 
 void ConsoleReport::WriteEntry(const Record& record) {
     if (!m_hasEntries)
         m_out << "\ndata\n";
     m_hasEntries = true;
-    m_out << "  " << Printable(record.Text("name")) << " = " << JsonOf(record.Find("value")) << '\n';
+    m_out << "  " << Printable(record.Text(argument::name)) << " = " << JsonOf(record.Find(argument::value))
+          << '\n';
 }
 
 void ConsoleReport::WriteVerdict(const Record& record) {
-    const std::string verdict = record.Text("verdict");
+    const std::string verdict = record.Text(argument::verdict);
     m_out << '\n';
     if (m_coloured)
-        m_out << (verdict == "passed" ? "\x1b[32m" : "\x1b[31m");
+        m_out << (verdict == NameOf(Verdict::Passed) ? "\x1b[32m" : "\x1b[31m");
     m_out << verdict;
     if (m_coloured)
         m_out << "\x1b[0m";
-    m_out << ": " << Printable(record.Text("reason")) << '\n';
+    m_out << ": " << Printable(record.Text(argument::reason)) << '\n';
 }
 
 } // namespace vant::program

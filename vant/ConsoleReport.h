@@ -8,8 +8,8 @@
 
 namespace vant::program {
 
-/// Writes what happens in a run as plain text, line by line, while it happens. What the threads of persistent
-/// commands do again and again is written once in each step.
+/// Writes what happens in a run as plain text, line by line, while it happens. A line that the threads of
+/// persistent commands repeat is written once in each step.
 class ConsoleReport {
 public:
     /// `coloured`: whether the verdict is coloured for a terminal. The stream must outlive the report.
@@ -18,7 +18,7 @@ public:
 
 private:
     void WriteEvent(const host::Record& record);
-    /// What a call of a command has done that is worth a line; otherwise an empty text.
+    /// The line about a call of a command; empty if the call is not worth one.
     std::string LineOfCall(const host::Record& record);
     std::string LineOfCommand(const host::Record& record);
     /// A line within a step.
@@ -29,9 +29,9 @@ private:
     std::ostream& m_out;
     const bool m_coloured;
     bool m_hasEntries = false;
-    /// The commands, by thread and id, that have started a thread and not yet returned.
+    /// The commands, by thread and id, that have started a thread and have not returned yet.
     std::set<std::string> m_runningOn;
-    std::set<std::string> m_linesOfThreads; ///< In this step.
+    std::set<std::string> m_linesOfThreads; ///< Written in this step.
 };
 
 } // namespace vant::program

@@ -1,7 +1,7 @@
 #include "vant/Registration.h"
 
 #include "host/record/Json.h"
-#include "host/runner/Module.h"
+#include "host/runner/LoadedModule.h"
 #include "host/runner/RegisteredClasses.h"
 #include "host/text/Printable.h"
 #include "platform/ClassRegistration.h"
@@ -17,8 +17,8 @@ using namespace host;
 
 namespace {
 
-ExitCode Change(const RegistrationOptions& options, HRESULT (Module::*operation)() const, const char* done) {
-    std::optional<Module> module;
+ExitCode Change(const RegistrationOptions& options, HRESULT (LoadedModule::*operation)() const, const char* done) {
+    std::optional<LoadedModule> module;
     try {
         module.emplace(PathFromUtf8(options.module));
     } catch (const std::exception& failure) {
@@ -39,11 +39,11 @@ ExitCode Change(const RegistrationOptions& options, HRESULT (Module::*operation)
 } // namespace
 
 ExitCode Register(const RegistrationOptions& options) {
-    return Change(options, &Module::Register, "registered");
+    return Change(options, &LoadedModule::Register, "registered");
 }
 
 ExitCode Unregister(const RegistrationOptions& options) {
-    return Change(options, &Module::Unregister, "unregistered");
+    return Change(options, &LoadedModule::Unregister, "unregistered");
 }
 
 ExitCode PrintCatalogue() {

@@ -6,7 +6,7 @@
 #include "host/record/Json.h"
 #include "host/record/ResultReport.h"
 #include "host/runner/CommandCheck.h"
-#include "host/runner/Module.h"
+#include "host/runner/LoadedModule.h"
 #include "host/runner/RegisteredClasses.h"
 #include "host/runner/Runner.h"
 #include "platform/Clock.h"
@@ -63,7 +63,7 @@ std::unique_ptr<CommandFactory> OpenCommands(const RunOptions& options) {
     if (options.registered)
         return std::make_unique<RegisteredClasses>();
     try {
-        return std::make_unique<Module>(PathFromUtf8(options.module));
+        return std::make_unique<LoadedModule>(PathFromUtf8(options.module));
     } catch (const std::exception& failure) {
         throw Failure(ExitCode::Broken, "cannot load the module " + options.module + ": " + failure.what());
     }

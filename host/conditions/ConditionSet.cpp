@@ -3,6 +3,7 @@
 #include "host/engine/objects/EngineAccess.h"
 #include "host/object/HandOut.h"
 #include "host/object/VariantValue.h"
+#include "host/record/Vocabulary.h"
 
 namespace vant::host {
 
@@ -18,8 +19,8 @@ VARTYPE ComparedType(const Condition& condition) {
 } // namespace
 
 HRESULT ConditionSet::Evaluate(VARIANT_BOOL* allMet) {
-    return Answer("Evaluate", [&](Record& record) -> HRESULT {
-        record.Add("name", m_entry);
+    return Perform(operation::Evaluate, [&](Record& record) -> HRESULT {
+        record.Add(argument::name, m_entry);
         if (!allMet)
             return E_POINTER;
         *allMet = VARIANT_FALSE;
@@ -32,22 +33,22 @@ HRESULT ConditionSet::Evaluate(VARIANT_BOOL* allMet) {
                 const std::lock_guard lock(m_access);
                 m_failed = &condition;
             }
-            record.Add("failed", Describe(condition));
+            record.Add(argument::failed, Describe(condition));
             if (FAILED(code))
                 return code;
-            record.Add("value", ToValue(actual.Get()));
-            record.Add("allMet", false);
+            record.Add(argument::value, ToValue(actual.Get()));
+            record.Add(argument::allMet, false);
             return S_OK;
         }
         *allMet = VARIANT_TRUE;
-        record.Add("allMet", true);
+        record.Add(argument::allMet, true);
         return S_OK;
     });
 }
 
 HRESULT ConditionSet::GetFailureKey(BSTR* key) {
-    return Answer("GetFailureKey", [&](Record& record) -> HRESULT {
-        record.Add("name", m_entry);
+    return Perform(operation::GetFailureKey, [&](Record& record) -> HRESULT {
+        record.Add(argument::name, m_entry);
         if (!key)
             return E_POINTER;
         *key = nullptr;
@@ -58,7 +59,7 @@ HRESULT ConditionSet::GetFailureKey(BSTR* key) {
         }
         if (!failed)
             return HRESULT_FROM_WIN32(ERROR_NOT_FOUND);
-        record.Add("key", failed->message);
+        record.Add(argument::key, failed->message);
         return HandOutText(failed->message, key);
     });
 }

@@ -5,6 +5,7 @@
 #include "host/engine/model/Engine.h"
 #include "host/object/HostObject.h"
 #include "host/object/NamedValues.h"
+#include "host/record/Vocabulary.h"
 
 #include <mutex>
 #include <string>
@@ -17,10 +18,10 @@ namespace vant::host {
 class ConditionSet final : public HostObject<IConditionSet> {
 public:
     /// `engine` may be null; it and the data must outlive the set. `name` is that of the data-store entry.
-    ConditionSet(Journal& journal, std::string name, std::vector<Condition> conditions, const Engine* engine,
+    ConditionSet(CallGate& gate, std::string name, std::vector<Condition> conditions, const Engine* engine,
                  const NamedValues& data)
-        : HostObject(journal, "ConditionSet"), m_entry(std::move(name)), m_conditions(std::move(conditions)),
-          m_engine(engine), m_data(data) {}
+        : HostObject(gate, service::ConditionSet), m_entry(std::move(name)),
+          m_conditions(std::move(conditions)), m_engine(engine), m_data(data) {}
 
     /// Looks at the conditions in their order, up to the first that does not hold, and remembers that one. A
     /// subject that cannot be read, or has no value of the type that is compared, is one that does not hold;

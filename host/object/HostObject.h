@@ -1,21 +1,18 @@
 #pragma once
 
-#include "host/record/Journal.h"
+#include "host/object/CallGate.h"
 #include "platform/Bstr.h"
-#include "platform/ComException.h"
 #include "platform/Utf8.h"
 #include "platform/system.h"
 
 #include <atomic>
-#include <new>
-#include <string>
 #include <utility>
 
 namespace vant::host {
 
-/// An object that the host lends to commands. The host owns it; references are counted so that a run can tell
-/// whether commands released what they were lent, but the last Release destroys nothing. Each operation is
-/// recorded in the journal when it is answered (IUnknown's three are not).
+/// An object that the host lends to commands. The host owns it: references are counted, so that a run can
+/// tell whether commands released what they were lent, but the last Release destroys nothing. Every operation
+/// but those of IUnknown passes the host's CallGate. Any thread may call.
 template <class Interface>
 class HostObject : public Interface {
 public:
@@ -41,63 +38,51 @@ public:
     /// References that commands hold now.
     ULONG References() const noexcept { return m_references.load(std::memory_order_acquire); }
     /// The service's name in the journal.
-    const std::string& Name() const noexcept { return m_name; }
+    const char* Name() const noexcept { return m_name; }
 
 protected:
-    HostObject(Journal& journal, std::string name) : m_journal(journal), m_name(std::move(name)) {}
+    /// `name` is one of the services in Vocabulary.h. The gate must outlive the object.
+    HostObject(CallGate& gate, const char* name) : m_gate(gate), m_name(name) {}
     ~HostObject() = default;
 
-    /// The interface of that identifier; null where the object has none. It may be that of another host
-    /// object which forms one COM object with this one.
+    /// The interface of that identifier; null if the object does not have it. It may belong to another host
+    /// object that forms one COM object with this one.
     virtual void* FindInterface(REFIID iid) noexcept {
         return iid == IID_IUnknown ? static_cast<IUnknown*>(this) : nullptr;
     }
 
-    /// Performs one operation: `body(record)` adds the arguments to the record and returns the HRESULT. Both
-    /// are recorded, and no exception gets out.
+    /// Performs one operation, see CallGate::Perform.
     template <class Body>
-    HRESULT Answer(const char* operation, Body&& body) noexcept {
-        Record record;
-        try {
-            record.service = m_name;
-            record.operation = operation;
-            record.result = body(record);
-        } catch (const CComException& failure) {
-            record.result = failure.Code();
-        } catch (const std::bad_alloc&) {
-            record.result = E_OUTOFMEMORY;
-        } catch (...) {
-            record.result = E_FAIL;
-        }
-        const HRESULT result = *record.result;
-        m_journal.Add(std::move(record));
-        return result;
+    HRESULT Perform(const char* operation, Body&& body) noexcept {
+        return m_gate.Perform(m_name, operation, std::forward<Body>(body));
     }
-    /// Answers an operation that this host does not have.
-    HRESULT Refuse(const char* operation) noexcept {
-        return Answer(operation, [](Record&) { return E_NOTIMPL; });
+    /// Records the call of an operation that this host does not implement, and returns E_NOTIMPL.
+    HRESULT NotImplemented(const char* operation) noexcept {
+        return Perform(operation, [](Record&) { return E_NOTIMPL; });
     }
 
 private:
-    Journal& m_journal;
-    const std::string m_name;
+    CallGate& m_gate;
+    const char* const m_name;
     std::atomic<ULONG> m_references{0};
 };
 
-/// A host object whose interface is dual. Commands call it by its slots, never through IDispatch.
+/// A host object whose interface is dual. Commands call it through its slots, never through IDispatch.
 template <class Interface>
 class HostDispatch : public HostObject<Interface> {
 public:
-    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT*) override { return this->Refuse("GetTypeInfoCount"); }
+    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT*) override {
+        return this->NotImplemented("GetTypeInfoCount");
+    }
     HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override {
-        return this->Refuse("GetTypeInfo");
+        return this->NotImplemented("GetTypeInfo");
     }
     HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override {
-        return this->Refuse("GetIDsOfNames");
+        return this->NotImplemented("GetIDsOfNames");
     }
     HRESULT STDMETHODCALLTYPE Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*,
                                      UINT*) override {
-        return this->Refuse("Invoke");
+        return this->NotImplemented("Invoke");
     }
 
 protected:

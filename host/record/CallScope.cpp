@@ -12,9 +12,9 @@ thread_local const ThreadScope* innermostThread = nullptr;
 
 } // namespace
 
-CommandScope::CommandScope(std::string commandId, IUnknown* object)
+CommandScope::CommandScope(std::string commandId, IUnknown* object, std::size_t outerDepth)
     : m_commandId(std::move(commandId)), m_object(object), m_outer(innermostCommand),
-      m_depth(CommandDepth() + 1) {
+      m_depth(outerDepth + 1) {
     innermostCommand = this;
 }
 

@@ -7,12 +7,17 @@
 
 namespace vant::host {
 
-/// While it lives, the calling thread works for the command of that id. Scopes of one thread lie inside one
-/// another.
+/// How many commands of the calling thread lie inside one another, counted on from the command that started
+/// the thread; 0 outside commands.
+std::size_t CommandDepth() noexcept;
+
+/// While it lives, the calling thread works for the command of that id. The scopes of one thread are nested.
 class CommandScope {
 public:
-    /// `object` is the command itself, where it is known; it must outlive the scope.
-    explicit CommandScope(std::string commandId, IUnknown* object = nullptr);
+    /// `object` is the command itself, if it is known; it must outlive the scope. `outerDepth` is the depth
+    /// of the command that runs or starts this one, 0 if there is none.
+    explicit CommandScope(std::string commandId, IUnknown* object = nullptr,
+                          std::size_t outerDepth = CommandDepth());
     ~CommandScope();
     CommandScope(const CommandScope&) = delete;
     CommandScope& operator=(const CommandScope&) = delete;
@@ -30,7 +35,7 @@ private:
     const std::size_t m_depth;
 };
 
-/// While it lives, the calling thread bears that name in the journal. Every thread but the runner's needs
+/// While it lives, the calling thread has that name in the journal. Every thread except the runner's needs
 /// one.
 class ThreadScope {
 public:
@@ -46,13 +51,11 @@ private:
     const ThreadScope* const m_outer;
 };
 
-/// The innermost command that the calling thread works for; empty where there is none.
+/// The id of the innermost command that the calling thread works for; empty if there is none.
 std::string CurrentCommand();
-/// That command itself; null where there is none, or where its scope does not know it.
+/// That command itself; null if there is none, or if its scope does not know it.
 IUnknown* CurrentCommandObject() noexcept;
-/// How many commands of the calling thread lie inside one another.
-std::size_t CommandDepth() noexcept;
-/// What the runner's thread is called.
+/// The name of the runner's thread.
 inline constexpr const char* mainThread = "main";
 /// The calling thread's name; mainThread without a ThreadScope.
 std::string CurrentThread();

@@ -1,8 +1,8 @@
 #include "host/record/Json.h"
 
-#include <array>
 #include <cmath>
 #include <cstdint>
+#include <fmt/format.h>
 
 namespace vant::host {
 
@@ -29,12 +29,7 @@ Json ToJson(const Value& value) {
 }
 
 std::string ToText(HRESULT code) {
-    constexpr std::array digits = {'0', '1', '2', '3', '4', '5', '6', '7',
-                                   '8', '9', 'A', 'B', 'C', 'D', 'E', 'F'};
-    std::string result = "0x";
-    for (int shift = 28; shift >= 0; shift -= 4)
-        result.push_back(digits[static_cast<std::uint32_t>(code) >> shift & 0xF]);
-    return result;
+    return fmt::format("0x{:08X}", static_cast<std::uint32_t>(code));
 }
 
 Json ToJson(const Record& record) {

@@ -1,5 +1,7 @@
 #include "host/record/ResultReport.h"
 
+#include "host/record/Vocabulary.h"
+
 namespace vant::host {
 
 ResultReport::ResultReport() {
@@ -11,7 +13,7 @@ ResultReport::ResultReport() {
 }
 
 void ResultReport::operator()(const Record& record) {
-    if (record.service == "Runner")
+    if (record.service == service::Runner)
         TakeEvent(record);
     else if (record.result && SUCCEEDED(*record.result) && !m_result["steps"].empty())
         TakeCall(record);
@@ -19,43 +21,44 @@ void ResultReport::operator()(const Record& record) {
 
 void ResultReport::TakeCall(const Record& record) {
     Json& step = m_result["steps"].back();
-    if (record.operation == "ShowInstruction")
-        step["instructions"].push_back(record.Text("text"));
-    else if (record.operation == "SetComponentProperty")
-        step["display"][record.Text("componentId")][record.Text("name")] = record.Text("value");
+    if (record.operation == operation::ShowInstruction)
+        step["instructions"].push_back(record.Text(argument::text));
+    else if (record.operation == operation::SetComponentProperty)
+        step["display"][record.Text(argument::componentId)][record.Text(argument::name)] =
+            record.Text(argument::value);
 }
 
 void ResultReport::TakeEvent(const Record& record) {
-    const auto argument = [&record](std::string_view name) {
+    const auto json = [&record](std::string_view name) {
         const Value* const value = record.Find(name);
         return value ? ToJson(*value) : Json();
     };
     Json& steps = m_result["steps"];
-    if (record.operation == "ProcedureStarted") {
-        m_result["procedure"] = argument("name");
-    } else if (record.operation == "StepEntered") {
+    if (record.operation == event::ProcedureStarted) {
+        m_result["procedure"] = json(argument::name);
+    } else if (record.operation == event::StepEntered) {
         Json step;
-        step["step"] = argument("step");
+        step["step"] = json(argument::step);
         step["commands"] = Json::array();
         step["instructions"] = Json::array();
         step["display"] = Json::object();
         step["next"] = nullptr;
         steps.push_back(std::move(step));
-    } else if (record.operation == "CommandEnded") {
+    } else if (record.operation == event::CommandEnded) {
         Json command;
         command["command"] = record.command;
-        command["class"] = argument("class");
-        command["caller"] = argument("caller");
-        command["phase"] = argument("phase");
+        command["class"] = json(argument::className);
+        command["caller"] = json(argument::caller);
+        command["phase"] = json(argument::phase);
         command["result"] = record.result ? Json(ToText(*record.result)) : Json();
         steps.back()["commands"].push_back(std::move(command));
-    } else if (record.operation == "TransitionFollowed") {
-        steps.back()["next"] = argument("to");
-    } else if (record.operation == "DataLeft") {
-        m_result["data"][record.Text("name")] = argument("value");
-    } else if (record.operation == "ProcedureEnded") {
-        m_result["verdict"] = argument("verdict");
-        m_result["reason"] = argument("reason");
+    } else if (record.operation == event::TransitionFollowed) {
+        steps.back()["next"] = json(argument::to);
+    } else if (record.operation == event::DataLeft) {
+        m_result["data"][record.Text(argument::name)] = json(argument::value);
+    } else if (record.operation == event::ProcedureEnded) {
+        m_result["verdict"] = json(argument::verdict);
+        m_result["reason"] = json(argument::reason);
     }
 }
 

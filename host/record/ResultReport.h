@@ -12,8 +12,8 @@ namespace vant::host {
 ///                 "instructions": [TEXT], "display": {COMPONENT: {PROPERTY: TEXT}}, "next": ID or null}],
 ///      "data": {NAME: VALUE}}
 ///
-/// Steps, commands and instructions stand in the order in which they were entered, ended and shown. Of a
-/// component's property the last value in the step counts.
+/// Steps, commands and instructions are listed in the order in which they were entered, ended and shown. If a
+/// step sets a property of a component several times, the last value counts.
 class ResultReport {
 public:
     ResultReport();

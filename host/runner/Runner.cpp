@@ -1,7 +1,9 @@
 #include "host/runner/Runner.h"
 
 #include "host/object/VariantValue.h"
+#include "host/record/Vocabulary.h"
 
+#include <fmt/format.h>
 #include <utility>
 
 namespace vant::host {
@@ -12,13 +14,14 @@ Value TextOrNull(const std::string& text) {
     return text.empty() ? Value(nullptr) : Value(text);
 }
 
-/// One text for all.
 std::string Describe(const std::vector<Condition>& conditions) {
-    std::string text;
+    std::vector<std::string> texts;
     for (const Condition& condition : conditions)
-        text += (text.empty() ? "" : "; ") + Describe(condition);
-    return text;
+        texts.push_back(Describe(condition));
+    return fmt::format("{}", fmt::join(texts, "; "));
 }
+
+} // namespace
 
 const char* NameOf(Verdict verdict) {
     switch (verdict) {
@@ -31,34 +34,35 @@ const char* NameOf(Verdict verdict) {
     }
 }
 
-} // namespace
-
 Runner::Runner(const Procedure& procedure, const CommandFactory& factory, Journal& journal)
     : m_procedure(procedure), m_factory(factory), m_journal(journal),
       m_services(
-          journal, [this](const std::string& id) { return RunCommand(id); }, procedure.engine,
-          procedure.components, procedure.conditions) {}
+          journal, [this](const std::string& id) { return RunCommand(id); },
+          [this](std::uint32_t cookie, HRESULT result) { RecordThreadEnded(cookie, result); },
+          procedure.engine, procedure.components, procedure.conditions) {}
 
 Verdict Runner::Run() {
-    Tell("ProcedureStarted", {{"name", m_procedure.name}});
+    RecordEvent(event::ProcedureStarted, {{argument::name, m_procedure.name}});
     for (const auto& [name, value] : m_procedure.data) {
         m_services.data.Set(ToWide(name), ToVariant(value));
-        Tell("DataGiven", {{"name", name}, {"value", value}});
+        RecordEvent(event::DataGiven, {{argument::name, name}, {argument::value, value}});
     }
     for (const auto& [name, conditions] : m_procedure.conditions)
-        Tell("ConditionsGiven", {{"name", name}, {"conditions", Describe(conditions)}});
+        RecordEvent(event::ConditionsGiven,
+                    {{argument::name, name}, {argument::conditions, Describe(conditions)}});
     Ending ending{};
     try {
         ending = RunSteps();
     } catch (...) {
-        EndPersistentCommands(); // They use what the caller may take away now.
+        EndPersistentCommands(); // They use what the caller may destroy now.
         throw;
     }
     EndPersistentCommands();
     for (const auto& [name, value] : m_services.data.All())
-        Tell("DataLeft", {{"name", name}, {"value", value}});
+        RecordEvent(event::DataLeft, {{argument::name, name}, {argument::value, value}});
     m_services.data.Clear();
-    Tell("ProcedureEnded", {{"verdict", NameOf(ending.verdict)}, {"reason", ending.reason}});
+    RecordEvent(event::ProcedureEnded,
+                {{argument::verdict, NameOf(ending.verdict)}, {argument::reason, ending.reason}});
     return ending.verdict;
 }
 
@@ -66,9 +70,9 @@ Runner::Ending Runner::RunSteps() {
     std::string current = m_procedure.start.text;
     while (!m_aborted) {
         const Step& step = m_procedure.steps.at(current);
-        Tell("StepEntered", {{"step", current}});
+        RecordEvent(event::StepEntered, {{argument::step, current}});
         if (step.end)
-            return {*step.end, "step '" + current + "'"};
+            return {*step.end, fmt::format("step '{}'", current)};
 
         m_services.persistentThreads.EnterStep();
         m_services.procedureController.EnterStep([this, &step](const std::string& id) {
@@ -84,13 +88,15 @@ Runner::Ending Runner::RunSteps() {
         std::string key;
         const std::string* const target = TargetOf(step, chosen, !failedCommand, key);
         if (!target && failedCommand)
-            return {Verdict::Failed, "command '" + *failedCommand + "' failed in step '" + current + "'"};
+            return {Verdict::Failed,
+                    fmt::format("command '{}' failed in step '{}'", *failedCommand, current)};
         if (!target)
-            return {Verdict::Failed, "no transition was chosen in step '" + current + "'"};
-        Tell("TransitionFollowed", {{"from", current},
-                                    {"to", *target},
-                                    {"key", key},
-                                    {"transitionId", chosen ? Value(*chosen) : Value(nullptr)}});
+            return {Verdict::Failed, fmt::format("no transition was chosen in step '{}'", current)};
+        RecordEvent(event::TransitionFollowed,
+                    {{argument::from, current},
+                     {argument::to, *target},
+                     {argument::key, key},
+                     {argument::transitionId, chosen ? Value(*chosen) : Value(nullptr)}});
         current = *target;
     }
     return {Verdict::Aborted, "interrupted"};
@@ -156,31 +162,33 @@ HRESULT Runner::RunCommand(const std::string& id) {
     CComPtr<IVantCommand> object;
     CommandScope scope(id);
     const char* phase = "";
-    const HRESULT result = Perform(command->second, object, scope, phase);
-    Tell("CommandEnded",
-         {{"class", command->second.className.text}, {"caller", TextOrNull(caller)}, {"phase", phase}},
-         result);
+    const HRESULT result = CreateAndExecute(command->second, object, scope, phase);
+    RecordEvent(event::CommandEnded,
+                {{argument::className, command->second.className.text},
+                 {argument::caller, TextOrNull(caller)},
+                 {argument::phase, phase}},
+                result);
     return result;
 }
 
-HRESULT Runner::Perform(const Command& command, CComPtr<IVantCommand>& object, CommandScope& scope,
-                        const char*& phase) {
+HRESULT Runner::CreateAndExecute(const Command& command, CComPtr<IVantCommand>& object, CommandScope& scope,
+                                 const char*& phase) {
     phase = "create";
     HRESULT result = m_factory.Create(command.className.text, object);
-    Tell("CommandCreated", {{"class", command.className.text}}, result);
+    RecordEvent(event::CommandCreated, {{argument::className, command.className.text}}, result);
     if (FAILED(result))
         return result;
 
     phase = "initialize";
     result = object->Initialize(&m_services.context, &m_services.controller);
-    Tell("CommandInitialized", {}, result);
+    RecordEvent(event::CommandInitialized, {}, result);
     if (FAILED(result))
         return result;
 
     phase = "set property";
     for (const auto& [name, value] : command.properties) {
         result = object->SetProperty(CComBSTR(ToWide(name.text)).Get(), CComBSTR(ToWide(value.text)).Get());
-        Tell("PropertySet", {{"name", name.text}, {"value", value.text}}, result);
+        RecordEvent(event::PropertySet, {{argument::name, name.text}, {argument::value, value.text}}, result);
         if (FAILED(result))
             return result;
     }
@@ -190,9 +198,17 @@ HRESULT Runner::Perform(const Command& command, CComPtr<IVantCommand>& object, C
     return object->Execute();
 }
 
-void Runner::Tell(const char* event, std::vector<Argument> arguments, std::optional<HRESULT> result) {
+void Runner::RecordThreadEnded(std::uint32_t cookie, HRESULT result) noexcept {
+    try {
+        RecordEvent(event::ThreadEnded, {{argument::cookie, std::int64_t{cookie}}}, result);
+    } catch (...) {
+        m_journal.MarkIncomplete();
+    }
+}
+
+void Runner::RecordEvent(const char* event, std::vector<Argument> arguments, std::optional<HRESULT> result) {
     Record record;
-    record.service = "Runner";
+    record.service = service::Runner;
     record.operation = event;
     record.arguments = std::move(arguments);
     record.result = result;

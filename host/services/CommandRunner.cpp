@@ -1,19 +1,21 @@
 #include "host/services/CommandRunner.h"
 
+#include "host/record/Vocabulary.h"
+
 namespace vant::host {
 
 HRESULT CommandRunner::RunCommand(BSTR commandId) {
-    return Answer("RunCommand", [&](Record& record) {
+    return Perform(operation::RunCommand, [&](Record& record) {
         const std::string id = ToUtf8(TextOf(commandId));
-        record.Add("commandId", id);
+        record.Add(argument::commandId, id);
         return m_run(id);
     });
 }
 
 HRESULT CommandRunner::RunCommandFromThread(BSTR commandId) {
-    return Answer("RunCommandFromThread", [&](Record& record) {
+    return Perform(operation::RunCommandFromThread, [&](Record& record) {
         const std::string id = ToUtf8(TextOf(commandId));
-        record.Add("commandId", id);
+        record.Add(argument::commandId, id);
         return m_run(id);
     });
 }

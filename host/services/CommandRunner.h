@@ -2,6 +2,7 @@
 
 #include "framework/interfaces/HostServices.h"
 #include "host/object/HostObject.h"
+#include "host/record/Vocabulary.h"
 
 #include <functional>
 #include <string>
@@ -15,7 +16,8 @@ public:
     /// Creates and executes the command of that id, on the calling thread, and answers its result.
     using Run = std::function<HRESULT(const std::string& commandId)>;
 
-    CommandRunner(Journal& journal, Run run) : HostObject(journal, "CommandRunner"), m_run(std::move(run)) {}
+    CommandRunner(CallGate& gate, Run run)
+        : HostObject(gate, service::CommandRunner), m_run(std::move(run)) {}
 
     HRESULT STDMETHODCALLTYPE RunCommand(BSTR commandId) override;
     /// The same as RunCommand: the command runs on the thread that asks.

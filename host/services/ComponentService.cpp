@@ -1,14 +1,16 @@
 #include "host/services/ComponentService.h"
 
+#include "host/record/Vocabulary.h"
+
 namespace vant::host {
 
 HRESULT ComponentService::SetComponentProperty(BSTR componentId, BSTR name, BSTR value) {
-    return Answer("SetComponentProperty", [&](Record& record) {
+    return Perform(operation::SetComponentProperty, [&](Record& record) {
         const std::string component = ToUtf8(TextOf(componentId));
         const std::string property = ToUtf8(TextOf(name));
-        record.Add("componentId", component);
-        record.Add("name", property);
-        record.Add("value", ToUtf8(TextOf(value)));
+        record.Add(argument::componentId, component);
+        record.Add(argument::name, property);
+        record.Add(argument::value, ToUtf8(TextOf(value)));
         return Exists(component, property) ? S_OK : HRESULT_FROM_WIN32(ERROR_NOT_FOUND);
     });
 }

@@ -3,6 +3,7 @@
 #include "framework/interfaces/HostServices.h"
 #include "host/object/HostObject.h"
 #include "host/object/NamedValues.h"
+#include "host/record/Vocabulary.h"
 
 namespace vant::host {
 
@@ -10,14 +11,14 @@ namespace vant::host {
 class DataStore final : public HostObject<IDataStore> {
 public:
     /// `values` must outlive the store.
-    DataStore(Journal& journal, NamedValues& values) : HostObject(journal, "DataStore"), m_values(values) {}
+    DataStore(CallGate& gate, NamedValues& values) : HostObject(gate, service::DataStore), m_values(values) {}
 
-    HRESULT STDMETHODCALLTYPE Reserved3() override { return Refuse("Reserved3"); }
-    HRESULT STDMETHODCALLTYPE Reserved4() override { return Refuse("Reserved4"); }
-    HRESULT STDMETHODCALLTYPE Reserved5() override { return Refuse("Reserved5"); }
-    HRESULT STDMETHODCALLTYPE Reserved6() override { return Refuse("Reserved6"); }
-    HRESULT STDMETHODCALLTYPE Reserved7() override { return Refuse("Reserved7"); }
-    HRESULT STDMETHODCALLTYPE Reserved8() override { return Refuse("Reserved8"); }
+    HRESULT STDMETHODCALLTYPE Reserved3() override { return NotImplemented("Reserved3"); }
+    HRESULT STDMETHODCALLTYPE Reserved4() override { return NotImplemented("Reserved4"); }
+    HRESULT STDMETHODCALLTYPE Reserved5() override { return NotImplemented("Reserved5"); }
+    HRESULT STDMETHODCALLTYPE Reserved6() override { return NotImplemented("Reserved6"); }
+    HRESULT STDMETHODCALLTYPE Reserved7() override { return NotImplemented("Reserved7"); }
+    HRESULT STDMETHODCALLTYPE Reserved8() override { return NotImplemented("Reserved8"); }
     /// E_POINTER for a null `value`; HRESULT_FROM_WIN32(ERROR_NOT_FOUND), and `value` stays VT_EMPTY, for an
     /// entry that does not exist.
     HRESULT STDMETHODCALLTYPE GetValue(BSTR name, VARIANT* value) override;

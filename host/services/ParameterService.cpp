@@ -3,6 +3,7 @@
 #include "host/engine/objects/EngineAccess.h"
 #include "host/object/HandOut.h"
 #include "host/object/VariantValue.h"
+#include "host/record/Vocabulary.h"
 
 namespace vant::host {
 
@@ -15,16 +16,16 @@ constexpr LONG faultArrayKind = 2;
 } // namespace
 
 HRESULT ParameterService::GetConnection(IConnectionOld** connection) {
-    return Answer("GetConnection", [&](Record&) {
+    return Perform(operation::GetConnection, [&](Record&) {
         return HandOut(m_engine ? &m_engine->TheConnection() : nullptr, connection);
     });
 }
 
 HRESULT ParameterService::GetParameter(BSTR id, LONG kind, IUnknown** parameter) {
-    return Answer("GetParameter", [&](Record& record) -> HRESULT {
+    return Perform(operation::GetParameter, [&](Record& record) -> HRESULT {
         const std::string idText = ToUtf8(TextOf(id));
-        record.Add("id", idText);
-        record.Add("kind", std::int64_t{kind});
+        record.Add(argument::id, idText);
+        record.Add(argument::kind, std::int64_t{kind});
         if (!parameter)
             return E_POINTER;
         *parameter = nullptr;
@@ -39,11 +40,11 @@ HRESULT ParameterService::GetParameter(BSTR id, LONG kind, IUnknown** parameter)
 }
 
 HRESULT ParameterService::SetParameter(BSTR id, LONG kind, VARIANT value, IUnknown** parameter) {
-    return Answer("SetParameter", [&](Record& record) -> HRESULT {
+    return Perform(operation::SetParameter, [&](Record& record) -> HRESULT {
         const std::string idText = ToUtf8(TextOf(id));
-        record.Add("id", idText);
-        record.Add("kind", std::int64_t{kind});
-        record.Add("value", ToValue(value));
+        record.Add(argument::id, idText);
+        record.Add(argument::kind, std::int64_t{kind});
+        record.Add(argument::value, ToValue(value));
         if (parameter)
             *parameter = nullptr;
         if (m_closed)

@@ -3,6 +3,7 @@
 #include "ecm/interfaces/EngineData.h"
 #include "host/engine/objects/EngineObjects.h"
 #include "host/object/HostObject.h"
+#include "host/record/Vocabulary.h"
 
 #include <atomic>
 
@@ -12,14 +13,14 @@ namespace vant::host {
 class ParameterService final : public HostDispatch<IDataServiceOld> {
 public:
     /// `engine` may be null and must outlive the service.
-    ParameterService(Journal& journal, EngineObjects* engine)
-        : HostDispatch(journal, "ParameterService"), m_engine(engine) {}
+    ParameterService(CallGate& gate, EngineObjects* engine)
+        : HostDispatch(gate, service::ParameterService), m_engine(engine) {}
 
-    HRESULT STDMETHODCALLTYPE Reserved7() override { return Refuse("Reserved7"); }
-    HRESULT STDMETHODCALLTYPE Reserved8() override { return Refuse("Reserved8"); }
-    HRESULT STDMETHODCALLTYPE Reserved9() override { return Refuse("Reserved9"); }
+    HRESULT STDMETHODCALLTYPE Reserved7() override { return NotImplemented("Reserved7"); }
+    HRESULT STDMETHODCALLTYPE Reserved8() override { return NotImplemented("Reserved8"); }
+    HRESULT STDMETHODCALLTYPE Reserved9() override { return NotImplemented("Reserved9"); }
     HRESULT STDMETHODCALLTYPE GetConnection(IConnectionOld** connection) override;
-    HRESULT STDMETHODCALLTYPE Reserved11() override { return Refuse("Reserved11"); }
+    HRESULT STDMETHODCALLTYPE Reserved11() override { return NotImplemented("Reserved11"); }
     /// Kind 1 gives a parameter, kind 2 a fault array: HRESULT_FROM_WIN32(ERROR_NOT_FOUND), null out, for an
     /// unknown id; E_INVALIDARG for another kind; E_POINTER for a null `parameter`.
     HRESULT STDMETHODCALLTYPE GetParameter(BSTR id, LONG kind, IUnknown** parameter) override;

@@ -6,29 +6,32 @@
 #include "platform/Utf8.h"
 
 #include <algorithm>
+#include <fmt/format.h>
 #include <thread>
 #include <utility>
 
 namespace vant::host {
 
-/// What a thread works on. Whoever uses it shares it, so that it is released outside the lock.
+/// What a thread works on. It is shared, so that its last user releases it outside the lock.
 struct PersistentThreads::Work {
     CComPtr<IThreadCallback> callback;
-    CComPtr<IUnknown> command; ///< Its identity; null where the host does not know it.
+    CComPtr<IUnknown> command; ///< Its identity; null if the host does not know it.
     std::string commandId;
 };
 
-/// What a thread is called. Made before it starts, since a thread can tell nobody that it has no memory.
-struct PersistentThreads::Names {
-    std::wstring system;
-    std::string journal;
+/// Under which names and for which command a thread works. Made before it starts, because a thread cannot
+/// report that memory has run out.
+struct PersistentThreads::Setting {
+    std::wstring systemName;
+    std::string journalName;
     std::string commandId;
-    Record ended;
+    std::size_t depth = 0; ///< Of the command that started the thread.
 };
 
 struct PersistentThreads::Thread {
+    const std::uint32_t cookie;
     const std::uint32_t step;
-    /// That it has ended, or that nobody needs to wait for it any more.
+    /// Set when the thread has ended, or when waiting for it has become pointless.
     Event released{Event::Kind::ManualReset};
     // Under the lock.
     WorkPtr work; ///< Until the callback has returned.
@@ -39,22 +42,14 @@ struct PersistentThreads::Thread {
 
 namespace {
 
-// Of the calling thread, where it is one of these.
+// Of the calling thread, if it is one of these.
 thread_local const void* currentThread = nullptr;
 thread_local std::uint32_t currentStep = 0;
 
-Record EndedRecord(std::uint32_t cookie) {
-    Record record;
-    record.service = "Runner";
-    record.operation = "ThreadEnded";
-    record.Add("cookie", std::int64_t{cookie});
-    return record;
-}
-
 } // namespace
 
-PersistentThreads::PersistentThreads(Journal& journal, Event& changed)
-    : m_journal(journal), m_changed(changed) {}
+PersistentThreads::PersistentThreads(EndObserver ended, Event& changed)
+    : m_ended(std::move(ended)), m_changed(changed) {}
 
 PersistentThreads::~PersistentThreads() {
     End();
@@ -70,22 +65,26 @@ HRESULT PersistentThreads::Start(IThreadCallback& callback, std::wstring_view na
             return code;
     }
     work->commandId = CurrentCommand();
-    const ThreadPtr thread(
-        new Thread{.step = currentThread ? currentStep : m_step.load(), .work = work, .thread = {}});
 
     const std::lock_guard lock(m_access);
     if (m_closed)
         return E_ABORT;
+    if (RunningCount() >= maxLiveThreads)
+        return HRESULT_FROM_WIN32(ERROR_MAX_THRDS_REACHED);
     const std::uint32_t newCookie = m_lastCookie + 1;
-    Names names{std::wstring(name), ToUtf8(name) + ' ' + std::to_string(newCookie), work->commandId,
-                EndedRecord(newCookie)};
+    Setting setting{std::wstring(name), fmt::format("{} {}", ToUtf8(name), newCookie), work->commandId,
+                    CommandDepth()};
+    const ThreadPtr thread(new Thread{.cookie = newCookie,
+                                      .step = currentThread ? currentStep : m_step.load(),
+                                      .work = work,
+                                      .thread = {}});
     const auto entry = m_threads.emplace(newCookie, thread).first;
     try {
-        thread->thread = std::jthread(
-            [this, thread, work = std::move(work), names = std::move(names), place = ClockPlace()]() mutable {
-                const ClockParticipant participant(std::move(place));
-                Run(*thread, std::move(work), std::move(names));
-            });
+        thread->thread = std::jthread([this, thread, work = std::move(work), setting = std::move(setting),
+                                       place = ClockPlace()]() mutable {
+            const ClockParticipant participant(std::move(place));
+            Run(*thread, std::move(work), std::move(setting));
+        });
     } catch (...) {
         m_threads.erase(entry);
         throw;
@@ -94,21 +93,22 @@ HRESULT PersistentThreads::Start(IThreadCallback& callback, std::wstring_view na
     return S_OK;
 }
 
-void PersistentThreads::Run(Thread& thread, WorkPtr work, Names names) noexcept {
+void PersistentThreads::Run(Thread& thread, WorkPtr work, Setting setting) noexcept {
     currentThread = &thread;
     currentStep = thread.step;
-    NameThisThread(names.system);
-    const ThreadScope threadScope(std::move(names.journal));
-    CommandScope commandScope(std::move(names.commandId), work->command.Get());
+    NameThisThread(setting.systemName);
+    const ThreadScope threadScope(std::move(setting.journalName));
+    CommandScope commandScope(std::move(setting.commandId), work->command.Get(), setting.depth);
 
-    names.ended.result = work->callback->RunOnThread();
+    const HRESULT result = work->callback->RunOnThread();
     commandScope.SetObject(nullptr);
     {
         const std::lock_guard lock(m_access);
         thread.work.reset();
     }
-    work.reset(); // Releases the command, unless somebody is just stopping it.
-    m_journal.Add(std::move(names.ended));
+    work.reset(); // Releases the command, unless another thread is just stopping it.
+    if (m_ended)
+        m_ended(thread.cookie, result);
     {
         const std::lock_guard lock(m_access);
         thread.running = false;
@@ -244,10 +244,15 @@ std::vector<PersistentThreads::WorkPtr> PersistentThreads::WorkWhere(Matches mat
     return found;
 }
 
-/// Gives back what the system keeps for threads that have ended. They have left virtual time, or do so
-/// without waiting for anybody.
+std::size_t PersistentThreads::RunningCount() const {
+    return static_cast<std::size_t>(std::count_if(m_threads.begin(), m_threads.end(),
+                                                  [](const auto& entry) { return entry.second->running; }));
+}
+
+/// Joins the threads that have ended, so that the system frees what it keeps for them. They have left virtual
+/// time, or do so without waiting for anybody.
 void PersistentThreads::JoinEnded() {
-    std::vector<std::jthread> ended; // Joined as it goes, outside the lock.
+    std::vector<std::jthread> ended; // Joined when it is destroyed, outside the lock.
     const std::lock_guard lock(m_access);
     ended.reserve(m_threads.size());
     for (auto entry = m_threads.begin(); entry != m_threads.end();) {

@@ -2,13 +2,14 @@
 
 #include "framework/interfaces/ThreadService.h"
 #include "framework/interfaces/VantCommand.h"
-#include "host/record/Journal.h"
 #include "platform/ComPtr.h"
 #include "platform/Event.h"
 #include "platform/system.h"
 
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <list>
 #include <map>
 #include <memory>
@@ -21,61 +22,72 @@
 
 namespace vant::host {
 
-/// The threads on which the persistent commands of one run work. Each bears its registration's name and its
-/// cookie in the journal, takes part in virtual time, and works for the command that was at work when it was
-/// started. When it ends, an event "ThreadEnded" of the Runner tells cookie and result.
+/// As many threads may run at once; a request for one more returns
+/// HRESULT_FROM_WIN32(ERROR_MAX_THRDS_REACHED).
+inline constexpr std::size_t maxLiveThreads = 64;
+
+/// The threads on which the persistent commands of one run work. In the journal a thread has the name of its
+/// registration followed by its cookie. It takes part in virtual time, and works for the command that was at
+/// work when it was started, one level deeper than that command.
 ///
-/// Any thread may call, unless stated otherwise. Nothing here keeps a lock while it waits or calls out.
+/// Any thread may call, unless stated otherwise. Nothing here holds a lock while it waits or calls out.
 class PersistentThreads {
 public:
-    /// `changed` is signalled each time a thread has ended. Both must outlive this object.
-    PersistentThreads(Journal& journal, Event& changed);
-    /// As End.
+    /// Is told the cookie of a thread whose callback has returned, and what it returned: on that thread,
+    /// under its name and command, before anybody who waits for the thread goes on. Must not
+    /// throw. May be empty.
+    using EndObserver = std::function<void(std::uint32_t cookie, HRESULT result)>;
+
+    /// `changed` is signalled each time a thread has ended; it must outlive this object.
+    PersistentThreads(EndObserver ended, Event& changed);
+    /// Does what End does.
     ~PersistentThreads();
     PersistentThreads(const PersistentThreads&) = delete;
     PersistentThreads& operator=(const PersistentThreads&) = delete;
 
     /// Starts a thread that calls `callback` once, and gives it the next cookie, counted from 1. The callback
-    /// and the object of the current command are held until the call has returned. E_ABORT once closed.
+    /// and the object of the current command are held until the call has returned. E_ABORT once closed;
+    /// HRESULT_FROM_WIN32(ERROR_MAX_THRDS_REACHED) while maxLiveThreads run.
     HRESULT Start(IThreadCallback& callback, std::wstring_view name, std::uint32_t& cookie);
 
-    // By cookie; HRESULT_FROM_WIN32(ERROR_NOT_FOUND) for one that was never given, or is forgotten.
+    // By cookie; HRESULT_FROM_WIN32(ERROR_NOT_FOUND) for one that was never given or has been forgotten.
 
-    /// Forgets the cookie. Its thread goes on.
+    /// Forgets the cookie. Its thread continues.
     HRESULT Forget(std::uint32_t cookie);
     /// S_OK while the thread runs, S_FALSE afterwards.
     HRESULT IsRunning(std::uint32_t cookie) const;
     /// Waits until the thread has ended. HRESULT_FROM_WIN32(ERROR_POSSIBLE_DEADLOCK) on that thread itself;
-    /// E_ABORT where the threads are closed before it has ended.
+    /// E_ABORT if the threads are closed before it has ended.
     HRESULT WaitFor(std::uint32_t cookie) const;
 
-    /// Calls Stop of every running command of that id. HRESULT_FROM_WIN32(ERROR_NOT_FOUND) where none runs,
-    /// E_NOINTERFACE where one cannot be stopped. (What Stop answers is what the controller has answered to
-    /// it.)
+    /// Calls Stop of every running command of that id. HRESULT_FROM_WIN32(ERROR_NOT_FOUND) if none runs,
+    /// E_NOINTERFACE if one of them cannot be stopped; the others are stopped nevertheless. What Stop returns
+    /// is ignored: it is what the controller returned to the command.
     HRESULT StopCommand(std::string_view commandId);
-    /// The id of the command that `command` is, if it runs or is just being stopped; nothing otherwise.
+    /// The id of `command` if it runs or is just being stopped; nothing otherwise.
     std::optional<std::string> IdOf(IUnknown& command) const;
 
-    /// Threads that are started from now on from the runner's thread belong to this step; those that a thread
-    /// starts belong to the step of that thread.
+    /// Begins a step. Threads that the runner's thread starts from now on belong to it; a thread that is
+    /// started by another one belongs to the step of that one.
     void EnterStep() noexcept { ++m_step; }
     bool IsAnyRunning() const;
-    /// Whether a thread of the step that was entered last runs.
+    /// Whether a thread of the step that was begun last runs.
     bool IsAnyOfStepRunning() const;
 
-    /// From now on no thread is started. Whoever waits for one goes on.
+    /// From now on no thread is started. Waits for threads end.
     void Close() noexcept;
     /// Closes, stops every running command, and waits until all threads have ended. One thread at a time.
     void End();
 
 private:
     struct Work;
-    struct Names;
+    struct Setting;
     struct Thread;
     using WorkPtr = std::shared_ptr<Work>;
     using ThreadPtr = std::shared_ptr<Thread>;
 
-    /// Null for a cookie that was never given or is forgotten, and where `hasEnded` becomes true.
+    /// Null for a cookie that was never given or has been forgotten, and for one whose thread has been joined
+    /// already; `hasEnded` is true for the latter alone.
     ThreadPtr Find(std::uint32_t cookie, bool& hasEnded) const;
     template <class Matches>
     bool IsAnyRunning(Matches matches) const;
@@ -83,20 +95,22 @@ private:
     template <class Matches>
     std::vector<WorkPtr> WorkWhere(Matches matches) const;
     /// The whole life of a thread, on that thread.
-    void Run(Thread& thread, WorkPtr work, Names names) noexcept;
+    void Run(Thread& thread, WorkPtr work, Setting setting) noexcept;
     HRESULT Stop(const WorkPtr& work);
+    std::size_t RunningCount() const;
     void JoinEnded();
 
-    Journal& m_journal;
+    const EndObserver m_ended;
     Event& m_changed;
     std::atomic<std::uint32_t> m_step{0};
-    mutable std::mutex m_access; ///< Of what follows.
+    mutable std::mutex m_access; ///< Protects what follows.
     bool m_closed = false;
     std::uint32_t m_lastCookie = 0;
-    std::map<std::uint32_t, ThreadPtr> m_threads; ///< By cookie; those that have ended go by and by.
-    std::set<std::uint32_t> m_endedCookies;       ///< Of those that went and are not forgotten.
-    /// Whose Stop has been called and has not returned: it may report to the controller after its thread has
-    /// ended.
+    std::map<std::uint32_t, ThreadPtr>
+        m_threads;                          ///< By cookie; also those that have ended, until they are joined.
+    std::set<std::uint32_t> m_endedCookies; ///< Of joined threads; without the forgotten ones.
+    /// Work whose command's Stop has been called and has not returned: the command may report to the
+    /// controller after its thread has ended.
     std::list<WorkPtr> m_stopping;
 };
 

@@ -1,10 +1,12 @@
 #include "host/services/PresentationService.h"
 
+#include "host/record/Vocabulary.h"
+
 namespace vant::host {
 
 HRESULT PresentationService::ShowInstruction(BSTR text) {
-    return Answer("ShowInstruction", [&](Record& record) {
-        record.Add("text", ToUtf8(TextOf(text)));
+    return Perform(operation::ShowInstruction, [&](Record& record) {
+        record.Add(argument::text, ToUtf8(TextOf(text)));
         return S_OK;
     });
 }

@@ -2,18 +2,19 @@
 
 #include "framework/interfaces/HostServices.h"
 #include "host/object/HostObject.h"
+#include "host/record/Vocabulary.h"
 
 namespace vant::host {
 
-/// Takes instructions to the technician. What was shown stands in the journal.
+/// Takes instructions to the technician. What was shown stands in the gate.
 class PresentationService final : public HostObject<IPresentationService> {
 public:
-    explicit PresentationService(Journal& journal) : HostObject(journal, "PresentationService") {}
+    explicit PresentationService(CallGate& gate) : HostObject(gate, service::PresentationService) {}
 
-    HRESULT STDMETHODCALLTYPE Reserved3() override { return Refuse("Reserved3"); }
-    HRESULT STDMETHODCALLTYPE Reserved4() override { return Refuse("Reserved4"); }
-    HRESULT STDMETHODCALLTYPE Reserved5() override { return Refuse("Reserved5"); }
-    HRESULT STDMETHODCALLTYPE Reserved6() override { return Refuse("Reserved6"); }
+    HRESULT STDMETHODCALLTYPE Reserved3() override { return NotImplemented("Reserved3"); }
+    HRESULT STDMETHODCALLTYPE Reserved4() override { return NotImplemented("Reserved4"); }
+    HRESULT STDMETHODCALLTYPE Reserved5() override { return NotImplemented("Reserved5"); }
+    HRESULT STDMETHODCALLTYPE Reserved6() override { return NotImplemented("Reserved6"); }
     HRESULT STDMETHODCALLTYPE ShowInstruction(BSTR text) override;
 };
 

@@ -1,13 +1,15 @@
 #include "host/services/ProcedureController.h"
 
+#include "host/record/Vocabulary.h"
+
 #include <utility>
 
 namespace vant::host {
 
 HRESULT ProcedureController::SetTransition(BSTR transitionId) {
-    return Answer("SetTransition", [&](Record& record) -> HRESULT {
+    return Perform(operation::SetTransition, [&](Record& record) -> HRESULT {
         std::string id = ToUtf8(TextOf(transitionId));
-        record.Add("transitionId", id);
+        record.Add(argument::transitionId, id);
         {
             const std::lock_guard lock(m_access);
             if (!m_leadsOn || !m_leadsOn(id))

@@ -2,6 +2,7 @@
 
 #include "framework/interfaces/HostServices.h"
 #include "host/object/HostObject.h"
+#include "host/record/Vocabulary.h"
 #include "platform/Event.h"
 
 #include <functional>
@@ -15,13 +16,13 @@ namespace vant::host {
 class ProcedureController final : public HostObject<IProcedureController> {
 public:
     /// `changed` is signalled each time a transition has been chosen; it must outlive the controller.
-    ProcedureController(Journal& journal, Event& changed)
-        : HostObject(journal, "ProcedureController"), m_changed(changed) {}
+    ProcedureController(CallGate& gate, Event& changed)
+        : HostObject(gate, service::ProcedureController), m_changed(changed) {}
 
-    HRESULT STDMETHODCALLTYPE Reserved3() override { return Refuse("Reserved3"); }
-    HRESULT STDMETHODCALLTYPE Reserved4() override { return Refuse("Reserved4"); }
-    HRESULT STDMETHODCALLTYPE Reserved5() override { return Refuse("Reserved5"); }
-    HRESULT STDMETHODCALLTYPE Reserved6() override { return Refuse("Reserved6"); }
+    HRESULT STDMETHODCALLTYPE Reserved3() override { return NotImplemented("Reserved3"); }
+    HRESULT STDMETHODCALLTYPE Reserved4() override { return NotImplemented("Reserved4"); }
+    HRESULT STDMETHODCALLTYPE Reserved5() override { return NotImplemented("Reserved5"); }
+    HRESULT STDMETHODCALLTYPE Reserved6() override { return NotImplemented("Reserved6"); }
     /// The last choice counts. E_INVALIDARG, and an earlier choice stays, for an id that leads nowhere from
     /// this step, and for every id between two steps. The empty id, which a command hands on where none was
     /// given to it, chooses nothing.

@@ -1,16 +1,18 @@
 #include "host/services/Services.h"
 
+#include "host/record/Vocabulary.h"
+
 #include <utility>
 
 namespace vant::host {
 
 namespace {
 
-EngineObjects* Fill(std::optional<EngineObjects>& engine, Journal& journal, ThreadService& threadService,
+EngineObjects* Fill(std::optional<EngineObjects>& engine, CallGate& gate, ThreadService& threadService,
                     const std::optional<EngineDescription>& description) {
     if (!description)
         return nullptr;
-    threadService.SetEngine(engine.emplace(journal, *description, threadService));
+    threadService.SetEngine(engine.emplace(gate, *description, threadService));
     return &*engine;
 }
 
@@ -25,21 +27,21 @@ CComVariant Referenced(IUnknown& object) {
 
 } // namespace
 
-Services::Services(Journal& journal, CommandRunner::Run run,
+Services::Services(Journal& journal, CommandRunner::Run run, PersistentThreads::EndObserver threadEnded,
                    const std::optional<EngineDescription>& engineDescription, const Components& components,
                    const ConditionSets& conditions)
-    : commandRunner(journal, std::move(run)), componentService(journal, components),
-      service3(journal, "Service3"), dataStore(journal, data), presentationService(journal),
-      threadService(journal, persistentThreads), service7(journal, "Service7"),
-      procedureController(journal, changed),
-      parameterService(journal, Fill(engine, journal, threadService, engineDescription)),
-      controller(journal, persistentThreads),
-      context(journal, {&procedureController, &commandRunner, &componentService, &service7, &service3,
-                        &presentationService, &dataStore, &threadService, &parameterService}),
-      persistentThreads(journal, changed) {
+    : gate(journal), commandRunner(gate, std::move(run)), componentService(gate, components),
+      service3(gate, service::Service3), dataStore(gate, data), presentationService(gate),
+      threadService(gate, persistentThreads), service7(gate, service::Service7),
+      procedureController(gate, changed),
+      parameterService(gate, Fill(engine, gate, threadService, engineDescription)),
+      controller(gate, persistentThreads),
+      context(gate, {&procedureController, &commandRunner, &componentService, &service7, &service3,
+                     &presentationService, &dataStore, &threadService, &parameterService}),
+      persistentThreads(std::move(threadEnded), changed) {
     for (const auto& [name, each] : conditions)
         data.Set(ToWide(name), Referenced(conditionSets.emplace_back(
-                                   journal, name, each, engine ? &engine->Model() : nullptr, data)));
+                                   gate, name, each, engine ? &engine->Model() : nullptr, data)));
 }
 
 void Services::Close() noexcept {

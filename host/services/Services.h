@@ -24,26 +24,28 @@ namespace vant::host {
 
 /// All host objects of one run.
 struct Services {
-    /// Without an engine nothing of one exists. The condition sets stand in the data store from the
-    /// beginning.
-    Services(Journal& journal, CommandRunner::Run run,
+    /// `run` and `threadEnded` are passed to the command runner and to the threads. Without an engine there
+    /// are no parameters, faults or connection. The data store holds the condition sets from the beginning.
+    Services(Journal& journal, CommandRunner::Run run, PersistentThreads::EndObserver threadEnded = {},
              const std::optional<EngineDescription>& engineDescription = std::nullopt,
              const Components& components = {}, const ConditionSets& conditions = {});
 
-    /// From now on nothing more is actuated: no thread is started and no parameter written. Any thread may
-    /// call.
+    /// From now on nothing is actuated any more: no thread is started and no parameter is written. Any thread
+    /// may call.
     void Close() noexcept;
 
-    /// The names of the objects that commands still hold; none once every command is gone, unless one leaks.
-    /// What the data store holds counts as held, too.
+    /// The names of the objects that commands or the data store still hold. Once every command has been
+    /// destroyed and the data is cleared, each name is a leak.
     std::vector<std::string> StillHeld() const;
 
+    /// Every call on the objects below passes it.
+    CallGate gate;
     /// Signalled when a thread has ended or a transition has been chosen. One thread may wait for it.
     Event changed;
     CommandRunner commandRunner;
     ComponentService componentService;
     UnusedService service3;
-    std::list<ConditionSet> conditionSets; ///< They outlive the data, which hold them.
+    std::list<ConditionSet> conditionSets; ///< They outlive the data, which holds them.
     NamedValues data;
     DataStore dataStore;
     PresentationService presentationService;
@@ -54,7 +56,7 @@ struct Services {
     ParameterService parameterService;
     Controller controller;
     Context context;
-    /// Its end is the first thing that ends: until then threads may use everything above.
+    /// Destroyed first: until then threads may use everything above.
     PersistentThreads persistentThreads;
 };
 

@@ -3,6 +3,7 @@
 #include "framework/interfaces/ThreadService.h"
 #include "host/engine/objects/EngineObjects.h"
 #include "host/object/HostObject.h"
+#include "host/record/Vocabulary.h"
 #include "host/services/PersistentThreads.h"
 
 namespace vant::host {
@@ -12,17 +13,17 @@ namespace vant::host {
 class ThreadService final : public HostDispatch<IThreadService> {
 public:
     /// `threads` must outlive the service.
-    ThreadService(Journal& journal, PersistentThreads& threads)
-        : HostDispatch(journal, "ThreadService"), m_threads(threads) {}
+    ThreadService(CallGate& gate, PersistentThreads& threads)
+        : HostDispatch(gate, service::ThreadService), m_threads(threads) {}
 
     /// From now on the object answers for the engine's services. Before the first command.
     void SetEngine(EngineObjects& engine) noexcept { m_engine = &engine; }
 
-    HRESULT STDMETHODCALLTYPE Reserved7() override { return Refuse("Reserved7"); }
+    HRESULT STDMETHODCALLTYPE Reserved7() override { return NotImplemented("Reserved7"); }
     /// HRESULT_FROM_WIN32(ERROR_NOT_FOUND) for a cookie that does not exist or is forgotten already.
     HRESULT STDMETHODCALLTYPE UnregisterCallback(std::uint32_t cookie) override;
-    HRESULT STDMETHODCALLTYPE Reserved9() override { return Refuse("Reserved9"); }
-    HRESULT STDMETHODCALLTYPE Reserved10() override { return Refuse("Reserved10"); }
+    HRESULT STDMETHODCALLTYPE Reserved9() override { return NotImplemented("Reserved9"); }
+    HRESULT STDMETHODCALLTYPE Reserved10() override { return NotImplemented("Reserved10"); }
     /// S_OK while the thread of that cookie runs, S_FALSE afterwards; HRESULT_FROM_WIN32(ERROR_NOT_FOUND).
     HRESULT STDMETHODCALLTYPE Operation11(std::uint32_t cookie) override;
     /// Waits until the thread of that cookie has ended: S_OK. HRESULT_FROM_WIN32(ERROR_POSSIBLE_DEADLOCK) on

@@ -7,7 +7,7 @@
 #include "host/procedure/ProcedureReader.h"
 #include "host/procedure/PropertyCheck.h"
 #include "host/runner/CommandCheck.h"
-#include "host/runner/Module.h"
+#include "host/runner/LoadedModule.h"
 #include "platform/Process.h"
 #include "platform/Utf8.h"
 #include "tests/docs/Markdown.h"
@@ -45,8 +45,8 @@ std::map<std::string, DocumentedClass> DocumentedClasses() {
     return classes;
 }
 
-const Module& BuiltModule() {
-    static const Module module(ProgramFolder() / LibraryFileName("VantCommands"));
+const LoadedModule& BuiltModule() {
+    static const LoadedModule module(ProgramFolder() / LibraryFileName("VantCommands"));
     return module;
 }
 

@@ -3,13 +3,15 @@
 
 #include "host/procedure/EngineReader.h"
 #include "host/procedure/ProcedureReader.h"
+#include "host/record/Vocabulary.h"
 #include "host/runner/CommandCheck.h"
-#include "host/runner/Module.h"
+#include "host/runner/LoadedModule.h"
 #include "platform/Process.h"
 #include "tests/docs/Markdown.h"
 
 #include <algorithm>
 #include <filesystem>
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 #include <iterator>
 #include <regex>
@@ -33,7 +35,7 @@ Words Matches(const std::string& text, const std::regex& expression) {
     return found;
 }
 
-/// Every key that a reader's source knows; it names them where it refuses all others.
+/// Every key that a reader's source knows: it lists them to refuse all others.
 Words KnownKeys(const std::string& source) {
     const std::string text = ReadProjectFile(source);
     const std::regex lists(R"(CheckKeys\([^{;]*\{([^}]*)\}\))");
@@ -44,7 +46,7 @@ Words KnownKeys(const std::string& source) {
     return keys;
 }
 
-/// Every word of the code in the tables of a document.
+/// Every word in backticks in the tables of a document.
 Words WordsInTables(const std::string& document) {
     Words words;
     for (const Section& section : ReadSections(document)) {
@@ -74,7 +76,7 @@ std::string TomlOfTheFile(const std::string& document) {
     return SectionOf(ReadSections(document), "The file").Code("toml").at(0);
 }
 
-/// The first column of the table with that heading, wherever it stands in the document.
+/// The first column of the tables with that heading in the whole document.
 Words FirstColumn(const std::string& document, std::string_view heading) {
     Words cells;
     for (const Section& section : ReadSections(document)) {
@@ -82,6 +84,29 @@ Words FirstColumn(const std::string& document, std::string_view heading) {
             cells.insert(Unquoted(row.at(0)));
     }
     return cells;
+}
+
+/// The words in backticks in a cell, in their order.
+std::vector<std::string> QuotedWords(const std::string& cell) {
+    const std::regex quoted("`(\\w+)`");
+    std::vector<std::string> words;
+    for (std::sregex_iterator each(cell.begin(), cell.end(), quoted), end; each != end; ++each)
+        words.push_back(each->str(1));
+    return words;
+}
+
+std::vector<std::string> ArgumentsOf(const RecordKind& kind) {
+    std::vector<std::string> names;
+    for (const char* const name : kind.arguments) {
+        if (name)
+            names.push_back(name);
+    }
+    return names;
+}
+
+std::string Signature(const std::string& service, const std::string& operation,
+                      const std::vector<std::string>& arguments) {
+    return fmt::format("{}.{}({})", service, operation, fmt::join(arguments, ", "));
 }
 
 void ExpectNoMistake(const Diagnostics& found) {
@@ -105,7 +130,7 @@ TEST(EnginesDocument, Tables_HoldEveryKey) {
 TEST(ProceduresDocument, Example_IsAccepted) {
     Diagnostics found;
     const Procedure procedure = ReadProcedure(TomlOfTheFile("docs/procedures.md"), found);
-    CheckCommands(procedure, Module(ProgramFolder() / LibraryFileName("VantCommands")), found);
+    CheckCommands(procedure, LoadedModule(ProgramFolder() / LibraryFileName("VantCommands")), found);
     ExpectNoMistake(found);
     EXPECT_FALSE(procedure.steps.empty());
 }
@@ -117,10 +142,18 @@ TEST(EnginesDocument, Example_IsAccepted) {
     EXPECT_FALSE(engine.parameters.empty());
 }
 
-TEST(ProceduresDocument, Events_AreThoseOfTheRunner) {
-    Words events = Matches(ReadProjectFile("host/runner/Runner.cpp"), std::regex(R"re(Tell\("(\w+)")re"));
-    events.insert("ThreadEnded"); // which the threads tell
-    EXPECT_EQ(FirstColumn("docs/procedures.md", "event of \"Runner\""), events);
+TEST(ProceduresDocument, Journal_ListsEveryKindOfRecordWithItsArguments) {
+    const std::vector<Section> sections = ReadSections("docs/procedures.md");
+    const Section& journal = SectionOf(sections, "The journal");
+    Words described;
+    for (const TableRow& row : journal.Table("event of \"Runner\""))
+        described.insert(Signature(service::Runner, Unquoted(row.at(0)), QuotedWords(row.at(1))));
+    for (const TableRow& row : journal.Table("service"))
+        described.insert(Signature(Unquoted(row.at(0)), Unquoted(row.at(1)), QuotedWords(row.at(2))));
+    Words known;
+    for (const RecordKind& kind : recordKinds)
+        known.insert(Signature(kind.service, kind.operation, ArgumentsOf(kind)));
+    EXPECT_EQ(described, known);
 }
 
 TEST(ProceduresDocument, ExitCodes_AreThoseOfTheProgram) {

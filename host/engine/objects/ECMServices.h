@@ -4,6 +4,7 @@
 #include "host/engine/objects/UnitsTable.h"
 #include "host/object/HandOut.h"
 #include "host/object/HostObject.h"
+#include "host/record/Vocabulary.h"
 
 namespace vant::host {
 
@@ -11,19 +12,19 @@ namespace vant::host {
 class ECMServices final : public HostDispatch<IECMServicesOld> {
 public:
     /// All must outlive the services. `identity` answers for every interface.
-    ECMServices(Journal& journal, IUnknown& identity, UnitsTable& units)
-        : HostDispatch(journal, "ECMServices"), m_identity(identity), m_units(units) {}
+    ECMServices(CallGate& gate, IUnknown& identity, UnitsTable& units)
+        : HostDispatch(gate, service::ECMServices), m_identity(identity), m_units(units) {}
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override {
         return m_identity.QueryInterface(iid, out);
     }
-    HRESULT STDMETHODCALLTYPE Reserved7() override { return Refuse("Reserved7"); }
-    HRESULT STDMETHODCALLTYPE Reserved8() override { return Refuse("Reserved8"); }
-    HRESULT STDMETHODCALLTYPE Reserved9() override { return Refuse("Reserved9"); }
-    HRESULT STDMETHODCALLTYPE Reserved10() override { return Refuse("Reserved10"); }
-    HRESULT STDMETHODCALLTYPE Reserved11() override { return Refuse("Reserved11"); }
+    HRESULT STDMETHODCALLTYPE Reserved7() override { return NotImplemented("Reserved7"); }
+    HRESULT STDMETHODCALLTYPE Reserved8() override { return NotImplemented("Reserved8"); }
+    HRESULT STDMETHODCALLTYPE Reserved9() override { return NotImplemented("Reserved9"); }
+    HRESULT STDMETHODCALLTYPE Reserved10() override { return NotImplemented("Reserved10"); }
+    HRESULT STDMETHODCALLTYPE Reserved11() override { return NotImplemented("Reserved11"); }
     HRESULT STDMETHODCALLTYPE GetUnits(IUnknown** unitsTable) override {
-        return Answer("GetUnits", [&](Record&) { return HandOut(&m_units, unitsTable); });
+        return Perform(operation::GetUnits, [&](Record&) { return HandOut(&m_units, unitsTable); });
     }
 
 private:

@@ -1,6 +1,7 @@
 #include "host/engine/objects/EngineAccess.h"
 
 #include "host/object/VariantValue.h"
+#include "host/record/Vocabulary.h"
 #include "platform/Utf8.h"
 
 #include <utility>
@@ -69,7 +70,7 @@ HRESULT HandOutValue(const Engine& engine, const std::string& id, Record& record
         return CodeOf(*error);
     const Value& value = std::get<Reading>(read).value;
     CComVariant copy = ToVariant(value);
-    record.Add("value", value);
+    record.Add(argument::value, value);
     *out = copy.Detach();
     return S_OK;
 }

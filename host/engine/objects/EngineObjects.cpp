@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <fmt/format.h>
 #include <limits>
 #include <utility>
 
@@ -19,19 +20,19 @@ LONG EcmIdOf(const std::string& connection) {
 
 } // namespace
 
-EngineObjects::EngineObjects(Journal& journal, EngineDescription description, IUnknown& identity)
+EngineObjects::EngineObjects(CallGate& gate, EngineDescription description, IUnknown& identity)
     : m_description(std::move(description)), m_ecmId(EcmIdOf(m_description.connection)),
-      m_engine(m_description.parameters, m_description.seed), m_connection(journal, m_description.connection),
-      m_session(journal, m_items), m_directory(journal, m_ecmId, m_session),
-      m_protocolSource(journal, m_description, m_ecmId),
-      m_sessionManager(journal, m_description, identity, m_directory, m_protocolSource),
-      m_units(journal, m_description.units), m_services(journal, identity, m_units) {
+      m_engine(m_description.parameters, m_description.seed), m_connection(gate, m_description.connection),
+      m_session(gate, m_items), m_directory(gate, m_ecmId, m_session),
+      m_protocolSource(gate, m_description, m_ecmId),
+      m_sessionManager(gate, m_description, identity, m_directory, m_protocolSource),
+      m_units(gate, m_description.units), m_services(gate, identity, m_units) {
     for (const auto& [id, parameter] : m_description.parameters) {
-        m_parameters.emplace(id, std::make_unique<Parameter>(journal, m_engine, id, parameter));
-        m_items.emplace(id, std::make_unique<SessionItem>(journal, m_engine, id));
+        m_parameters.emplace(id, std::make_unique<Parameter>(gate, m_engine, id, parameter));
+        m_items.emplace(id, std::make_unique<SessionItem>(gate, m_engine, id));
     }
     for (const auto& [id, records] : m_description.faultArrays)
-        m_faultArrays.emplace(id, std::make_unique<FaultArray>(journal, records));
+        m_faultArrays.emplace(id, std::make_unique<FaultArray>(gate, records));
 }
 
 Parameter* EngineObjects::FindParameter(const std::string& id) const {
@@ -52,7 +53,7 @@ std::vector<std::string> EngineObjects::StillHeld() const {
     };
     const auto lookNamed = [&held](const auto& object, const std::string& id) {
         if (object.References() != 0)
-            held.push_back(object.Name() + " '" + id + "'");
+            held.push_back(fmt::format("{} '{}'", object.Name(), id));
     };
     for (const auto& [id, parameter] : m_parameters)
         lookNamed(*parameter, id);

@@ -23,7 +23,7 @@ namespace vant::host {
 class EngineObjects {
 public:
     /// `identity`, the COM object that the engine services belong to, must outlive this.
-    EngineObjects(Journal& journal, EngineDescription description, IUnknown& identity);
+    EngineObjects(CallGate& gate, EngineDescription description, IUnknown& identity);
 
     Engine& Model() noexcept { return m_engine; }
     Connection& TheConnection() noexcept { return m_connection; }

@@ -4,6 +4,7 @@
 #include "host/engine/objects/FaultRecordList.h"
 #include "host/object/HandOut.h"
 #include "host/object/HostObject.h"
+#include "host/record/Vocabulary.h"
 
 #include <vector>
 
@@ -11,12 +12,12 @@ namespace vant::host {
 
 class FaultArray final : public HostDispatch<IFaultArray> {
 public:
-    FaultArray(Journal& journal, const std::vector<FaultRecordDescription>& records)
-        : HostDispatch(journal, "FaultArray"), m_records(journal, records) {}
+    FaultArray(CallGate& gate, const std::vector<FaultRecordDescription>& records)
+        : HostDispatch(gate, service::FaultArray), m_records(gate, records) {}
 
-    HRESULT STDMETHODCALLTYPE Reserved7() override { return Refuse("Reserved7"); }
+    HRESULT STDMETHODCALLTYPE Reserved7() override { return NotImplemented("Reserved7"); }
     HRESULT STDMETHODCALLTYPE get_Records(IUnknown** records) override {
-        return Answer("get_Records", [&](Record&) { return HandOut(&m_records, records); });
+        return Perform(operation::get_Records, [&](Record&) { return HandOut(&m_records, records); });
     }
 
     /// Calls `visit` with every object that belongs to the array.

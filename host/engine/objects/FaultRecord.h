@@ -3,14 +3,15 @@
 #include "ecm/interfaces/EngineData.h"
 #include "host/engine/objects/FaultField.h"
 #include "host/engine/objects/ItemList.h"
+#include "host/record/Vocabulary.h"
 
 namespace vant::host {
 
 /// One fault: an ordered list of named fields.
 class FaultRecord final : public ItemList<IFaultRecord, IFaultField, FaultField> {
 public:
-    FaultRecord(Journal& journal, const FaultRecordDescription& fields)
-        : ItemList(journal, "FaultRecord", fields) {}
+    FaultRecord(CallGate& gate, const FaultRecordDescription& fields)
+        : ItemList(gate, service::FaultRecord, fields) {}
 };
 
 } // namespace vant::host

@@ -3,6 +3,7 @@
 #include "host/object/HandOut.h"
 #include "host/object/HostObject.h"
 #include "host/object/VariantValue.h"
+#include "host/record/Vocabulary.h"
 
 #include <memory>
 #include <vector>
@@ -15,25 +16,25 @@ class ItemList : public HostDispatch<List> {
 public:
     /// One item for each description, in their order.
     template <class Descriptions>
-    ItemList(Journal& journal, const char* service, const Descriptions& descriptions)
-        : HostDispatch<List>(journal, service) {
+    ItemList(CallGate& gate, const char* service, const Descriptions& descriptions)
+        : HostDispatch<List>(gate, service) {
         for (const auto& each : descriptions)
-            m_items.push_back(std::make_unique<Item>(journal, each));
+            m_items.push_back(std::make_unique<Item>(gate, each));
     }
 
     /// `index` is a VT_I4 and counts from 1; see HandOutItem for the refusals.
     HRESULT STDMETHODCALLTYPE get_Item(VARIANT index, ItemInterface** out) override {
-        return this->Answer("get_Item", [&](Record& record) {
-            record.Add("index", ToValue(index));
+        return this->Perform(operation::get_Item, [&](Record& record) {
+            record.Add(argument::index, ToValue(index));
             return HandOutItem(m_items, index, out);
         });
     }
     HRESULT STDMETHODCALLTYPE get_Count(LONG* count) override {
-        return this->Answer("get_Count", [&](Record& record) -> HRESULT {
+        return this->Perform(operation::get_Count, [&](Record& record) -> HRESULT {
             if (!count)
                 return E_POINTER;
             *count = static_cast<LONG>(m_items.size());
-            record.Add("count", std::int64_t{*count});
+            record.Add(argument::count, std::int64_t{*count});
             return S_OK;
         });
     }

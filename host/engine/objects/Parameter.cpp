@@ -2,12 +2,13 @@
 
 #include "host/engine/objects/EngineAccess.h"
 #include "host/object/HandOut.h"
+#include "host/record/Vocabulary.h"
 
 namespace vant::host {
 
 HRESULT Parameter::get_Text(BSTR* text) {
-    return Answer("get_Text", [&](Record& record) -> HRESULT {
-        record.Add("id", m_id);
+    return Perform(operation::get_Text, [&](Record& record) -> HRESULT {
+        record.Add(argument::id, m_id);
         if (!text)
             return E_POINTER;
         *text = nullptr;
@@ -15,23 +16,23 @@ HRESULT Parameter::get_Text(BSTR* text) {
         const HRESULT code = ReadText(m_engine, m_id, read);
         if (FAILED(code))
             return code;
-        record.Add("value", ToUtf8(read.Text()));
+        record.Add(argument::value, ToUtf8(read.Text()));
         *text = read.Detach();
         return S_OK;
     });
 }
 
 HRESULT Parameter::get_Value(VARIANT* value) {
-    return Answer("get_Value", [&](Record& record) {
-        record.Add("id", m_id);
+    return Perform(operation::get_Value, [&](Record& record) {
+        record.Add(argument::id, m_id);
         return HandOutValue(m_engine, m_id, record, value);
     });
 }
 
-HRESULT Parameter::AnswerText(const char* operation, const std::string& text, BSTR* out) {
-    return Answer(operation, [&](Record& record) {
-        record.Add("id", m_id);
-        record.Add("value", text);
+HRESULT Parameter::ReturnText(const char* operation, const std::string& text, BSTR* out) {
+    return Perform(operation, [&](Record& record) {
+        record.Add(argument::id, m_id);
+        record.Add(argument::value, text);
         return HandOutText(text, out);
     });
 }

@@ -3,6 +3,7 @@
 #include "ecm/interfaces/EngineData.h"
 #include "host/engine/model/Engine.h"
 #include "host/object/HostObject.h"
+#include "host/record/Vocabulary.h"
 
 #include <string>
 #include <utility>
@@ -13,18 +14,18 @@ namespace vant::host {
 class Parameter final : public HostDispatch<IParameterOld> {
 public:
     /// The engine must outlive the object and have the parameter.
-    Parameter(Journal& journal, const Engine& engine, std::string id, const EngineParameter& description)
-        : HostDispatch(journal, "Parameter"), m_engine(engine), m_id(std::move(id)),
+    Parameter(CallGate& gate, const Engine& engine, std::string id, const EngineParameter& description)
+        : HostDispatch(gate, service::Parameter), m_engine(engine), m_id(std::move(id)),
           m_parameterName(description.name), m_unitsKey(description.unitsKey) {}
 
-    HRESULT STDMETHODCALLTYPE Reserved7() override { return Refuse("Reserved7"); }
+    HRESULT STDMETHODCALLTYPE Reserved7() override { return NotImplemented("Reserved7"); }
     HRESULT STDMETHODCALLTYPE get_Name(BSTR* name) override {
-        return AnswerText("get_Name", m_parameterName, name);
+        return ReturnText(operation::get_Name, m_parameterName, name);
     }
     HRESULT STDMETHODCALLTYPE get_Text(BSTR* text) override;
     HRESULT STDMETHODCALLTYPE get_Value(VARIANT* value) override;
     HRESULT STDMETHODCALLTYPE get_UnitsKey(BSTR* unitsKey) override {
-        return AnswerText("get_UnitsKey", m_unitsKey, unitsKey);
+        return ReturnText(operation::get_UnitsKey, m_unitsKey, unitsKey);
     }
 
 protected:
@@ -34,7 +35,7 @@ protected:
     }
 
 private:
-    HRESULT AnswerText(const char* operation, const std::string& text, BSTR* out);
+    HRESULT ReturnText(const char* operation, const std::string& text, BSTR* out);
 
     const Engine& m_engine;
     const std::string m_id;

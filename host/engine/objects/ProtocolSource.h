@@ -3,6 +3,7 @@
 #include "ecm/interfaces/EngineData.h"
 #include "host/engine/objects/ProtocolStep.h"
 #include "host/object/HostObject.h"
+#include "host/record/Vocabulary.h"
 
 namespace vant::host {
 
@@ -11,26 +12,26 @@ namespace vant::host {
 
 class ProtocolSourceD final : public HostDispatch<IProtocolSourceD> {
 public:
-    ProtocolSourceD(Journal& journal, const EngineDescription& engine)
-        : HostDispatch(journal, "ProtocolSourceD"), m_engine(engine) {}
+    ProtocolSourceD(CallGate& gate, const EngineDescription& engine)
+        : HostDispatch(gate, service::ProtocolSourceD), m_engine(engine) {}
 
-    HRESULT STDMETHODCALLTYPE Reserved7() override { return Refuse("Reserved7"); }
-    HRESULT STDMETHODCALLTYPE Reserved8() override { return Refuse("Reserved8"); }
-    HRESULT STDMETHODCALLTYPE Reserved9() override { return Refuse("Reserved9"); }
-    HRESULT STDMETHODCALLTYPE Reserved10() override { return Refuse("Reserved10"); }
-    HRESULT STDMETHODCALLTYPE Reserved11() override { return Refuse("Reserved11"); }
-    HRESULT STDMETHODCALLTYPE Reserved12() override { return Refuse("Reserved12"); }
-    HRESULT STDMETHODCALLTYPE Reserved13() override { return Refuse("Reserved13"); }
-    HRESULT STDMETHODCALLTYPE Reserved14() override { return Refuse("Reserved14"); }
-    HRESULT STDMETHODCALLTYPE Reserved15() override { return Refuse("Reserved15"); }
+    HRESULT STDMETHODCALLTYPE Reserved7() override { return NotImplemented("Reserved7"); }
+    HRESULT STDMETHODCALLTYPE Reserved8() override { return NotImplemented("Reserved8"); }
+    HRESULT STDMETHODCALLTYPE Reserved9() override { return NotImplemented("Reserved9"); }
+    HRESULT STDMETHODCALLTYPE Reserved10() override { return NotImplemented("Reserved10"); }
+    HRESULT STDMETHODCALLTYPE Reserved11() override { return NotImplemented("Reserved11"); }
+    HRESULT STDMETHODCALLTYPE Reserved12() override { return NotImplemented("Reserved12"); }
+    HRESULT STDMETHODCALLTYPE Reserved13() override { return NotImplemented("Reserved13"); }
+    HRESULT STDMETHODCALLTYPE Reserved14() override { return NotImplemented("Reserved14"); }
+    HRESULT STDMETHODCALLTYPE Reserved15() override { return NotImplemented("Reserved15"); }
     HRESULT STDMETHODCALLTYPE get_Kind(LONG* kind) override {
-        return Answer("get_Kind", [&](Record& record) -> HRESULT {
+        return Perform(operation::get_Kind, [&](Record& record) -> HRESULT {
             if (!kind)
                 return E_POINTER;
             if (m_engine.protocolFails == ProtocolStep::GetKind)
                 return E_FAIL;
             *kind = m_engine.protocol;
-            record.Add("kind", std::int64_t{*kind});
+            record.Add(argument::kind, std::int64_t{*kind});
             return S_OK;
         });
     }
@@ -41,16 +42,17 @@ private:
 
 class ProtocolSourceC final : public HostDispatch<IProtocolSourceC> {
 public:
-    ProtocolSourceC(Journal& journal, const EngineDescription& engine)
-        : HostDispatch(journal, "ProtocolSourceC"), m_engine(engine), m_d(journal, engine) {}
+    ProtocolSourceC(CallGate& gate, const EngineDescription& engine)
+        : HostDispatch(gate, service::ProtocolSourceC), m_engine(engine), m_d(gate, engine) {}
 
-    HRESULT STDMETHODCALLTYPE Reserved7() override { return Refuse("Reserved7"); }
-    HRESULT STDMETHODCALLTYPE Reserved8() override { return Refuse("Reserved8"); }
-    HRESULT STDMETHODCALLTYPE Reserved9() override { return Refuse("Reserved9"); }
-    HRESULT STDMETHODCALLTYPE Reserved10() override { return Refuse("Reserved10"); }
-    HRESULT STDMETHODCALLTYPE Reserved11() override { return Refuse("Reserved11"); }
+    HRESULT STDMETHODCALLTYPE Reserved7() override { return NotImplemented("Reserved7"); }
+    HRESULT STDMETHODCALLTYPE Reserved8() override { return NotImplemented("Reserved8"); }
+    HRESULT STDMETHODCALLTYPE Reserved9() override { return NotImplemented("Reserved9"); }
+    HRESULT STDMETHODCALLTYPE Reserved10() override { return NotImplemented("Reserved10"); }
+    HRESULT STDMETHODCALLTYPE Reserved11() override { return NotImplemented("Reserved11"); }
     HRESULT STDMETHODCALLTYPE GetD(void*, IProtocolSourceD** d) override {
-        return Answer("GetD", [&](Record&) { return HandOutStep(m_engine, ProtocolStep::GetD, &m_d, d); });
+        return Perform(operation::GetD,
+                       [&](Record&) { return HandOutStep(m_engine, ProtocolStep::GetD, &m_d, d); });
     }
     template <class Visit>
     void ForEach(Visit visit) const {
@@ -64,12 +66,13 @@ private:
 
 class ProtocolSourceB final : public HostDispatch<IProtocolSourceB> {
 public:
-    ProtocolSourceB(Journal& journal, const EngineDescription& engine)
-        : HostDispatch(journal, "ProtocolSourceB"), m_engine(engine), m_c(journal, engine) {}
+    ProtocolSourceB(CallGate& gate, const EngineDescription& engine)
+        : HostDispatch(gate, service::ProtocolSourceB), m_engine(engine), m_c(gate, engine) {}
 
-    HRESULT STDMETHODCALLTYPE Reserved7() override { return Refuse("Reserved7"); }
+    HRESULT STDMETHODCALLTYPE Reserved7() override { return NotImplemented("Reserved7"); }
     HRESULT STDMETHODCALLTYPE GetC(void*, IProtocolSourceC** c) override {
-        return Answer("GetC", [&](Record&) { return HandOutStep(m_engine, ProtocolStep::GetC, &m_c, c); });
+        return Perform(operation::GetC,
+                       [&](Record&) { return HandOutStep(m_engine, ProtocolStep::GetC, &m_c, c); });
     }
     template <class Visit>
     void ForEach(Visit visit) const {
@@ -84,18 +87,19 @@ private:
 
 class ProtocolSourceA final : public HostDispatch<IProtocolSourceA> {
 public:
-    ProtocolSourceA(Journal& journal, const EngineDescription& engine)
-        : HostDispatch(journal, "ProtocolSourceA"), m_engine(engine), m_b(journal, engine) {}
+    ProtocolSourceA(CallGate& gate, const EngineDescription& engine)
+        : HostDispatch(gate, service::ProtocolSourceA), m_engine(engine), m_b(gate, engine) {}
 
-    HRESULT STDMETHODCALLTYPE Reserved7() override { return Refuse("Reserved7"); }
-    HRESULT STDMETHODCALLTYPE Reserved8() override { return Refuse("Reserved8"); }
-    HRESULT STDMETHODCALLTYPE Reserved9() override { return Refuse("Reserved9"); }
-    HRESULT STDMETHODCALLTYPE Reserved10() override { return Refuse("Reserved10"); }
-    HRESULT STDMETHODCALLTYPE Reserved11() override { return Refuse("Reserved11"); }
-    HRESULT STDMETHODCALLTYPE Reserved12() override { return Refuse("Reserved12"); }
-    HRESULT STDMETHODCALLTYPE Reserved13() override { return Refuse("Reserved13"); }
+    HRESULT STDMETHODCALLTYPE Reserved7() override { return NotImplemented("Reserved7"); }
+    HRESULT STDMETHODCALLTYPE Reserved8() override { return NotImplemented("Reserved8"); }
+    HRESULT STDMETHODCALLTYPE Reserved9() override { return NotImplemented("Reserved9"); }
+    HRESULT STDMETHODCALLTYPE Reserved10() override { return NotImplemented("Reserved10"); }
+    HRESULT STDMETHODCALLTYPE Reserved11() override { return NotImplemented("Reserved11"); }
+    HRESULT STDMETHODCALLTYPE Reserved12() override { return NotImplemented("Reserved12"); }
+    HRESULT STDMETHODCALLTYPE Reserved13() override { return NotImplemented("Reserved13"); }
     HRESULT STDMETHODCALLTYPE GetB(IProtocolSourceB** b) override {
-        return Answer("GetB", [&](Record&) { return HandOutStep(m_engine, ProtocolStep::GetB, &m_b, b); });
+        return Perform(operation::GetB,
+                       [&](Record&) { return HandOutStep(m_engine, ProtocolStep::GetB, &m_b, b); });
     }
     template <class Visit>
     void ForEach(Visit visit) const {
@@ -111,15 +115,15 @@ private:
 class ProtocolSource final : public HostDispatch<IProtocolSource> {
 public:
     /// The description must outlive the chain.
-    ProtocolSource(Journal& journal, const EngineDescription& engine, LONG ecmId)
-        : HostDispatch(journal, "ProtocolSource"), m_engine(engine), m_ecmId(ecmId), m_a(journal, engine) {}
+    ProtocolSource(CallGate& gate, const EngineDescription& engine, LONG ecmId)
+        : HostDispatch(gate, service::ProtocolSource), m_engine(engine), m_ecmId(ecmId), m_a(gate, engine) {}
 
-    HRESULT STDMETHODCALLTYPE Reserved7() override { return Refuse("Reserved7"); }
-    HRESULT STDMETHODCALLTYPE Reserved8() override { return Refuse("Reserved8"); }
+    HRESULT STDMETHODCALLTYPE Reserved7() override { return NotImplemented("Reserved7"); }
+    HRESULT STDMETHODCALLTYPE Reserved8() override { return NotImplemented("Reserved8"); }
     /// HRESULT_FROM_WIN32(ERROR_NOT_FOUND) for another control module.
     HRESULT STDMETHODCALLTYPE GetA(LONG ecmId, IProtocolSourceA** a) override {
-        return Answer("GetA", [&](Record& record) {
-            record.Add("ecmId", std::int64_t{ecmId});
+        return Perform(operation::GetA, [&](Record& record) {
+            record.Add(argument::ecmId, std::int64_t{ecmId});
             return HandOutStep(m_engine, ProtocolStep::GetA, ecmId == m_ecmId ? &m_a : nullptr, a);
         });
     }

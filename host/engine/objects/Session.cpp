@@ -1,11 +1,12 @@
 #include "host/engine/objects/Session.h"
 
 #include "host/object/HandOut.h"
+#include "host/record/Vocabulary.h"
 
 namespace vant::host {
 
 HRESULT Session::Register(LONG* handle) {
-    return Answer("Register", [&](Record& record) -> HRESULT {
+    return Perform(operation::Register, [&](Record& record) -> HRESULT {
         if (!handle)
             return E_POINTER;
         {
@@ -13,15 +14,15 @@ HRESULT Session::Register(LONG* handle) {
             m_handles.insert(m_lastHandle + 1);
             *handle = ++m_lastHandle;
         }
-        record.Add("handle", std::int64_t{*handle});
+        record.Add(argument::handle, std::int64_t{*handle});
         return S_OK;
     });
 }
 
 HRESULT Session::ReadParameter(LONG id, LONG kind, IECMSessionItem** item) {
-    return Answer("ReadParameter", [&](Record& record) -> HRESULT {
-        record.Add("id", std::int64_t{id});
-        record.Add("kind", std::int64_t{kind});
+    return Perform(operation::ReadParameter, [&](Record& record) -> HRESULT {
+        record.Add(argument::id, std::int64_t{id});
+        record.Add(argument::kind, std::int64_t{kind});
         if (!item)
             return E_POINTER;
         *item = nullptr;

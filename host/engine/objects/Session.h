@@ -3,6 +3,7 @@
 #include "ecm/interfaces/EngineData.h"
 #include "host/engine/objects/SessionItem.h"
 #include "host/object/HostObject.h"
+#include "host/record/Vocabulary.h"
 
 #include <map>
 #include <memory>
@@ -18,13 +19,13 @@ public:
     /// By the parameters' ids. They must outlive the session.
     using Items = std::map<std::string, std::unique_ptr<SessionItem>>;
 
-    Session(Journal& journal, const Items& items) : HostDispatch(journal, "Session"), m_items(items) {}
+    Session(CallGate& gate, const Items& items) : HostDispatch(gate, service::Session), m_items(items) {}
 
     /// Gives handles from 1 upwards.
     HRESULT STDMETHODCALLTYPE Register(LONG* handle) override;
-    HRESULT STDMETHODCALLTYPE Reserved8() override { return Refuse("Reserved8"); }
-    HRESULT STDMETHODCALLTYPE Reserved9() override { return Refuse("Reserved9"); }
-    HRESULT STDMETHODCALLTYPE Reserved10() override { return Refuse("Reserved10"); }
+    HRESULT STDMETHODCALLTYPE Reserved8() override { return NotImplemented("Reserved8"); }
+    HRESULT STDMETHODCALLTYPE Reserved9() override { return NotImplemented("Reserved9"); }
+    HRESULT STDMETHODCALLTYPE Reserved10() override { return NotImplemented("Reserved10"); }
     /// E_UNEXPECTED while no handle is open; E_INVALIDARG for another kind than 1;
     /// HRESULT_FROM_WIN32(ERROR_NOT_FOUND) for a parameter that does not exist.
     HRESULT STDMETHODCALLTYPE ReadParameter(LONG id, LONG kind, IECMSessionItem** item) override;

@@ -3,6 +3,7 @@
 #include "ecm/interfaces/EngineData.h"
 #include "host/engine/objects/EngineAccess.h"
 #include "host/object/HostObject.h"
+#include "host/record/Vocabulary.h"
 
 #include <string>
 #include <utility>
@@ -13,17 +14,17 @@ namespace vant::host {
 class SessionItem final : public HostDispatch<IECMSessionItem> {
 public:
     /// The engine must outlive the object and have the parameter.
-    SessionItem(Journal& journal, const Engine& engine, std::string id)
-        : HostDispatch(journal, "SessionItem"), m_engine(engine), m_id(std::move(id)) {}
+    SessionItem(CallGate& gate, const Engine& engine, std::string id)
+        : HostDispatch(gate, service::SessionItem), m_engine(engine), m_id(std::move(id)) {}
 
-    HRESULT STDMETHODCALLTYPE Reserved7() override { return Refuse("Reserved7"); }
-    HRESULT STDMETHODCALLTYPE Reserved8() override { return Refuse("Reserved8"); }
-    HRESULT STDMETHODCALLTYPE Reserved9() override { return Refuse("Reserved9"); }
-    HRESULT STDMETHODCALLTYPE Reserved10() override { return Refuse("Reserved10"); }
-    HRESULT STDMETHODCALLTYPE Reserved11() override { return Refuse("Reserved11"); }
+    HRESULT STDMETHODCALLTYPE Reserved7() override { return NotImplemented("Reserved7"); }
+    HRESULT STDMETHODCALLTYPE Reserved8() override { return NotImplemented("Reserved8"); }
+    HRESULT STDMETHODCALLTYPE Reserved9() override { return NotImplemented("Reserved9"); }
+    HRESULT STDMETHODCALLTYPE Reserved10() override { return NotImplemented("Reserved10"); }
+    HRESULT STDMETHODCALLTYPE Reserved11() override { return NotImplemented("Reserved11"); }
     HRESULT STDMETHODCALLTYPE get_Value(VARIANT* value) override {
-        return Answer("get_Value", [&](Record& record) {
-            record.Add("id", m_id);
+        return Perform(operation::get_Value, [&](Record& record) {
+            record.Add(argument::id, m_id);
             return HandOutValue(m_engine, m_id, record, value);
         });
     }

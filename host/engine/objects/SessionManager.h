@@ -4,6 +4,7 @@
 #include "host/engine/objects/Directory.h"
 #include "host/engine/objects/ProtocolSource.h"
 #include "host/object/HostObject.h"
+#include "host/record/Vocabulary.h"
 
 namespace vant::host {
 
@@ -11,21 +12,21 @@ namespace vant::host {
 class SessionManager final : public HostDispatch<IECMSessionManager> {
 public:
     /// All must outlive the manager. `identity` answers for every interface but its own.
-    SessionManager(Journal& journal, const EngineDescription& engine, IUnknown& identity,
-                   Directory& directory, ProtocolSource& source)
-        : HostDispatch(journal, "SessionManager"), m_engine(engine), m_identity(identity),
+    SessionManager(CallGate& gate, const EngineDescription& engine, IUnknown& identity, Directory& directory,
+                   ProtocolSource& source)
+        : HostDispatch(gate, service::SessionManager), m_engine(engine), m_identity(identity),
           m_directory(directory), m_source(source) {}
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override {
         return m_identity.QueryInterface(iid, out);
     }
-    HRESULT STDMETHODCALLTYPE Reserved7() override { return Refuse("Reserved7"); }
-    HRESULT STDMETHODCALLTYPE Reserved8() override { return Refuse("Reserved8"); }
+    HRESULT STDMETHODCALLTYPE Reserved7() override { return NotImplemented("Reserved7"); }
+    HRESULT STDMETHODCALLTYPE Reserved8() override { return NotImplemented("Reserved8"); }
     HRESULT STDMETHODCALLTYPE GetDirectory(IECMDirectory** directory) override {
-        return Answer("GetDirectory", [&](Record&) { return HandOut(&m_directory, directory); });
+        return Perform(operation::GetDirectory, [&](Record&) { return HandOut(&m_directory, directory); });
     }
     HRESULT STDMETHODCALLTYPE GetProtocolSource(IProtocolSource** source) override {
-        return Answer("GetProtocolSource", [&](Record&) {
+        return Perform(operation::GetProtocolSource, [&](Record&) {
             return HandOutStep(m_engine, ProtocolStep::GetProtocolSource, &m_source, source);
         });
     }

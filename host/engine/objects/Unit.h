@@ -3,6 +3,7 @@
 #include "ecm/interfaces/EngineData.h"
 #include "host/object/HandOut.h"
 #include "host/object/HostObject.h"
+#include "host/record/Vocabulary.h"
 
 #include <string>
 #include <utility>
@@ -11,12 +12,12 @@ namespace vant::host {
 
 class Unit final : public HostDispatch<IUnit> {
 public:
-    Unit(Journal& journal, std::string text) : HostDispatch(journal, "Unit"), m_text(std::move(text)) {}
+    Unit(CallGate& gate, std::string text) : HostDispatch(gate, service::Unit), m_text(std::move(text)) {}
 
-    HRESULT STDMETHODCALLTYPE Reserved7() override { return Refuse("Reserved7"); }
+    HRESULT STDMETHODCALLTYPE Reserved7() override { return NotImplemented("Reserved7"); }
     HRESULT STDMETHODCALLTYPE get_Text(BSTR* text) override {
-        return Answer("get_Text", [&](Record& record) {
-            record.Add("value", m_text);
+        return Perform(operation::get_Text, [&](Record& record) {
+            record.Add(argument::value, m_text);
             return HandOutText(m_text, text);
         });
     }

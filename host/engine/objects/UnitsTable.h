@@ -4,6 +4,7 @@
 #include "host/engine/objects/Unit.h"
 #include "host/object/HandOut.h"
 #include "host/object/HostObject.h"
+#include "host/record/Vocabulary.h"
 
 #include <map>
 #include <memory>
@@ -14,17 +15,17 @@ namespace vant::host {
 class UnitsTable final : public HostDispatch<IUnitsTable> {
 public:
     /// `units`: texts by their keys.
-    UnitsTable(Journal& journal, const std::map<std::string, std::string>& units)
-        : HostDispatch(journal, "UnitsTable") {
+    UnitsTable(CallGate& gate, const std::map<std::string, std::string>& units)
+        : HostDispatch(gate, service::UnitsTable) {
         for (const auto& [key, text] : units)
-            m_units.emplace(key, std::make_unique<Unit>(journal, text));
+            m_units.emplace(key, std::make_unique<Unit>(gate, text));
     }
 
     /// HRESULT_FROM_WIN32(ERROR_NOT_FOUND) for a key that does not exist.
     HRESULT STDMETHODCALLTYPE GetUnit(BSTR unitsKey, IUnit** unit) override {
-        return Answer("GetUnit", [&](Record& record) {
+        return Perform(operation::GetUnit, [&](Record& record) {
             const std::string key = ToUtf8(TextOf(unitsKey));
-            record.Add("unitsKey", key);
+            record.Add(argument::unitsKey, key);
             const auto found = m_units.find(key);
             return HandOut(found == m_units.end() ? nullptr : found->second.get(), unit);
         });

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/runner/Module.h"
+#include "host/runner/LoadedModule.h"
 #include "platform/Process.h"
 
 namespace vant::test {

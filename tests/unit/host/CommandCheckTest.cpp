@@ -1,6 +1,7 @@
 #include "host/runner/CommandCheck.h"
 
 #include "host/procedure/ProcedureReader.h"
+#include "host/runner/LoadedModule.h"
 #include "tests/unit/host/BuiltModule.h"
 #include "tests/unit/host/ScriptedFactory.h"
 
@@ -11,7 +12,7 @@ namespace vant::host {
 namespace {
 
 TEST(CommandCheck, CommandsOfTheBuiltModule_AreAccepted) {
-    const Module module(test::BuiltModuleFile());
+    const LoadedModule module(test::BuiltModuleFile());
     Diagnostics found;
     const Procedure procedure =
         ReadProcedure("name = 'n'\nstart = 's'\n[steps]\ns = { end = 'passed' }\n[commands.c]\n"
@@ -24,7 +25,7 @@ TEST(CommandCheck, CommandsOfTheBuiltModule_AreAccepted) {
 }
 
 TEST(CommandCheck, IncompleteSet_IsRefusedByTheBuiltModule) {
-    const Module module(test::BuiltModuleFile());
+    const LoadedModule module(test::BuiltModuleFile());
     Procedure procedure;
     procedure.commands["c"] = {{5, 11}, {"Calculator", {6, 9}}, {{{"sourceA", {}}, {"1", {}}}}};
     Diagnostics found;

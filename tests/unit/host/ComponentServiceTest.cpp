@@ -13,13 +13,15 @@ HRESULT Set(ComponentService& service, const wchar_t* component, const wchar_t* 
 
 TEST(ComponentService, WithoutComponents_AcceptsEveryOne) {
     Journal journal;
-    ComponentService service(journal);
+    CallGate gate{journal};
+    ComponentService service(gate);
     EXPECT_EQ(Set(service, L"any", L"thing"), S_OK);
 }
 
 TEST(ComponentService, WithComponents_RefusesOthersAndUnknownProperties) {
     Journal journal;
-    ComponentService service(journal, {{"gauge", {"text"}}, {"lamp", {}}});
+    CallGate gate{journal};
+    ComponentService service(gate, {{"gauge", {"text"}}, {"lamp", {}}});
     EXPECT_EQ(Set(service, L"gauge", L"text"), S_OK);
     EXPECT_EQ(Set(service, L"gauge", L"value"), HRESULT_FROM_WIN32(ERROR_NOT_FOUND));
     EXPECT_EQ(Set(service, L"lamp", L"anything"), S_OK);

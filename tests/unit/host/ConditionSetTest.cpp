@@ -1,6 +1,7 @@
 #include "host/conditions/ConditionSet.h"
 
 #include "host/record/Json.h"
+#include "host/record/Vocabulary.h"
 #include "host/services/Services.h"
 
 #include <gtest/gtest.h>
@@ -35,8 +36,8 @@ protected:
 
     HRESULT Evaluate(std::vector<Condition> conditions, bool& allMet) {
         services.emplace(
-            journal, [](const std::string&) { return S_OK; }, description, Components(),
-            ConditionSets{{"set", std::move(conditions)}});
+            journal, [](const std::string&) { return S_OK; }, PersistentThreads::EndObserver(), description,
+            Components(), ConditionSets{{"set", std::move(conditions)}});
         services->data.Set(L"text", CComVariant(CComBSTR(L" 12.5 ")));
         services->data.Set(L"word", CComVariant(CComBSTR(L"warm")));
         services->data.Set(L"number", CComVariant(12.5));
@@ -163,7 +164,7 @@ TEST_F(ConditionSetTest, DataStore_HoldsTheSetUntilItIsCleared) {
     CComVariant entry;
     ASSERT_EQ(services->dataStore.GetValue(CComBSTR(L"set").Get(), &entry), S_OK);
     ASSERT_EQ(entry.Get().vt, VT_UNKNOWN);
-    EXPECT_EQ(records.back().Text("value"), "(object)");
+    EXPECT_EQ(records.back().Text(argument::value), "(object)");
     CComPtr<IConditionSet> set;
     EXPECT_EQ(CComPtr<IUnknown>(UnknownMember(entry.Get())).QueryInterface(&set), S_OK);
     set.Release();

@@ -217,6 +217,15 @@ TEST_F(EngineBehaviourTest, FailingRead_IsTheOneOfItsNumber) {
     EXPECT_EQ(NumberAt(0, "a"), 4.0) << "the value of the failed read is gone";
 }
 
+TEST_F(EngineBehaviourTest, ReadsThatFail_CountToo) {
+    Start("[parameters.a]\nvalue = 0\nfails = { from = 0, until = 1, read = 3 }\n"
+          "behaviour.sequence = [1, 2, 3, 4]\n");
+    EXPECT_EQ(CodeAt(0, "a"), HRESULT_FROM_WIN32(ERROR_READ_FAULT));
+    EXPECT_EQ(CodeAt(500, "a"), HRESULT_FROM_WIN32(ERROR_READ_FAULT));
+    EXPECT_EQ(CodeAt(1000, "a"), HRESULT_FROM_WIN32(ERROR_READ_FAULT));
+    EXPECT_EQ(NumberAt(1000, "a"), 4.0);
+}
+
 TEST_F(EngineBehaviourTest, Noise_StaysWithinItsAmplitudeAndMoves) {
     Start("seed = 3\n[parameters.a]\nvalue = 800.0\nbehaviour.noise = 8\n");
     double least = 900;

@@ -35,7 +35,8 @@ protected:
     Services& Host() {
         if (!services)
             services.emplace(
-                journal, [](const std::string&) { return S_OK; }, description);
+                journal, [](const std::string&) { return S_OK; }, PersistentThreads::EndObserver(),
+                description);
         return *services;
     }
 
@@ -257,6 +258,19 @@ TEST_F(EngineObjectsTest, ConnectionWithoutDigits_BelongsToControlModule0) {
     description.connection = "main";
     LONG kind = -1;
     EXPECT_EQ(WalkProtocolChain(0, kind), S_OK);
+}
+
+TEST_F(EngineObjectsTest, ConnectionNumberBeyond32Bits_IsClamped) {
+    constexpr LONG greatest = 2147483647;
+    for (const auto& [connection, number] : {std::pair<const char*, LONG>{"2147483648", greatest},
+                                             {"99999999999999999999 main", greatest},
+                                             {"-2147483649", -greatest - 1},
+                                             {"-99999999999999999999", -greatest - 1}}) {
+        services.reset();
+        description.connection = connection;
+        LONG kind = -1;
+        EXPECT_EQ(WalkProtocolChain(number, kind), S_OK) << connection;
+    }
 }
 
 TEST_F(EngineObjectsTest, Session_ReadsParametersWhileAHandleIsOpen) {

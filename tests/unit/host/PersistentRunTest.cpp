@@ -2,6 +2,7 @@
 
 #include "host/procedure/ProcedureReader.h"
 #include "host/record/Json.h"
+#include "host/record/Vocabulary.h"
 #include "host/runner/Runner.h"
 #include "tests/support/VirtualTime.h"
 #include "tests/unit/host/BuiltModule.h"
@@ -89,7 +90,7 @@ struct Outcome {
     }
     std::int64_t TimeOfStep(const std::string& step) const {
         const auto found = std::find_if(records.begin(), records.end(), [&](const Record& record) {
-            return record.operation == "StepEntered" && record.Text("step") == step;
+            return record.operation == event::StepEntered && record.Text(argument::step) == step;
         });
         EXPECT_NE(found, records.end()) << step;
         return found == records.end() ? -1 : found->time;
@@ -103,7 +104,7 @@ Outcome RunSteps(const std::string& steps) {
     const Procedure procedure = ReadProcedure(head + steps, found);
     EXPECT_FALSE(found.HasErrors()) << found.Sorted().front().Text("f");
     const test::VirtualTime time;
-    const Module module(test::BuiltModuleFile());
+    const LoadedModule module(test::BuiltModuleFile());
     {
         Journal journal;
         journal.Observe([&](const Record& record) { outcome.records.push_back(record); });
@@ -120,42 +121,42 @@ Outcome RunSteps(const std::string& steps) {
 TEST(PersistentRun, StepWithoutWait_GoesOnAtOnceAndTheEndStopsWhatRuns) {
     const Outcome outcome = RunSteps("[steps.s]\nrun = ['long', 'show']\nnext = 'good'\n");
     EXPECT_EQ(outcome.verdict, Verdict::Passed);
-    EXPECT_EQ(outcome.TimeOf("ThreadEnded", "long"), 0);
-    EXPECT_EQ(outcome.TimeOf("ThreadEnded", "show"), 0);
-    EXPECT_EQ(outcome.records.back().operation, "ProcedureEnded");
+    EXPECT_EQ(outcome.TimeOf(event::ThreadEnded, "long"), 0);
+    EXPECT_EQ(outcome.TimeOf(event::ThreadEnded, "show"), 0);
+    EXPECT_EQ(outcome.records.back().operation, event::ProcedureEnded);
 }
 
 TEST(PersistentRun, WaitForATransition_EndsWithTheChoiceWhileOthersRunOn) {
     const Outcome outcome =
         RunSteps("[steps.s]\nrun = ['long', 'choosing']\nwait = 'transition'\nnext = 'bad'\n");
     EXPECT_EQ(outcome.verdict, Verdict::Passed);
-    EXPECT_EQ(outcome.TimeOf("TransitionFollowed"), 900);
+    EXPECT_EQ(outcome.TimeOf(event::TransitionFollowed), 900);
 }
 
 TEST(PersistentRun, WaitForATransition_EndsWithTheLastPersistentCommand) {
     const Outcome outcome =
         RunSteps("[steps.s]\nrun = ['short', 'sample']\nwait = 'transition'\nnext = 'good'\n");
     EXPECT_EQ(outcome.verdict, Verdict::Passed);
-    EXPECT_EQ(outcome.TimeOf("TransitionFollowed"), 3000);
+    EXPECT_EQ(outcome.TimeOf(event::TransitionFollowed), 3000);
 }
 
 TEST(PersistentRun, WaitForATransition_IsOverAtOnceWhereNothingRuns) {
     const Outcome outcome = RunSteps("[steps.s]\nrun = ['note']\nwait = 'transition'\nnext = 'good'\n");
-    EXPECT_EQ(outcome.TimeOf("TransitionFollowed"), 0);
+    EXPECT_EQ(outcome.TimeOf(event::TransitionFollowed), 0);
 }
 
 TEST(PersistentRun, WaitForTheEnd_WaitsForTheCommandsOfThisStepAlone) {
     const Outcome outcome = RunSteps("[steps.s]\nrun = ['long']\nnext = 't'\n"
                                      "[steps.t]\nrun = ['short', 'sample']\nwait = 'end'\nnext = 'good'\n");
     EXPECT_EQ(outcome.TimeOfStep("good"), 3000);
-    EXPECT_EQ(outcome.TimeOf("ThreadEnded", "long"), 3000);
+    EXPECT_EQ(outcome.TimeOf(event::ThreadEnded, "long"), 3000);
 }
 
 TEST(PersistentRun, WaitForTheEnd_FollowsAChoiceAfterwards) {
     const Outcome outcome = RunSteps("[steps.s]\nrun = ['short', 'choosing']\nwait = 'end'\nnext = 'bad'\n");
     EXPECT_EQ(outcome.verdict, Verdict::Passed);
-    EXPECT_EQ(outcome.TimeOf("SetTransition"), 900);
-    EXPECT_EQ(outcome.TimeOf("TransitionFollowed"), 3000);
+    EXPECT_EQ(outcome.TimeOf(operation::SetTransition), 900);
+    EXPECT_EQ(outcome.TimeOf(event::TransitionFollowed), 3000);
 }
 
 TEST(PersistentRun, FailedCommand_EndsTheStepWithoutWaiting) {
@@ -163,7 +164,7 @@ TEST(PersistentRun, FailedCommand_EndsTheStepWithoutWaiting) {
         const Outcome outcome = RunSteps(std::string("[steps.s]\nrun = ['long', 'fail']\nwait = '") + wait +
                                          "'\nnext = 'bad'\nfailed = 'good'\n");
         EXPECT_EQ(outcome.verdict, Verdict::Passed);
-        EXPECT_EQ(outcome.TimeOf("TransitionFollowed"), 0);
+        EXPECT_EQ(outcome.TimeOf(event::TransitionFollowed), 0);
     }
 }
 
@@ -171,15 +172,15 @@ TEST(PersistentRun, MonitorOfConditions_ChoosesAndStopsItself) {
     const Outcome outcome = RunSteps("[steps.s]\nrun = ['long', 'guard']\nwait = 'transition'\nnext = 'bad'\n"
                                      "on = { tripped = 'good' }\n");
     EXPECT_EQ(outcome.verdict, Verdict::Passed);
-    EXPECT_EQ(outcome.TimeOf("PersistentCommandStopped"), 8000);
-    EXPECT_EQ(outcome.TimeOf("ThreadEnded", "guard"), 8000);
+    EXPECT_EQ(outcome.TimeOf(operation::PersistentCommandStopped), 8000);
+    EXPECT_EQ(outcome.TimeOf(event::ThreadEnded, "guard"), 8000);
 }
 
 TEST(PersistentRun, TerminatedCommand_RunsNoLonger) {
     const Outcome outcome = RunSteps("[steps.s]\nrun = ['long', 'endLong']\nwait = 'end'\nnext = 'good'\n");
     EXPECT_EQ(outcome.verdict, Verdict::Passed);
-    EXPECT_EQ(outcome.TimeOf("TerminateCommand"), 0);
-    EXPECT_EQ(outcome.TimeOf("ThreadEnded", "long"), 0);
+    EXPECT_EQ(outcome.TimeOf(operation::TerminateCommand), 0);
+    EXPECT_EQ(outcome.TimeOf(event::ThreadEnded, "long"), 0);
 }
 
 TEST(PersistentRun, AbortWhileTheStepWaits_StopsEveryCommandAndCompletesTheJournal) {
@@ -188,20 +189,76 @@ TEST(PersistentRun, AbortWhileTheStepWaits_StopsEveryCommandAndCompletesTheJourn
         std::string(head) + "[steps.s]\nrun = ['long', 'show', 'guard']\nwait = 'end'\nnext = 'bad'\n",
         found);
     const test::VirtualTime time;
-    const Module module(test::BuiltModuleFile());
+    const LoadedModule module(test::BuiltModuleFile());
     Journal journal;
     Runner runner(procedure, module, journal);
     std::vector<std::string> ended;
     journal.Observe([&](const Record& record) {
-        if (record.operation == "ThreadEnded")
+        if (record.operation == event::ThreadEnded)
             ended.push_back(record.command);
-        if (record.operation == "SetComponentProperty" && record.time == 1000)
+        if (record.operation == operation::SetComponentProperty && record.time == 1000)
             runner.Abort();
     });
     EXPECT_EQ(runner.Run(), Verdict::Aborted);
     std::sort(ended.begin(), ended.end());
     EXPECT_EQ(ended, (std::vector<std::string>{"guard", "long", "show"}));
     EXPECT_TRUE(runner.StillHeld().empty());
+}
+
+TEST(PersistentRun, AbortWhileTheRunnersThreadAdjusts_EndsWithTheNextWrite) {
+    Diagnostics found;
+    const Procedure procedure = ReadProcedure(R"(
+name = 'n'
+start = 's'
+[engine.parameters."110142"]
+value = 0
+max = 100
+[engine.parameters."101000"]
+value = 800
+[engine.parameters."199236"]
+value = 8
+[commands.adjust]
+class = 'SampledThrottleAdjuster'
+properties = { successTransition = 'bad', failTransition = 'bad' }
+[steps.s]
+run = ['adjust']
+next = 'bad'
+[steps.bad]
+end = 'failed'
+)",
+                                              found);
+    ASSERT_FALSE(found.HasErrors());
+    const test::VirtualTime time;
+    const LoadedModule module(test::BuiltModuleFile());
+    Journal journal;
+    Runner runner(procedure, module, journal);
+    std::vector<HRESULT> writes;
+    journal.Observe([&](const Record& record) {
+        if (record.operation != operation::SetParameter)
+            return;
+        writes.push_back(*record.result);
+        if (writes.size() == 3)
+            runner.Abort();
+    });
+    EXPECT_EQ(runner.Run(), Verdict::Aborted);
+    EXPECT_EQ(writes, (std::vector<HRESULT>{S_OK, S_OK, S_OK, E_ABORT}));
+}
+
+TEST(PersistentRun, TimerThatRunsItself_EndsAtTheLimits) {
+    const Outcome outcome =
+        RunSteps("[commands.self]\nclass = 'Timer'\n"
+                 "properties = { length = '1', dsBase = 'left', tickCommandID = 'self' }\n"
+                 "[steps.s]\nrun = ['self']\nwait = 'end'\nnext = 'good'\n");
+    EXPECT_EQ(outcome.verdict, Verdict::Passed);
+    const auto refusals = [&](const char* operation, HRESULT code) {
+        return std::count_if(outcome.records.begin(), outcome.records.end(), [&](const Record& record) {
+            return record.operation == operation && record.result == code;
+        });
+    };
+    EXPECT_GT(refusals(operation::RunCommandFromThread, HRESULT_FROM_WIN32(ERROR_STACK_OVERFLOW)), 0);
+    EXPECT_GT(refusals(operation::RegisterCallback, HRESULT_FROM_WIN32(ERROR_MAX_THRDS_REACHED)), 0);
+    // Of sixteen generations the last begins fifteen seconds after the first at most, and takes two seconds.
+    EXPECT_EQ(outcome.TimeOf(event::ProcedureEnded), 17000);
 }
 
 /// The built module, but one class breaks down.
@@ -215,7 +272,7 @@ public:
     bool CanUnload() const override { return m_module.CanUnload(); }
 
 private:
-    const Module m_module{test::BuiltModuleFile()};
+    const LoadedModule m_module{test::BuiltModuleFile()};
 };
 
 TEST(PersistentRun, RunThatBreaksOff_HasStoppedEveryCommand) {
@@ -227,7 +284,7 @@ TEST(PersistentRun, RunThatBreaksOff_HasStoppedEveryCommand) {
     Journal journal;
     std::vector<std::string> ended;
     journal.Observe([&](const Record& record) {
-        if (record.operation == "ThreadEnded")
+        if (record.operation == event::ThreadEnded)
             ended.push_back(record.command);
     });
     Runner runner(procedure, factory, journal);

@@ -1,5 +1,6 @@
 #include "framework/DispatchImpl.h"
 #include "host/record/CallScope.h"
+#include "host/record/Vocabulary.h"
 #include "host/services/Services.h"
 #include "platform/ComObject.h"
 
@@ -59,6 +60,13 @@ CComPtr<Object> Make() {
     return CComPtr<Object>(created);
 }
 
+struct EndedThread {
+    std::uint32_t cookie;
+    HRESULT result;
+    std::string thread;
+    std::string command;
+};
+
 class PersistentThreadsTest : public ::testing::Test {
 protected:
     PersistentThreadsTest() {
@@ -88,7 +96,11 @@ protected:
 
     std::vector<Record> records;
     Journal journal{[] { return std::int64_t{0}; }};
-    Services services{journal, [](const std::string&) { return S_OK; }};
+    std::vector<EndedThread> ended; ///< In the order in which they ended, as their observer saw them.
+    Services services{journal, [](const std::string&) { return S_OK; },
+                      [this](std::uint32_t endedCookie, HRESULT result) {
+                          ended.push_back({endedCookie, result, CurrentThread(), CurrentCommand()});
+                      }};
     std::uint32_t cookie = 0;
 };
 
@@ -110,13 +122,11 @@ TEST_F(PersistentThreadsTest, Callback_RunsOnceOnAThreadOfItsOwnUnderItsNameAndC
     EXPECT_EQ(runs, 1);
     EXPECT_EQ(where, "Worker 1/watch");
     EXPECT_NE(thread, std::this_thread::get_id());
-    const Record* const ended = Find("ThreadEnded");
-    ASSERT_NE(ended, nullptr);
-    EXPECT_EQ(ended->service, "Runner");
-    EXPECT_EQ(ended->thread, "Worker 1");
-    EXPECT_EQ(ended->command, "watch");
-    EXPECT_EQ(*ended->Find("cookie"), Value(std::int64_t{1}));
-    EXPECT_EQ(ended->result, E_FAIL);
+    ASSERT_EQ(ended.size(), 1U);
+    EXPECT_EQ(ended[0].cookie, 1U);
+    EXPECT_EQ(ended[0].result, E_FAIL);
+    EXPECT_EQ(ended[0].thread, "Worker 1");
+    EXPECT_EQ(ended[0].command, "watch");
 }
 
 TEST_F(PersistentThreadsTest, NullPointers_AreRefused) {
@@ -149,15 +159,58 @@ TEST_F(PersistentThreadsTest, Operation11_TellsWhetherTheThreadRuns) {
 
 TEST_F(PersistentThreadsTest, CookieOfAnEndedThread_LastsUntilItIsUnregistered) {
     ASSERT_EQ(Register([] {}), S_OK);
-    const std::uint32_t ended = cookie;
-    EXPECT_EQ(services.threadService.Operation12(ended), S_OK);
+    const std::uint32_t first = cookie;
+    EXPECT_EQ(services.threadService.Operation12(first), S_OK);
     ASSERT_EQ(Register([] {}), S_OK); // What was kept for the ended thread goes.
-    EXPECT_EQ(services.threadService.Operation11(ended), S_FALSE);
-    EXPECT_EQ(services.threadService.Operation12(ended), S_OK);
-    EXPECT_EQ(services.threadService.UnregisterCallback(ended), S_OK);
-    EXPECT_EQ(services.threadService.UnregisterCallback(ended), HRESULT_FROM_WIN32(ERROR_NOT_FOUND));
-    EXPECT_EQ(services.threadService.Operation11(ended), HRESULT_FROM_WIN32(ERROR_NOT_FOUND));
-    EXPECT_EQ(services.threadService.Operation12(ended), HRESULT_FROM_WIN32(ERROR_NOT_FOUND));
+    EXPECT_EQ(services.threadService.Operation11(first), S_FALSE);
+    EXPECT_EQ(services.threadService.Operation12(first), S_OK);
+    EXPECT_EQ(services.threadService.UnregisterCallback(first), S_OK);
+    EXPECT_EQ(services.threadService.UnregisterCallback(first), HRESULT_FROM_WIN32(ERROR_NOT_FOUND));
+    EXPECT_EQ(services.threadService.Operation11(first), HRESULT_FROM_WIN32(ERROR_NOT_FOUND));
+    EXPECT_EQ(services.threadService.Operation12(first), HRESULT_FROM_WIN32(ERROR_NOT_FOUND));
+}
+
+TEST_F(PersistentThreadsTest, CookieThatWasForgotten_StaysUnknownOnceItsThreadHasEnded) {
+    const CComPtr<Stoppable> command = RegisterStoppable("watch");
+    const std::uint32_t forgotten = cookie;
+    ASSERT_EQ(services.threadService.UnregisterCallback(forgotten), S_OK);
+    command->stopped.Set();
+    while (services.persistentThreads.IsAnyRunning())
+        std::this_thread::yield();
+    EXPECT_EQ(services.threadService.Operation11(forgotten), HRESULT_FROM_WIN32(ERROR_NOT_FOUND));
+    ASSERT_EQ(Register([] {}), S_OK); // Joins the ended thread.
+    EXPECT_EQ(services.threadService.Operation11(forgotten), HRESULT_FROM_WIN32(ERROR_NOT_FOUND));
+    EXPECT_EQ(services.threadService.UnregisterCallback(forgotten), HRESULT_FROM_WIN32(ERROR_NOT_FOUND));
+}
+
+TEST_F(PersistentThreadsTest, Thread_IsOneLevelDeeperThanTheCommandThatStartsIt) {
+    std::size_t ofThread = 0;
+    std::size_t ofItsThread = 0;
+    {
+        const CommandScope outer("outer");
+        const CommandScope inner("inner");
+        ASSERT_EQ(Register([&] {
+                      ofThread = CommandDepth();
+                      Register([&] { ofItsThread = CommandDepth(); });
+                  }),
+                  S_OK);
+    }
+    EXPECT_EQ(services.threadService.Operation12(1), S_OK);
+    EXPECT_EQ(services.threadService.Operation12(2), S_OK);
+    EXPECT_EQ(ofThread, 3U);
+    EXPECT_EQ(ofItsThread, 4U);
+}
+
+TEST_F(PersistentThreadsTest, OneThreadMoreThanTheLimit_IsRefusedUntilOneHasEnded) {
+    const CComPtr<Stoppable> first = RegisterStoppable("first");
+    std::vector<CComPtr<Stoppable>> others;
+    while (others.size() + 1 < maxLiveThreads)
+        others.push_back(RegisterStoppable("other"));
+    EXPECT_EQ(Register([] {}), HRESULT_FROM_WIN32(ERROR_MAX_THRDS_REACHED));
+    first->stopped.Set();
+    EXPECT_EQ(services.threadService.Operation12(1), S_OK);
+    EXPECT_EQ(Register([] {}), S_OK);
+    EXPECT_EQ(cookie, maxLiveThreads + 1);
 }
 
 TEST_F(PersistentThreadsTest, Operation12OnItsOwnThread_IsRefused) {
@@ -181,7 +234,7 @@ TEST_F(PersistentThreadsTest, UnregisteredCookie_IsForgottenWhileItsThreadGoesOn
     EXPECT_EQ(services.threadService.Operation12(cookie), HRESULT_FROM_WIN32(ERROR_NOT_FOUND));
     EXPECT_TRUE(services.persistentThreads.IsAnyRunning());
     services.persistentThreads.End();
-    EXPECT_NE(Find("ThreadEnded"), nullptr);
+    EXPECT_EQ(ended.size(), 1U);
 }
 
 TEST_F(PersistentThreadsTest, Termination_StopsEveryRunningCommandOfThatIdAndNoOther) {
@@ -195,7 +248,7 @@ TEST_F(PersistentThreadsTest, Termination_StopsEveryRunningCommandOfThatIdAndNoO
     EXPECT_EQ(second->told, S_OK);
     EXPECT_EQ(services.threadService.Operation12(firstCookie), S_OK);
     EXPECT_EQ(services.threadService.Operation12(firstCookie + 1), S_OK);
-    EXPECT_EQ(Find("PersistentCommandStopped")->Text("commandId"), "watch");
+    EXPECT_EQ(Find(operation::PersistentCommandStopped)->Text(argument::commandId), "watch");
     EXPECT_EQ(services.threadService.Operation11(otherCookie), S_OK);
     EXPECT_EQ(services.controller.TerminateCommand(CComBSTR(L"watch").Get()),
               HRESULT_FROM_WIN32(ERROR_NOT_FOUND));
@@ -206,7 +259,7 @@ TEST_F(PersistentThreadsTest, CommandWhoseThreadEndsWhileItIsStopped_IsKnownToTh
     command->beforeTelling = [this] { EXPECT_EQ(services.threadService.Operation12(cookie), S_OK); };
     EXPECT_EQ(services.controller.TerminateCommand(CComBSTR(L"watch").Get()), S_OK);
     EXPECT_EQ(command->told, S_OK);
-    EXPECT_EQ(Find("PersistentCommandStopped")->Text("commandId"), "watch");
+    EXPECT_EQ(Find(operation::PersistentCommandStopped)->Text(argument::commandId), "watch");
     EXPECT_EQ(services.controller.PersistentCommandStopped(command.Get()),
               HRESULT_FROM_WIN32(ERROR_NOT_FOUND));
 }
@@ -225,6 +278,22 @@ TEST_F(PersistentThreadsTest, CommandThatCannotBeStopped_MakesTerminationFail) {
         ASSERT_EQ(Register([&] { end.Wait(INFINITE); }), S_OK);
     }
     EXPECT_EQ(services.controller.TerminateCommand(CComBSTR(L"plain").Get()), E_NOINTERFACE);
+    end.Set();
+    services.persistentThreads.End();
+}
+
+TEST_F(PersistentThreadsTest, CommandThatCannotBeStopped_LetsTheOthersOfItsIdBeStopped) {
+    Event end;
+    const auto registerPlain = [&] {
+        const CommandScope scope("watch", &services.service3);
+        ASSERT_EQ(Register([&] { end.Wait(INFINITE); }), S_OK);
+    };
+    const CComPtr<Stoppable> first = RegisterStoppable("watch");
+    registerPlain();
+    const CComPtr<Stoppable> last = RegisterStoppable("watch");
+    EXPECT_EQ(services.controller.TerminateCommand(CComBSTR(L"watch").Get()), E_NOINTERFACE);
+    EXPECT_EQ(first->told, S_OK);
+    EXPECT_EQ(last->told, S_OK);
     end.Set();
     services.persistentThreads.End();
 }

@@ -1,5 +1,7 @@
 #include "host/record/ResultReport.h"
 
+#include "host/record/Vocabulary.h"
+
 #include <gtest/gtest.h>
 
 namespace vant::host {
@@ -8,7 +10,7 @@ namespace {
 
 Record Event(const char* operation, std::vector<Argument> arguments) {
     Record record;
-    record.service = "Runner";
+    record.service = service::Runner;
     record.operation = operation;
     record.arguments = std::move(arguments);
     return record;
@@ -23,26 +25,28 @@ Record Call(const char* operation, std::vector<Argument> arguments, HRESULT resu
 
 TEST(ResultReport, IsMadeFromTheRunnersRecords) {
     ResultReport report;
-    report(Event("ProcedureStarted", {{"name", "Check"}}));
-    report(Event("StepEntered", {{"step", "measure"}}));
-    Record ended =
-        Event("CommandEnded", {{"class", "Calculator"}, {"caller", nullptr}, {"phase", "execute"}});
+    report(Event(event::ProcedureStarted, {{argument::name, "Check"}}));
+    report(Event(event::StepEntered, {{argument::step, "measure"}}));
+    Record ended = Event(
+        event::CommandEnded,
+        {{argument::className, "Calculator"}, {argument::caller, nullptr}, {argument::phase, "execute"}});
     ended.command = "drop";
     ended.result = E_FAIL;
     report(ended);
-    report(Call("ShowInstruction", {{"text", "Wait"}}, S_OK));
-    report(Call("ShowInstruction", {{"text", "Go on"}}, S_OK));
+    report(Call(operation::ShowInstruction, {{argument::text, "Wait"}}, S_OK));
+    report(Call(operation::ShowInstruction, {{argument::text, "Go on"}}, S_OK));
     const auto setNeedle = [&](const char* value, HRESULT result) {
-        report(Call("SetComponentProperty", {{"componentId", "gauge"}, {"name", "needle"}, {"value", value}},
+        report(Call(operation::SetComponentProperty,
+                    {{argument::componentId, "gauge"}, {argument::name, "needle"}, {argument::value, value}},
                     result));
     };
     setNeedle("1", S_OK);
     setNeedle("2", S_OK);
     setNeedle("refused", E_FAIL);
-    report(Event("TransitionFollowed", {{"from", "measure"}, {"to", "done"}}));
-    report(Event("StepEntered", {{"step", "done"}}));
-    report(Event("DataLeft", {{"name", "drop"}, {"value", "3"}}));
-    report(Event("ProcedureEnded", {{"verdict", "passed"}, {"reason", "step 'done'"}}));
+    report(Event(event::TransitionFollowed, {{argument::from, "measure"}, {argument::to, "done"}}));
+    report(Event(event::StepEntered, {{argument::step, "done"}}));
+    report(Event(event::DataLeft, {{argument::name, "drop"}, {argument::value, "3"}}));
+    report(Event(event::ProcedureEnded, {{argument::verdict, "passed"}, {argument::reason, "step 'done'"}}));
     EXPECT_EQ(report.Result().dump(),
               R"({"procedure":"Check","verdict":"passed","reason":"step 'done'","steps":[{"step":"measure",)"
               R"("commands":[{"command":"drop","class":"Calculator","caller":null,"phase":"execute",)"
@@ -54,8 +58,8 @@ TEST(ResultReport, IsMadeFromTheRunnersRecords) {
 TEST(ResultReport, OtherCallsOfCommands_AreNoPartOfIt) {
     ResultReport report;
     const Json before = report.Result();
-    Record call = Event("ProcedureEnded", {{"verdict", "passed"}});
-    call.service = "DataStore";
+    Record call = Event(event::ProcedureEnded, {{argument::verdict, "passed"}});
+    call.service = service::DataStore;
     report(call);
     EXPECT_EQ(report.Result(), before);
 }

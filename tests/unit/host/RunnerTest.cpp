@@ -3,6 +3,7 @@
 #include "host/procedure/ProcedureReader.h"
 #include "host/record/CallScope.h"
 #include "host/record/Json.h"
+#include "host/record/Vocabulary.h"
 #include "tests/unit/host/BuiltModule.h"
 #include "tests/unit/host/ScriptedFactory.h"
 
@@ -58,8 +59,8 @@ protected:
     std::vector<std::string> StepsEntered() const {
         std::vector<std::string> steps;
         for (const Record& record : records) {
-            if (record.operation == "StepEntered")
-                steps.push_back(record.Text("step"));
+            if (record.operation == event::StepEntered)
+                steps.push_back(record.Text(argument::step));
         }
         return steps;
     }
@@ -68,7 +69,7 @@ protected:
         EXPECT_EQ(std::count_if(records.begin(), records.end(), matches), 1) << operation;
         return *std::find_if(records.begin(), records.end(), matches);
     }
-    std::string Reason() const { return records.back().Text("reason"); }
+    std::string Reason() const { return records.back().Text(argument::reason); }
 
     std::vector<Record> records;
     std::vector<std::string> executed;
@@ -84,14 +85,14 @@ TEST_F(RunnerTest, Step_RunsItsCommandsInOrderAndLeadsToNext) {
               Verdict::Passed);
     EXPECT_EQ(executed, (Texts{"ok", "other", "ok"}));
     EXPECT_EQ(StepsEntered(), (Texts{"s", "good"}));
-    EXPECT_EQ(Only("TransitionFollowed").Text("key"), "next");
+    EXPECT_EQ(Only(event::TransitionFollowed).Text(argument::key), "next");
     EXPECT_EQ(Reason(), "step 'good'");
 }
 
 TEST_F(RunnerTest, EndFailed_IsTheVerdict) {
     EXPECT_EQ(Run("[steps.s]\nnext = 'bad'\n"), Verdict::Failed);
-    EXPECT_EQ(records.back().operation, "ProcedureEnded");
-    EXPECT_EQ(records.back().Text("verdict"), "failed");
+    EXPECT_EQ(records.back().operation, event::ProcedureEnded);
+    EXPECT_EQ(records.back().Text(argument::verdict), "failed");
 }
 
 TEST_F(RunnerTest, ChosenTransition_EndsTheStepAfterTheCommandAndBeatsNext) {
@@ -100,8 +101,8 @@ TEST_F(RunnerTest, ChosenTransition_EndsTheStepAfterTheCommandAndBeatsNext) {
                   "[steps.s]\nrun = ['choose', 'ok']\nnext = 'good'\non = { weak = 'bad' }\n"),
               Verdict::Failed);
     EXPECT_TRUE(executed.empty());
-    EXPECT_EQ(Only("TransitionFollowed").Text("key"), "on");
-    EXPECT_EQ(Only("TransitionFollowed").Text("transitionId"), "weak");
+    EXPECT_EQ(Only(event::TransitionFollowed).Text(argument::key), "on");
+    EXPECT_EQ(Only(event::TransitionFollowed).Text(argument::transitionId), "weak");
 }
 
 TEST_F(RunnerTest, LastOfSeveralChosenTransitions_IsFollowed) {
@@ -184,20 +185,20 @@ TEST_F(RunnerTest, EveryFailureOfACommandsLife_LeadsToFailedAndNamesItsPhase) {
 
     factory.initializeResult = E_NOINTERFACE;
     EXPECT_EQ(Run(Commands({"ok"}) + steps), Verdict::Passed);
-    EXPECT_EQ(Only("CommandEnded").Text("phase"), "initialize");
-    EXPECT_EQ(Only("CommandEnded").result, E_NOINTERFACE);
+    EXPECT_EQ(Only(event::CommandEnded).Text(argument::phase), "initialize");
+    EXPECT_EQ(Only(event::CommandEnded).result, E_NOINTERFACE);
     factory.initializeResult = S_OK;
 
     records.clear();
     EXPECT_EQ(Run("[commands.ok]\nclass = 'ok'\nproperties = { refused = '1' }\n" + steps), Verdict::Passed);
-    EXPECT_EQ(Only("CommandEnded").Text("phase"), "set property");
-    EXPECT_EQ(Only("CommandEnded").result, E_INVALIDARG);
+    EXPECT_EQ(Only(event::CommandEnded).Text(argument::phase), "set property");
+    EXPECT_EQ(Only(event::CommandEnded).result, E_INVALIDARG);
 
     records.clear();
     factory.createResult = E_OUTOFMEMORY;
     EXPECT_EQ(Run(Commands({"ok"}) + steps), Verdict::Passed);
-    EXPECT_EQ(Only("CommandEnded").Text("phase"), "create");
-    EXPECT_EQ(Only("CommandEnded").result, E_OUTOFMEMORY);
+    EXPECT_EQ(Only(event::CommandEnded).Text(argument::phase), "create");
+    EXPECT_EQ(Only(event::CommandEnded).result, E_OUTOFMEMORY);
     EXPECT_TRUE(executed.empty());
 }
 
@@ -212,7 +213,7 @@ TEST_F(RunnerTest, EveryExecution_GetsAFreshObjectWithTheProperties) {
               Verdict::Passed);
     EXPECT_EQ(values, (std::vector<std::wstring>{L"1", L"1"}));
     EXPECT_EQ(std::count_if(records.begin(), records.end(),
-                            [](const Record& record) { return record.operation == "CommandCreated"; }),
+                            [](const Record& record) { return record.operation == event::CommandCreated; }),
               2);
 }
 
@@ -258,7 +259,7 @@ TEST_F(RunnerTest, CommandFromAnotherThread_RunsThereUnderThatName) {
     };
     EXPECT_EQ(Run(Commands({"ask", "ok"}) + "[steps.s]\nrun = ['ask']\nnext = 'good'\n"), Verdict::Passed);
     EXPECT_EQ(executed, (Texts{"ok"}));
-    const Record& asked = Only("RunCommandFromThread");
+    const Record& asked = Only(operation::RunCommandFromThread);
     EXPECT_EQ(asked.thread, "worker");
     EXPECT_EQ(asked.result, S_OK);
 }
@@ -278,8 +279,8 @@ TEST_F(RunnerTest, AbortInACommand_RunsNothingMoreAndFollowsNothing) {
     EXPECT_EQ(afterwards, E_ABORT);
     EXPECT_TRUE(executed.empty());
     EXPECT_EQ(StepsEntered(), (Texts{"s"}));
-    EXPECT_EQ(records.back().operation, "ProcedureEnded");
-    EXPECT_EQ(records.back().Text("verdict"), "aborted");
+    EXPECT_EQ(records.back().operation, event::ProcedureEnded);
+    EXPECT_EQ(records.back().Text(argument::verdict), "aborted");
     EXPECT_TRUE(runner.StillHeld().empty());
 }
 
@@ -318,6 +319,22 @@ TEST_F(RunnerTest, CommandThatKeepsAService_IsNoticed) {
     leaked.Release();
 }
 
+TEST_F(RunnerTest, InterceptedCall_FailsTheCommandThatMakesIt) {
+    const LoadedModule module(test::BuiltModuleFile());
+    Read("[commands.write]\nclass = 'DataStoreWriter'\nproperties = { dsLocation = 'a', value = '1' }\n"
+         "[steps.s]\nrun = ['write', 'write']\nnext = 'bad'\nfailed = 'good'\n");
+    Runner runner(procedure, module, journal);
+    int writes = 0;
+    runner.Intercept([&writes](const Record& call) -> std::optional<HRESULT> {
+        if (call.operation == operation::SetValue && ++writes == 2)
+            return E_ACCESSDENIED;
+        return std::nullopt;
+    });
+    EXPECT_EQ(runner.Run(), Verdict::Passed);
+    EXPECT_EQ(writes, 2);
+    EXPECT_TRUE(runner.StillHeld().empty());
+}
+
 TEST_F(RunnerTest, DataEntries_AreGivenTypedAndTellWhatIsLeft) {
     factory.classes["write"] = [](const test::Scene& scene) {
         const auto store = scene.Service(&IVantContext::get_DataStore);
@@ -327,17 +344,17 @@ TEST_F(RunnerTest, DataEntries_AreGivenTypedAndTellWhatIsLeft) {
         return store->SetValue(CComBSTR(L"new").Get(), CComVariant(2.5).Get());
     };
     Run(Commands({"write"}) + "[data]\nwhole = 7\n[steps.s]\nrun = ['write']\nnext = 'good'\n");
-    EXPECT_EQ(*Only("DataGiven").Find("value"), Value(std::int64_t{7}));
+    EXPECT_EQ(*Only(event::DataGiven).Find(argument::value), Value(std::int64_t{7}));
     Texts left;
     for (const Record& record : records) {
-        if (record.operation == "DataLeft")
-            left.push_back(record.Text("name") + '=' + ToJson(*record.Find("value")).dump());
+        if (record.operation == event::DataLeft)
+            left.push_back(record.Text(argument::name) + '=' + ToJson(*record.Find(argument::value)).dump());
     }
     EXPECT_EQ(left, (Texts{"new=2.5", "whole=7"}));
 }
 
 TEST_F(RunnerTest, BuiltModule_JournalHoldsEveryCallOfNestedCommands) {
-    const Module module(test::BuiltModuleFile());
+    const LoadedModule module(test::BuiltModuleFile());
     EXPECT_EQ(Run("[commands.outer]\nclass = 'CompositeCommand'\nproperties = { commandIDList = 'write' }\n"
                   "[commands.write]\nclass = 'DataStoreWriter'\n"
                   "properties = { dsLocation = 'a', value = '\u00E9' }\n"
@@ -371,32 +388,34 @@ TEST_F(RunnerTest, BuiltModule_JournalHoldsEveryCallOfNestedCommands) {
                     " Runner.StepEntered{\"step\":\"good\"}\n"
                     " Runner.DataLeft{\"name\":\"a\",\"value\":\"\u00E9\"}\n"
                     " Runner.ProcedureEnded{\"verdict\":\"passed\",\"reason\":\"step 'good'\"}\n");
-    const auto requests = std::count_if(records.begin(), records.end(),
-                                        [](const Record& record) { return record.service == "Context"; });
+    const auto requests = std::count_if(records.begin(), records.end(), [](const Record& record) {
+        return record.service == service::Context;
+    });
     EXPECT_EQ(requests, 18); // nine of each command
 }
 
 TEST_F(RunnerTest, BuiltModule_CompositeThatNamesItself_FailsAtTheDepthLimit) {
-    const Module module(test::BuiltModuleFile());
+    const LoadedModule module(test::BuiltModuleFile());
     EXPECT_EQ(Run("[commands.c]\nclass = 'CompositeCommand'\nproperties = { commandIDList = 'c' }\n"
                   "[steps.s]\nrun = ['c']\nnext = 'good'\n",
                   module),
               Verdict::Failed);
     EXPECT_TRUE(module.CanUnload());
     const auto refused = std::count_if(records.begin(), records.end(), [](const Record& record) {
-        return record.operation == "RunCommand" && record.result == HRESULT_FROM_WIN32(ERROR_STACK_OVERFLOW);
+        return record.operation == operation::RunCommand &&
+               record.result == HRESULT_FROM_WIN32(ERROR_STACK_OVERFLOW);
     });
     EXPECT_EQ(refused, 1);
 }
 
 TEST_F(RunnerTest, BuiltModule_RefusedTermination_LeadsToFailed) {
-    const Module module(test::BuiltModuleFile());
+    const LoadedModule module(test::BuiltModuleFile());
     EXPECT_EQ(Run("[commands.t]\nclass = 'CommandTerminator'\nproperties = { commandID = 'watch' }\n"
                   "[steps.s]\nrun = ['t']\nnext = 'bad'\nfailed = 'good'\n",
                   module),
               Verdict::Passed);
-    EXPECT_EQ(Only("TerminateCommand").result, HRESULT_FROM_WIN32(ERROR_NOT_FOUND));
-    EXPECT_EQ(Only("CommandEnded").result, E_FAIL);
+    EXPECT_EQ(Only(operation::TerminateCommand).result, HRESULT_FROM_WIN32(ERROR_NOT_FOUND));
+    EXPECT_EQ(Only(event::CommandEnded).result, E_FAIL);
 }
 
 } // namespace

@@ -73,6 +73,14 @@ TEST_F(ServicesTest, DataStore_ValueByReferenceIsRefused) {
     EXPECT_TRUE(services.data.All().empty());
 }
 
+TEST_F(ServicesTest, DataStore_RecordsAMachineIntegerAsANumber) {
+    VARIANT value{};
+    value.vt = VT_INT;
+    value.intVal = -12;
+    EXPECT_EQ(services.dataStore.SetValue(Text(L"a").Get(), value), S_OK);
+    EXPECT_EQ(Last(), R"(DataStore.SetValue{"name":"a","value":-12} 0x00000000)");
+}
+
 TEST_F(ServicesTest, DataStore_NullNameIsTheEmptyName) {
     services.dataStore.SetValue(nullptr, CComVariant(1.0).Get());
     CComVariant read;
@@ -144,6 +152,19 @@ TEST_F(ServicesTest, ProcedureController_NewStepForgetsTheChoice) {
     services.procedureController.EnterStep(OneOf({"other"}));
     EXPECT_EQ(services.procedureController.Chosen(), std::nullopt);
     EXPECT_EQ(services.procedureController.SetTransition(Text(L"weak").Get()), E_INVALIDARG);
+}
+
+TEST_F(ServicesTest, ProcedureController_BetweenStepsAcceptsTheEmptyTransitionAlone) {
+    const auto expectRefusals = [this] {
+        EXPECT_EQ(services.procedureController.SetTransition(Text(L"").Get()), S_OK);
+        EXPECT_EQ(services.procedureController.SetTransition(nullptr), S_OK);
+        EXPECT_EQ(services.procedureController.SetTransition(Text(L"weak").Get()), E_INVALIDARG);
+        EXPECT_EQ(services.procedureController.Chosen(), std::nullopt);
+    };
+    expectRefusals();
+    services.procedureController.EnterStep(OneOf({"weak"}));
+    services.procedureController.LeaveStep();
+    expectRefusals();
 }
 
 TEST_F(ServicesTest, ComponentService_RecordsWhatIsShown) {

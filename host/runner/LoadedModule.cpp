@@ -1,15 +1,15 @@
-#include "host/runner/Module.h"
+#include "host/runner/LoadedModule.h"
 
 #include "framework/interfaces/ClassIds.h"
 #include "platform/Utf8.h"
 
 namespace vant::host {
 
-Module::Module(const std::filesystem::path& file)
+LoadedModule::LoadedModule(const std::filesystem::path& file)
     : m_library(file), m_getClassObject(m_library.Find<GetClassObjectFunction>("DllGetClassObject")),
       m_canUnloadNow(m_library.Find<PlainFunction>("DllCanUnloadNow")) {}
 
-HRESULT Module::Create(std::string_view className, CComPtr<IVantCommand>& command) const {
+HRESULT LoadedModule::Create(std::string_view className, CComPtr<IVantCommand>& command) const {
     const std::wstring name = ToWide(className);
     for (const ClassRow& row : classTable) {
         if (name != row.name)
@@ -27,15 +27,15 @@ HRESULT Module::Create(std::string_view className, CComPtr<IVantCommand>& comman
     return CLASS_E_CLASSNOTAVAILABLE;
 }
 
-bool Module::CanUnload() const {
+bool LoadedModule::CanUnload() const {
     return m_canUnloadNow() == S_OK;
 }
 
-HRESULT Module::Register() const {
+HRESULT LoadedModule::Register() const {
     return m_library.Find<PlainFunction>("DllRegisterServer")();
 }
 
-HRESULT Module::Unregister() const {
+HRESULT LoadedModule::Unregister() const {
     return m_library.Find<PlainFunction>("DllUnregisterServer")();
 }
 

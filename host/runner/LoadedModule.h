@@ -11,10 +11,10 @@ namespace vant::host {
 
 /// The module of the command classes, loaded for as long as this object lives and used through its exported
 /// entry points alone.
-class Module final : public CommandFactory {
+class LoadedModule final : public CommandFactory {
 public:
     /// Throws std::runtime_error with the reason where the file cannot be loaded or is no such module.
-    explicit Module(const std::filesystem::path& file);
+    explicit LoadedModule(const std::filesystem::path& file);
 
     HRESULT Create(std::string_view className, CComPtr<IVantCommand>& command) const override;
 

@@ -11,8 +11,8 @@ namespace vant::host {
 
 namespace {
 
-TEST(Module, EveryClass_IsCreatedByName) {
-    const Module module(test::BuiltModuleFile());
+TEST(LoadedModule, EveryClass_IsCreatedByName) {
+    const LoadedModule module(test::BuiltModuleFile());
     for (const ClassRow& row : classTable) {
         CComPtr<IVantCommand> command;
         EXPECT_EQ(module.Create(ToUtf8(row.name), command), S_OK) << ToUtf8(std::wstring_view(row.name));
@@ -20,15 +20,15 @@ TEST(Module, EveryClass_IsCreatedByName) {
     }
 }
 
-TEST(Module, UnknownClass_IsNotAvailable) {
-    const Module module(test::BuiltModuleFile());
+TEST(LoadedModule, UnknownClass_IsNotAvailable) {
+    const LoadedModule module(test::BuiltModuleFile());
     CComPtr<IVantCommand> command;
     EXPECT_EQ(module.Create("calculator", command), CLASS_E_CLASSNOTAVAILABLE);
     EXPECT_FALSE(command);
 }
 
-TEST(Module, LiveCommand_ForbidsUnloading) {
-    const Module module(test::BuiltModuleFile());
+TEST(LoadedModule, LiveCommand_ForbidsUnloading) {
+    const LoadedModule module(test::BuiltModuleFile());
     EXPECT_TRUE(module.CanUnload());
     CComPtr<IVantCommand> command;
     ASSERT_EQ(module.Create("Calculator", command), S_OK);
@@ -37,12 +37,12 @@ TEST(Module, LiveCommand_ForbidsUnloading) {
     EXPECT_TRUE(module.CanUnload());
 }
 
-TEST(Module, FileThatIsMissing_Throws) {
-    EXPECT_THROW(Module(ProgramFolder() / "missing.library"), std::runtime_error);
+TEST(LoadedModule, FileThatIsMissing_Throws) {
+    EXPECT_THROW(LoadedModule(ProgramFolder() / "missing.library"), std::runtime_error);
 }
 
-TEST(Module, FileThatIsNoLibrary_Throws) {
-    EXPECT_THROW(Module{ProgramFolder()}, std::runtime_error);
+TEST(LoadedModule, FileThatIsNoLibrary_Throws) {
+    EXPECT_THROW(LoadedModule{ProgramFolder()}, std::runtime_error);
 }
 
 TEST(ClassNames, AreThoseOfTheTable) {
