@@ -5,9 +5,9 @@
 
 namespace vant::test {
 
-/// A data store that gives, for every entry, a VARIANT of a type that there is none of: the platform can
-/// neither copy nor clear it. It fails where the host's "GetValue" does, and gives that value all the same.
-/// Made with new; ends with its last reference.
+/// A data store whose every entry is a VARIANT of an unknown type, which the platform can neither copy nor
+/// clear. If the host's "GetValue" is to fail, it returns the failure and the value. Made with new; ends with
+/// its last reference.
 class StoreOfNoValue final : public HostObject<IDataStore> {
 public:
     using HostObject::HostObject;
