@@ -17,7 +17,8 @@ using namespace host;
 
 namespace {
 
-ExitCode Change(const RegistrationOptions& options, HRESULT (LoadedModule::*operation)() const, const char* done) {
+ExitCode Change(const RegistrationOptions& options, HRESULT (LoadedModule::*operation)() const,
+                const char* done) {
     std::optional<LoadedModule> module;
     try {
         module.emplace(PathFromUtf8(options.module));
