@@ -4,12 +4,13 @@
 #include "host/record/Value.h"
 
 #include <cmath>
+#include <fmt/format.h>
 
 namespace vant::host {
 
 namespace {
 
-/// NaN, which compares with nothing, if the value is not a number.
+/// NaN, which no comparison accepts, if the value is not a number.
 double NumberOrNan(const Value& value) {
     return NumberIn(value).value_or(std::nan(""));
 }
@@ -38,8 +39,8 @@ const char* NameOf(Comparison comparison) {
 }
 
 std::string Describe(const Condition& condition) {
-    return (condition.kind == Condition::Kind::Parameter ? "parameter " : "data ") + condition.subject + ' ' +
-           NameOf(condition.comparison) + ' ' + ToJson(condition.value).dump();
+    return fmt::format("{} {} {} {}", condition.kind == Condition::Kind::Parameter ? "parameter" : "data",
+                       condition.subject, NameOf(condition.comparison), ToJson(condition.value).dump());
 }
 
 bool Holds(const Condition& condition, const Value& actual) {

@@ -64,7 +64,7 @@ HRESULT ConditionSet::GetFailureKey(BSTR* key) {
     });
 }
 
-/// With the type in which it is compared.
+/// Reads the subject of a condition, and converts it to the type in which it is compared.
 HRESULT ConditionSet::Read(const Condition& condition, CComVariant& value) const {
     const VARTYPE type = ComparedType(condition);
     HRESULT code = S_OK;
@@ -73,7 +73,7 @@ HRESULT ConditionSet::Read(const Condition& condition, CComVariant& value) const
     } else if (!m_engine) {
         return HRESULT_FROM_WIN32(ERROR_NOT_FOUND);
     } else if (type == VT_BSTR) {
-        // What screens show.
+        // The text that screens show.
         CComBSTR text;
         code = ReadText(*m_engine, condition.subject, text);
         value = CComVariant(std::move(text));

@@ -14,21 +14,22 @@
 
 namespace vant::host {
 
-/// Conditions that commands find as an object in the data store. Any thread may call.
+/// A set of conditions that the data store holds as an object. Any thread may call.
 class ConditionSet final : public HostObject<IConditionSet> {
 public:
-    /// `engine` may be null; it and the data must outlive the set. `name` is that of the data-store entry.
+    /// `name` is the data-store entry. `engine` may be null; it and the data must outlive the set.
     ConditionSet(CallGate& gate, std::string name, std::vector<Condition> conditions, const Engine* engine,
                  const NamedValues& data)
         : HostObject(gate, service::ConditionSet), m_entry(std::move(name)),
           m_conditions(std::move(conditions)), m_engine(engine), m_data(data) {}
 
-    /// Looks at the conditions in their order, up to the first that does not hold, and remembers that one. A
-    /// subject that cannot be read, or has no value of the type that is compared, is one that does not hold;
-    /// the answer is then the code of that failure. E_POINTER for a null `allMet`.
+    /// Checks the conditions in order up to the first one that does not hold, and remembers that one. If its
+    /// subject cannot be read, or cannot be converted to the type that is compared, the condition does not
+    /// hold either, and the result is the code of that failure. E_POINTER for a null `allMet`.
     HRESULT STDMETHODCALLTYPE Evaluate(VARIANT_BOOL* allMet) override;
-    /// The message entry of the condition that was remembered last; HRESULT_FROM_WIN32(ERROR_NOT_FOUND), null
-    /// out, while there is none. E_POINTER for a null `key`.
+    /// Returns the message entry of the condition that was remembered last.
+    /// HRESULT_FROM_WIN32(ERROR_NOT_FOUND), null out, if no condition has failed yet; E_POINTER for a null
+    /// `key`.
     HRESULT STDMETHODCALLTYPE GetFailureKey(BSTR* key) override;
 
 protected:

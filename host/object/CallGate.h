@@ -11,8 +11,8 @@
 
 namespace vant::host {
 
-/// The gate through which every call of a command on the host passes. It performs the call, or has it fail if
-/// an interceptor says so, and records it.
+/// The gate through which every call of a command on the host passes. It performs and records the call, or
+/// has an interceptor replace it.
 class CallGate {
 public:
     /// Is shown each call before it is performed: a record whose service, operation, thread and command are

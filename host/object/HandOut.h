@@ -9,8 +9,8 @@
 
 namespace vant::host {
 
-/// Hands an object out, referenced. E_POINTER for a null `out`; a null object is one that does not exist:
-/// HRESULT_FROM_WIN32(ERROR_NOT_FOUND), null out.
+/// Hands out an object with a reference. E_POINTER for a null `out`; HRESULT_FROM_WIN32(ERROR_NOT_FOUND),
+/// null out, for a null object, which stands for one that does not exist.
 template <class Object, class Interface>
 HRESULT HandOut(Object* object, Interface** out) {
     if (!out)
@@ -30,8 +30,8 @@ inline HRESULT HandOutText(std::string_view utf8, BSTR* out) {
     return S_OK;
 }
 
-/// Hands out an item of a list of objects by an index that counts from 1: DISP_E_TYPEMISMATCH for an index
-/// that is no VT_I4, DISP_E_BADINDEX for one outside the list.
+/// Hands out an item of a list of objects by its index, a VT_I4 that counts from 1. DISP_E_TYPEMISMATCH for
+/// an index of another type, DISP_E_BADINDEX for one outside the list.
 template <class List, class Interface>
 HRESULT HandOutItem(const List& list, const VARIANT& index, Interface** out) {
     if (!out)

@@ -12,7 +12,7 @@ namespace vant::host {
 
 /// An object that the host lends to commands. The host owns it: references are counted, so that a run can
 /// tell whether commands released what they were lent, but the last Release destroys nothing. Every operation
-/// but those of IUnknown passes the host's CallGate. Any thread may call.
+/// but those of IUnknown passes through the host's CallGate. Any thread may call.
 template <class Interface>
 class HostObject : public Interface {
 public:

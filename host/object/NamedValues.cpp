@@ -8,7 +8,7 @@
 namespace vant::host {
 
 void NamedValues::Set(std::wstring name, CComVariant value) {
-    CComVariant replaced; // Possibly an object: released outside the lock.
+    CComVariant replaced; // It may be an object; it is released outside the lock.
     const std::lock_guard lock(m_access);
     CComVariant& entry = m_entries[std::move(name)];
     replaced = std::move(entry);

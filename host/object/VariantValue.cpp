@@ -2,6 +2,8 @@
 
 #include "platform/Utf8.h"
 
+#include <fmt/format.h>
+
 namespace vant::host {
 
 namespace {
@@ -44,7 +46,7 @@ Value ToValue(const VARIANT& value) {
     case VT_DISPATCH:
         return "(object)";
     default:
-        return "(VARIANT of type " + std::to_string(value.vt) + ")";
+        return fmt::format("(VARIANT of type {})", value.vt);
     }
 }
 

@@ -6,7 +6,7 @@ namespace vant::host {
 
 namespace {
 
-// Plain pointers: the Windows compiler's runtime frees a thread's variables before it would destroy them.
+// Plain pointers, because the Windows compiler's runtime frees a thread's variables before it destroys them.
 thread_local const CommandScope* innermostCommand = nullptr;
 thread_local const ThreadScope* innermostThread = nullptr;
 

@@ -7,8 +7,8 @@
 
 namespace vant::host {
 
-/// How many commands of the calling thread lie inside one another, counted on from the command that started
-/// the thread; 0 outside commands.
+/// The number of commands that run or started one another, up to the innermost one of the calling thread; 0
+/// outside commands.
 std::size_t CommandDepth() noexcept;
 
 /// While it lives, the calling thread works for the command of that id. The scopes of one thread are nested.

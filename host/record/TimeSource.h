@@ -5,7 +5,7 @@
 
 namespace vant::host {
 
-/// Returns the time in milliseconds since any fixed moment; it never goes back.
+/// Returns the time in milliseconds since some fixed moment. It never goes back.
 using TimeSource = std::function<std::int64_t()>;
 
 } // namespace vant::host

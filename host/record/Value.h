@@ -8,7 +8,7 @@
 
 namespace vant::host {
 
-/// A value as procedures write it and the journal keeps it; texts in UTF-8.
+/// A value in a procedure or in the journal. Texts are UTF-8.
 using Value = std::variant<std::nullptr_t, bool, std::int64_t, double, std::string>;
 
 /// The number in a value; nothing if the value is not a number.

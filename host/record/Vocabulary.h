@@ -4,10 +4,10 @@
 
 namespace vant::host {
 
-// The names of which the records of a journal consist. Whoever writes or reads records uses these constants;
-// recordKinds says which of them belong together.
+// The names that occur in the records of a journal. All code that writes or reads records uses these
+// constants; recordKinds lists which of them belong together.
 
-/// Who was called, or `Runner` for an event of the run.
+/// The host object that was called, or `Runner` for an event of the run.
 namespace service {
 
 inline constexpr const char* Runner = "Runner";
@@ -45,7 +45,7 @@ inline constexpr const char* UnitsTable = "UnitsTable";
 
 } // namespace service
 
-/// What happened in the run, as the runner records it.
+/// Events of the run, which the runner records.
 namespace event {
 
 inline constexpr const char* CommandCreated = "CommandCreated";
@@ -63,7 +63,7 @@ inline constexpr const char* TransitionFollowed = "TransitionFollowed";
 
 } // namespace event
 
-/// What a command asked of a service.
+/// Operations of services, which commands call.
 namespace operation {
 
 inline constexpr const char* CloseECM = "CloseECM";

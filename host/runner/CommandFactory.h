@@ -12,9 +12,8 @@ class CommandFactory {
 public:
     virtual ~CommandFactory() = default;
 
-    /// Creates a command of that class, or returns the code of the failure: CLASS_E_CLASSNOTAVAILABLE for a
-    /// class that does not exist, E_UNEXPECTED if a module returns success and no object. Any thread may
-    /// call.
+    /// Creates a command of that class. CLASS_E_CLASSNOTAVAILABLE for a class that does not exist,
+    /// E_UNEXPECTED if a module returns success and no object. Any thread may call.
     virtual HRESULT Create(std::string_view className, CComPtr<IVantCommand>& command) const = 0;
 
     /// False if commands, or locks of their module, are known to be left.

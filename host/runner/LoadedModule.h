@@ -9,19 +9,20 @@
 
 namespace vant::host {
 
-/// The module of the command classes, loaded for as long as this object lives and used through its exported
+/// The module of the command classes, loaded as long as this object lives. It is used through its exported
 /// entry points alone.
 class LoadedModule final : public CommandFactory {
 public:
-    /// Throws std::runtime_error with the reason where the file cannot be loaded or is no such module.
+    /// Throws std::runtime_error with the reason if the file cannot be loaded or is not such a module.
     explicit LoadedModule(const std::filesystem::path& file);
 
     HRESULT Create(std::string_view className, CComPtr<IVantCommand>& command) const override;
 
-    /// Whether no command and no lock of the module is left.
+    /// Whether the module has no command and no lock left.
     bool CanUnload() const override;
 
-    /// Registers the module's classes with the system, or removes the registration; the module's own answer.
+    /// Registers the module's classes with the system, or removes the registration. Returns the module's
+    /// result.
     HRESULT Register() const;
     HRESULT Unregister() const;
 

@@ -40,7 +40,7 @@ HRESULT RegisteredClasses::Create(std::string_view className, CComPtr<IVantComma
                                     command);
     if (SUCCEEDED(code))
         TakeTimeFromHere(
-            *reinterpret_cast<void**>(command.Get())); // The table of its operations lies in the module.
+            *reinterpret_cast<void**>(command.Get())); // Its table of operations lies in the module.
     return code;
 }
 

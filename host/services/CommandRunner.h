@@ -13,14 +13,14 @@ namespace vant::host {
 /// Lets commands run other commands of the procedure.
 class CommandRunner final : public HostObject<ICommandRunner> {
 public:
-    /// Creates and executes the command of that id, on the calling thread, and answers its result.
+    /// Creates and executes the command of that id on the calling thread, and returns its result.
     using Run = std::function<HRESULT(const std::string& commandId)>;
 
     CommandRunner(CallGate& gate, Run run)
         : HostObject(gate, service::CommandRunner), m_run(std::move(run)) {}
 
     HRESULT STDMETHODCALLTYPE RunCommand(BSTR commandId) override;
-    /// The same as RunCommand: the command runs on the thread that asks.
+    /// Does the same as RunCommand: the command runs on the calling thread.
     HRESULT STDMETHODCALLTYPE RunCommandFromThread(BSTR commandId) override;
 
 private:

@@ -10,11 +10,11 @@
 
 namespace vant::host {
 
-/// Takes what commands show on components of the display. The bench has no display: what was shown stands in
-/// the gate.
+/// Accepts what commands show on components of the display. The bench has no display: the journal records
+/// what was shown.
 class ComponentService final : public HostObject<IComponentService> {
 public:
-    /// Without any components the service accepts every component and property.
+    /// If `components` is empty, the service accepts every component and property.
     explicit ComponentService(CallGate& gate, Components components = {})
         : HostObject(gate, service::ComponentService), m_components(std::move(components)) {}
 

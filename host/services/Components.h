@@ -6,8 +6,8 @@
 
 namespace vant::host {
 
-/// The components of a display: the properties that each one has. A component without any accepts every
-/// property.
+/// The components of a display, each with the names of its properties. A component without names accepts
+/// every property.
 using Components = std::map<std::string, std::set<std::string>>;
 
 } // namespace vant::host

@@ -6,7 +6,7 @@
 
 namespace vant::host {
 
-/// What a context hands out.
+/// The services that a context hands out.
 struct ContextServices {
     IProcedureController* procedureController;
     ICommandRunner* commandRunner;
@@ -19,7 +19,7 @@ struct ContextServices {
     IDataServiceOld* parameterService;
 };
 
-/// Through which commands reach the services. Each request answers S_OK, or E_POINTER for a null `out`.
+/// Hands the services out to commands. Each request returns S_OK, or E_POINTER for a null `out`.
 class Context final : public HostObject<IVantContext> {
 public:
     /// The services must outlive the context.

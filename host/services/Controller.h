@@ -7,21 +7,21 @@
 
 namespace vant::host {
 
-/// Ends running commands at a command's request, and hears of those that have been stopped. Any thread may
-/// call.
+/// Stops running commands at a command's request, and is told of commands that have been stopped. Any thread
+/// may call.
 class Controller final : public HostObject<IVantController> {
 public:
     /// `threads` must outlive the controller.
     Controller(CallGate& gate, PersistentThreads& threads)
         : HostObject(gate, service::Controller), m_threads(threads) {}
 
-    /// Calls Stop of every running command of that id and does not wait for it to end.
-    /// HRESULT_FROM_WIN32(ERROR_NOT_FOUND) where none runs; E_NOINTERFACE where one cannot be stopped.
+    /// Calls Stop of every running command of that id, and does not wait for the commands to end.
+    /// HRESULT_FROM_WIN32(ERROR_NOT_FOUND) if none runs; E_NOINTERFACE if one of them cannot be stopped.
     HRESULT STDMETHODCALLTYPE TerminateCommand(BSTR commandId) override;
     HRESULT STDMETHODCALLTYPE Reserved4() override { return NotImplemented("Reserved4"); }
     HRESULT STDMETHODCALLTYPE Reserved5() override { return NotImplemented("Reserved5"); }
-    /// Recorded with the command's id. E_POINTER for a null command; HRESULT_FROM_WIN32(ERROR_NOT_FOUND) for
-    /// one that is not running.
+    /// Records the command's id. E_POINTER for a null command; HRESULT_FROM_WIN32(ERROR_NOT_FOUND) for one
+    /// that does not run.
     HRESULT STDMETHODCALLTYPE PersistentCommandStopped(IVantPersistentCommand* command) override;
 
 private:

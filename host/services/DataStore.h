@@ -7,7 +7,7 @@
 
 namespace vant::host {
 
-/// The named values of one run. Values go in and out as copies. Any thread may call.
+/// The named values of one run. Values are copied when they are set and read. Any thread may call.
 class DataStore final : public HostObject<IDataStore> {
 public:
     /// `values` must outlive the store.
@@ -19,7 +19,7 @@ public:
     HRESULT STDMETHODCALLTYPE Reserved6() override { return NotImplemented("Reserved6"); }
     HRESULT STDMETHODCALLTYPE Reserved7() override { return NotImplemented("Reserved7"); }
     HRESULT STDMETHODCALLTYPE Reserved8() override { return NotImplemented("Reserved8"); }
-    /// E_POINTER for a null `value`; HRESULT_FROM_WIN32(ERROR_NOT_FOUND), and `value` stays VT_EMPTY, for an
+    /// E_POINTER for a null `value`; HRESULT_FROM_WIN32(ERROR_NOT_FOUND), and `*value` stays as it is, for an
     /// entry that does not exist.
     HRESULT STDMETHODCALLTYPE GetValue(BSTR name, VARIANT* value) override;
     /// Makes the entry, or replaces its value. E_INVALIDARG for a value by reference (VT_BYREF), whose target

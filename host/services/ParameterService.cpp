@@ -9,7 +9,7 @@ namespace vant::host {
 
 namespace {
 
-// What the callers' number means here.
+// The kinds that commands pass as a number.
 constexpr LONG parameterKind = 1;
 constexpr LONG faultArrayKind = 2;
 

@@ -9,7 +9,7 @@
 
 namespace vant::host {
 
-/// The parameters of the engine control module. Without an engine nothing exists.
+/// The parameters and fault arrays of the engine control module. Without an engine there are none.
 class ParameterService final : public HostDispatch<IDataServiceOld> {
 public:
     /// `engine` may be null and must outlive the service.
@@ -21,11 +21,11 @@ public:
     HRESULT STDMETHODCALLTYPE Reserved9() override { return NotImplemented("Reserved9"); }
     HRESULT STDMETHODCALLTYPE GetConnection(IConnectionOld** connection) override;
     HRESULT STDMETHODCALLTYPE Reserved11() override { return NotImplemented("Reserved11"); }
-    /// Kind 1 gives a parameter, kind 2 a fault array: HRESULT_FROM_WIN32(ERROR_NOT_FOUND), null out, for an
-    /// unknown id; E_INVALIDARG for another kind; E_POINTER for a null `parameter`.
+    /// Hands out a parameter (kind 1) or a fault array (kind 2). HRESULT_FROM_WIN32(ERROR_NOT_FOUND), null
+    /// out, for an unknown id; E_INVALIDARG for another kind; E_POINTER for a null `parameter`.
     HRESULT STDMETHODCALLTYPE GetParameter(BSTR id, LONG kind, IUnknown** parameter) override;
-    /// Writes a parameter (kind 1) and gives it, unless `parameter` is null. Refusals are those of
-    /// GetParameter and of Engine::Write, and E_ABORT once closed; null out then.
+    /// Writes a parameter (kind 1), and hands it out unless `parameter` is null. Fails, null out, like
+    /// GetParameter and WriteValue, and with E_ABORT once closed.
     HRESULT STDMETHODCALLTYPE SetParameter(BSTR id, LONG kind, VARIANT value, IUnknown** parameter) override;
 
     /// From now on nothing is written. Any thread may call.

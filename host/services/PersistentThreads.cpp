@@ -31,9 +31,9 @@ struct PersistentThreads::Setting {
 struct PersistentThreads::Thread {
     const std::uint32_t cookie;
     const std::uint32_t step;
-    /// Set when the thread has ended, or when waiting for it has become pointless.
+    /// Signalled when the thread has ended or the threads have been closed.
     Event released{Event::Kind::ManualReset};
-    // Under the lock.
+    // Protected by the lock.
     WorkPtr work; ///< Until the callback has returned.
     std::jthread thread;
     bool running = true;
@@ -250,7 +250,7 @@ std::size_t PersistentThreads::RunningCount() const {
 }
 
 /// Joins the threads that have ended, so that the system frees what it keeps for them. They have left virtual
-/// time, or do so without waiting for anybody.
+/// time, or leave it without waiting for another thread.
 void PersistentThreads::JoinEnded() {
     std::vector<std::jthread> ended; // Joined when it is destroyed, outside the lock.
     const std::lock_guard lock(m_access);

@@ -22,7 +22,7 @@
 
 namespace vant::host {
 
-/// As many threads may run at once; a request for one more returns
+/// The number of threads that may run at once. A request for one more fails with
 /// HRESULT_FROM_WIN32(ERROR_MAX_THRDS_REACHED).
 inline constexpr std::size_t maxLiveThreads = 64;
 
@@ -33,12 +33,13 @@ inline constexpr std::size_t maxLiveThreads = 64;
 /// Any thread may call, unless stated otherwise. Nothing here holds a lock while it waits or calls out.
 class PersistentThreads {
 public:
-    /// Is told the cookie of a thread whose callback has returned, and what it returned: on that thread,
-    /// under its name and command, before anybody who waits for the thread goes on. Must not
-    /// throw. May be empty.
+    /// Called when the callback of a thread has returned, with the thread's cookie and the callback's result:
+    /// on that thread, under its name and command, before waits for the thread end. Several threads may end
+    /// at once. Must not throw.
     using EndObserver = std::function<void(std::uint32_t cookie, HRESULT result)>;
 
-    /// `changed` is signalled each time a thread has ended; it must outlive this object.
+    /// `ended` may be empty. `changed` is signalled each time a thread has ended; it must outlive this
+    /// object.
     PersistentThreads(EndObserver ended, Event& changed);
     /// Does what End does.
     ~PersistentThreads();

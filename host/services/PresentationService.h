@@ -6,7 +6,7 @@
 
 namespace vant::host {
 
-/// Takes instructions to the technician. What was shown stands in the gate.
+/// Accepts instructions to the technician. The journal records what was shown.
 class PresentationService final : public HostObject<IPresentationService> {
 public:
     explicit PresentationService(CallGate& gate) : HostObject(gate, service::PresentationService) {}

@@ -12,7 +12,7 @@
 
 namespace vant::host {
 
-/// Keeps the transition that commands choose for the step at work. Any thread may call.
+/// Keeps the transition that commands choose for the current step. Any thread may call.
 class ProcedureController final : public HostObject<IProcedureController> {
 public:
     /// `changed` is signalled each time a transition has been chosen; it must outlive the controller.
@@ -23,23 +23,23 @@ public:
     HRESULT STDMETHODCALLTYPE Reserved4() override { return NotImplemented("Reserved4"); }
     HRESULT STDMETHODCALLTYPE Reserved5() override { return NotImplemented("Reserved5"); }
     HRESULT STDMETHODCALLTYPE Reserved6() override { return NotImplemented("Reserved6"); }
-    /// The last choice counts. E_INVALIDARG, and an earlier choice stays, for an id that leads nowhere from
-    /// this step, and for every id between two steps. The empty id, which a command hands on where none was
-    /// given to it, chooses nothing.
+    /// The last choice counts. E_INVALIDARG, and an earlier choice remains, for an id that leads nowhere from
+    /// this step, and for every id between two steps. The empty id, which a command without a transition
+    /// property passes, always succeeds and chooses nothing.
     HRESULT STDMETHODCALLTYPE SetTransition(BSTR transitionId) override;
 
-    /// Begins a step: forgets what was chosen, and from now on accepts every id for which `leadsOn` is true,
-    /// until the step is left. It may be asked on any thread and must not call back.
+    /// Begins a step: forgets the choice, and accepts every id for which `leadsOn` returns true until the
+    /// step ends. `leadsOn` is called on any thread, and must not call the controller.
     void EnterStep(std::function<bool(const std::string&)> leadsOn);
-    /// What was chosen since the step began.
+    /// The choice since the step began.
     std::optional<std::string> Chosen() const;
-    /// Ends the step: accepts no choice any more, and gives the one that counts.
+    /// Ends the step: accepts no more choices, and returns the last one.
     std::optional<std::string> LeaveStep();
 
 private:
     Event& m_changed;
     mutable std::mutex m_access;
-    std::function<bool(const std::string&)> m_leadsOn; ///< None between steps.
+    std::function<bool(const std::string&)> m_leadsOn; ///< Empty between steps.
     std::optional<std::string> m_chosen;
 };
 

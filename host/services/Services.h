@@ -38,7 +38,7 @@ struct Services {
     /// destroyed and the data is cleared, each name is a leak.
     std::vector<std::string> StillHeld() const;
 
-    /// Every call on the objects below passes it.
+    /// Every call on the objects below passes through it.
     CallGate gate;
     /// Signalled when a thread has ended or a transition has been chosen. One thread may wait for it.
     Event changed;

@@ -8,29 +8,30 @@
 
 namespace vant::host {
 
-/// Runs persistent commands, each on a thread of its own. Where the procedure has an engine, this COM object
-/// answers the interfaces of the engine services, too. Any thread may call.
+/// Runs persistent commands, each on a thread of its own. If the procedure has an engine, this COM object
+/// also has the interfaces of the engine services. Any thread may call.
 class ThreadService final : public HostDispatch<IThreadService> {
 public:
     /// `threads` must outlive the service.
     ThreadService(CallGate& gate, PersistentThreads& threads)
         : HostDispatch(gate, service::ThreadService), m_threads(threads) {}
 
-    /// From now on the object answers for the engine's services. Before the first command.
+    /// Adds the interfaces of the engine services to this object. Before the first command.
     void SetEngine(EngineObjects& engine) noexcept { m_engine = &engine; }
 
     HRESULT STDMETHODCALLTYPE Reserved7() override { return NotImplemented("Reserved7"); }
-    /// HRESULT_FROM_WIN32(ERROR_NOT_FOUND) for a cookie that does not exist or is forgotten already.
+    /// HRESULT_FROM_WIN32(ERROR_NOT_FOUND) for a cookie that does not exist or has been forgotten.
     HRESULT STDMETHODCALLTYPE UnregisterCallback(std::uint32_t cookie) override;
     HRESULT STDMETHODCALLTYPE Reserved9() override { return NotImplemented("Reserved9"); }
     HRESULT STDMETHODCALLTYPE Reserved10() override { return NotImplemented("Reserved10"); }
     /// S_OK while the thread of that cookie runs, S_FALSE afterwards; HRESULT_FROM_WIN32(ERROR_NOT_FOUND).
     HRESULT STDMETHODCALLTYPE Operation11(std::uint32_t cookie) override;
     /// Waits until the thread of that cookie has ended: S_OK. HRESULT_FROM_WIN32(ERROR_POSSIBLE_DEADLOCK) on
-    /// that thread itself; E_ABORT where the procedure ends first; HRESULT_FROM_WIN32(ERROR_NOT_FOUND).
+    /// that thread itself; E_ABORT if the procedure ends first; HRESULT_FROM_WIN32(ERROR_NOT_FOUND).
     HRESULT STDMETHODCALLTYPE Operation12(std::uint32_t cookie) override;
-    /// Gives cookies from 1 upwards. The command at work is held until the callback has returned. E_POINTER
-    /// for a null argument; E_ABORT once the procedure has begun to end.
+    /// Starts a thread. Cookies are counted from 1. The command at work is held until the callback has
+    /// returned. E_POINTER for a null argument; E_ABORT once the procedure has begun to end;
+    /// HRESULT_FROM_WIN32(ERROR_MAX_THRDS_REACHED) while maxLiveThreads run.
     HRESULT STDMETHODCALLTYPE RegisterCallback(IThreadCallback* callback,
                                                const ThreadRegistration* registration,
                                                std::uint32_t* cookie) override;

@@ -9,8 +9,8 @@
 
 namespace vant::host {
 
-// What a parameter of a simulated engine does over time; docs/engines.md gives the formulas. Times are
-// milliseconds since the engine began, durations in formulas seconds.
+// What a parameter of a simulated engine does over time; docs/engines.md has the formulas. Times are in
+// milliseconds since the engine began; durations in formulas are in seconds.
 
 struct ScheduledValue {
     std::int64_t at = 0;
@@ -22,7 +22,7 @@ struct Load {
     double by = 0; ///< Added to the input from then on.
 };
 
-/// Until `at` the parameter's own value.
+/// Before `at` the parameter keeps its own value.
 struct Ramp {
     double from = 0;
     double to = 0;
@@ -31,19 +31,20 @@ struct Ramp {
 };
 
 struct Behaviour {
-    // The source, at most one; without one the parameter follows what is written to it.
-    std::vector<std::string> follows; ///< Ids; of several, the one that was written last.
+    // The source; at most one. Without a source the parameter follows what is written to it.
+    std::vector<std::string> follows; ///< Ids; the parameter that was written last leads.
     double gain = 1;
     double offset = 0;
     std::optional<double> towards;
     std::optional<Ramp> ramp;
-    std::vector<ScheduledValue> changes; ///< In the order of time; before the first, the parameter's value.
-    std::vector<Value> sequence;         ///< One for each read; the last stays.
+    std::vector<ScheduledValue>
+        changes;                 ///< In order of time; the parameter has its own value before the first.
+    std::vector<Value> sequence; ///< One for each read; the last one is repeated.
 
-    // The way from the source to what is read; only for numbers.
+    // What happens between the source and the reading; for numbers only.
     std::vector<Load> loads;
     double lag = 0;  ///< Time constant in seconds; 0: none.
-    double rate = 0; ///< Units per second; 0: at once.
+    double rate = 0; ///< Units per second; 0: unlimited.
     double noise = 0;
     std::optional<int> decimals;
 
@@ -53,10 +54,10 @@ struct Behaviour {
     }
 };
 
-/// A time in which the reads of a parameter fail.
+/// A period in which reads of a parameter fail.
 struct Outage {
     std::int64_t from = 0;
-    std::optional<std::int64_t> until; ///< The end, at which reads succeed again; nothing: they never do.
+    std::optional<std::int64_t> until; ///< When reads succeed again; nothing if they never do.
 };
 
 } // namespace vant::host

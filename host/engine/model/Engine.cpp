@@ -8,7 +8,7 @@ namespace vant::host {
 
 namespace {
 
-/// A moving input is taken once in this many steps and stays as it is between them.
+/// An input that moves by itself is sampled once in this many steps and held in between.
 constexpr std::int64_t movingSteps = 5;
 
 } // namespace
@@ -97,7 +97,7 @@ std::int64_t Engine::Advance() const {
         m_step = next;
         TakeInputs();
     }
-    m_step = now; // if no input changes, so that reading leaves no trace
+    m_step = now; // Also if no input changes, so that reads have no effect on later ones.
     return time;
 }
 

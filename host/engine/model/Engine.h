@@ -18,12 +18,12 @@ namespace vant::host {
 /// What a read of a parameter returns.
 struct Reading {
     Value value;
-    std::optional<std::string> text; ///< In place of the value's own text.
+    std::optional<std::string> text; ///< Replaces the value's own text.
 };
 
-/// The parameters of a simulated engine as they change during a run, by themselves and by writes. What is
-/// read depends on the time, on the writes and their times and on the seed, not on other reads; only a
-/// behaviour that counts reads depends on them. Ids in UTF-8. Any thread may call.
+/// The parameters of a simulated engine, which change during a run by themselves and by writes. A reading
+/// depends on the time, on the writes and their times, and on the seed. It depends on other reads only if the
+/// parameter's behaviour counts them. Ids are UTF-8. Any thread may call.
 class Engine {
 public:
     /// The engine begins now. Every id that a parameter follows must exist, and no parameter may follow
@@ -36,14 +36,15 @@ public:
 
     /// A value of the kind that can be written. NotFound or ReadOnly.
     Expected<Value> WritableKind(const std::string& id) const;
-    /// Makes `value` what the parameter is or moves to, and drops a text of its own. Otherwise the parameter
-    /// stays as it was: NotFound, ReadOnly, WrongKind or OutOfLimits. Nothing on success.
+    /// Makes `value` the parameter's value, or the one it moves to, and removes the text that replaces the
+    /// value's own. Returns nothing on success; otherwise the parameter stays as it was: NotFound, ReadOnly,
+    /// WrongKind or OutOfLimits.
     std::optional<EngineError> Write(const std::string& id, Value value);
 
 private:
-    /// The parameters, each after all that it follows.
+    /// The parameters, each after those that it follows.
     std::vector<LiveParameter*> InOrder();
-    /// Milliseconds since the engine began; every input that has changed until then has been taken.
+    /// Takes every input that has changed by now, and returns the milliseconds since the engine began.
     std::int64_t Advance() const;
     /// The step after m_step at which an input changes by itself.
     std::int64_t NextChange() const;
@@ -54,12 +55,13 @@ private:
     const TimeSource m_clock;
     const std::int64_t m_began;
     mutable std::mutex m_access;
-    mutable std::map<std::string, LiveParameter> m_parameters; ///< Reads count, and bring them up to date.
-    std::vector<LiveParameter*> m_order;                       ///< Each after all that it follows.
-    std::vector<LiveParameter*> m_inert;                       ///< Those whose past counts.
+    /// Mutable: reads are counted, and bring them up to date.
+    mutable std::map<std::string, LiveParameter> m_parameters;
+    std::vector<LiveParameter*> m_order;  ///< Each after those that it follows.
+    std::vector<LiveParameter*> m_inert;  ///< Those with inertia.
     std::vector<std::int64_t> m_schedule; ///< The steps at which inputs change by themselves, in order.
-    mutable bool m_moves = false;         ///< Whether inputs move, since they were taken last.
-    mutable std::int64_t m_step = 0;      ///< Up to which inputs have been taken.
+    mutable bool m_moves = false;         ///< Whether inputs have moved since they were taken last.
+    mutable std::int64_t m_step = 0;      ///< The step up to which inputs have been taken.
     std::uint64_t m_writes = 0;
 };
 

@@ -11,16 +11,16 @@
 
 namespace vant::host {
 
-/// One parameter of a simulated engine. Texts in UTF-8.
+/// One parameter of a simulated engine. Texts are UTF-8.
 struct EngineParameter {
     std::string name;
-    Value value;                     ///< Its type is the parameter's for good; never null.
-    std::optional<std::string> text; ///< In place of the value's own text, until the first write.
+    Value value;                     ///< Never null; the parameter keeps its type.
+    std::optional<std::string> text; ///< Replaces the value's own text until the first write.
     std::string unitsKey;
     bool readOnly = false;
     bool fails = false; ///< Reads of text and value fail.
     std::optional<Outage> outage;
-    std::optional<std::int64_t> failingRead; ///< The read that fails; counts from 1.
+    std::optional<std::int64_t> failingRead; ///< The number of the read that fails, from 1.
     std::optional<double> min;
     std::optional<double> max;
     std::optional<Behaviour> behaviour; ///< Without one, only writes change the value.
@@ -32,13 +32,13 @@ struct FaultFieldDescription {
 };
 using FaultRecordDescription = std::vector<FaultFieldDescription>;
 
-/// The steps from a control module's identifier to its kind of protocol, in their order.
+/// The steps from a control module's identifier to its kind of protocol, in order.
 enum class ProtocolStep { GetProtocolSource, GetA, GetB, GetC, GetD, GetKind };
 
-/// What a simulated engine is when a run begins; see docs/engines.md for the meaning.
+/// A simulated engine as it is when a run begins; docs/engines.md says what each entry means.
 struct EngineDescription {
     std::string connection = "1"; ///< Begins with the decimal number of the control module.
-    std::int32_t protocol = 0;    ///< The kind that the protocol source chain gives.
+    std::int32_t protocol = 0;    ///< The kind that the chain of protocol sources returns.
     std::optional<ProtocolStep> protocolFails;
     std::uint64_t seed = 0; ///< Of all noise.
     std::map<std::string, EngineParameter> parameters;

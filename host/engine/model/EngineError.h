@@ -4,7 +4,7 @@
 
 namespace vant::host {
 
-/// Why a simulated engine cannot do what was asked of it.
+/// Why a simulated engine refuses a read or a write.
 enum class EngineError {
     NotFound,    ///< There is no such parameter.
     ReadFailed,  ///< Reads of the parameter fail, as its description says.
@@ -13,7 +13,7 @@ enum class EngineError {
     OutOfLimits, ///< The value lies outside the parameter's limits.
 };
 
-/// A result, or why there is none.
+/// A result or an error.
 template <class Result>
 using Expected = std::variant<Result, EngineError>;
 

@@ -14,7 +14,7 @@ constexpr double SecondsOf(std::int64_t steps) noexcept {
 
 double Decay(double x) noexcept {
     if (!(x < 700))
-        return 0; // to all that is added up here
+        return 0; // Too small to change any sum in this file.
     // e^-x = 2^-n * e^-r, where n * ln 2 + r = x and r is small. ln 2 in two parts keeps r exact.
     constexpr double ln2High = 0x1.62e42fee00000p-1;
     constexpr double ln2Low = 0x1.a39ef35793c76p-33;

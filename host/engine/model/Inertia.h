@@ -7,26 +7,25 @@ namespace vant::host {
 /// The grid on which a simulated engine keeps its state, in milliseconds.
 inline constexpr std::int64_t engineStep = 10;
 
-/// e to the power of -x, for x from 0, within three units in the last place. Made of the four basic
-/// operations, so every system has the same bits, which it need not have of std::exp.
+/// e to the power of -x for x >= 0, within three units in the last place. It uses the four basic operations
+/// alone, so every system computes the same bits; std::exp does not guarantee that.
 double Decay(double x) noexcept;
 
-/// A number that does not follow its input at once: with a first-order lag, or with a limited rate. Between
-/// two changes of the input it is a closed form of the time, so looking far ahead costs nothing and looking
-/// often changes nothing.
+/// A number that follows its input with a first-order lag or at a limited rate. Between two changes of the
+/// input it is a closed form of the time: looking far ahead costs nothing, and looking often changes nothing.
 class Inertia {
 public:
-    /// `lag`: time constant in seconds; `rate`: units per second; the one that is above 0 counts. `start` is
-    /// the number, and the input, at step 0.
+    /// `lag` is a time constant in seconds, `rate` is in units per second; one of them is above 0. `start` is
+    /// both the number and the input at step 0.
     Inertia(double start, double lag, double rate) noexcept;
 
-    /// The number at a step, which is not before the last change of the input.
+    /// The number at a step, which must not lie before the last change of the input.
     double At(std::int64_t step) const noexcept;
 
-    /// Whether the number stays what it is at a step for as long as the input does.
+    /// Whether the number remains what it is at a step until the input changes.
     bool IsSettled(std::int64_t step) const noexcept { return At(step) == m_input; }
 
-    /// From this step on, not before an earlier one, the number follows `input`. Both are finite.
+    /// From this step on the number follows `input`, which is finite. Steps must not decrease.
     void Follow(double input, std::int64_t step) noexcept;
 
 private:
@@ -35,7 +34,7 @@ private:
     double m_decayOfStep;
     double m_input;
     double m_from;            ///< The number at m_since.
-    std::int64_t m_since = 0; ///< The step at which the input has changed last.
+    std::int64_t m_since = 0; ///< The step at which the input changed last.
 };
 
 } // namespace vant::host

@@ -29,7 +29,7 @@ double RoundedTo(int decimals, double number) {
     for (int i = 0; i < decimals; ++i)
         scale *= 10;
     const double scaled = number * scale;
-    // Beyond that a number has no such decimals.
+    // A greater number has no such decimals.
     return std::abs(scaled) < 0x1p52 ? std::nearbyint(scaled) / scale : number;
 }
 
@@ -79,7 +79,7 @@ bool LiveParameter::Admits(const Value& value) const {
     const auto number = NumberIn(value);
     const std::optional<double>& min = m_description.min;
     const std::optional<double>& max = m_description.max;
-    // What is not a number lies within no limit.
+    // NaN fails both comparisons, and texts have no limits.
     return !number || ((!min || *number >= *min) && (!max || *number <= *max));
 }
 
@@ -112,8 +112,8 @@ void LiveParameter::TakeInput(std::int64_t step, std::uint64_t writes) {
     m_inertia->Follow(InputAt({step * engineStep, writes}), step);
 }
 
-/// From the end of the chain of leaders back to here: a loop, since chains may be long, which goes no further
-/// than to a level that is known.
+/// Chains of leaders may be long: a loop instead of a recursion, from the first leader whose level is known
+/// back to this parameter.
 double LiveParameter::LevelAt(const Moment& moment) const {
     std::vector<const LiveParameter*> chain;
     for (const LiveParameter* each = this; each->TakesLevel() && !each->KnowsLevel(moment);

@@ -11,7 +11,7 @@
 
 namespace vant::host {
 
-/// A time in milliseconds since the engine began, and how many writes came before it. Levels depend on both.
+/// A time in milliseconds since the engine began, and the number of writes before it. Levels depend on both.
 struct Moment {
     std::int64_t time = 0;
     std::uint64_t writes = 0;
@@ -25,34 +25,35 @@ class LiveParameter {
 public:
     LiveParameter(const std::string& id, const EngineParameter& description, std::uint64_t seed);
 
-    /// Finds the parameters that this one follows, which must exist and stay where they are.
+    /// Looks up the parameters that this one follows. They must exist, and must not move afterwards.
     void Connect(const std::map<std::string, LiveParameter>& all);
     const std::vector<const LiveParameter*>& Followed() const noexcept { return m_followed; }
 
-    /// Counts a read; whether it succeeds.
+    /// Counts a read, and returns whether it succeeds.
     bool BeginRead(std::int64_t time);
     /// The result of the read that has begun.
     Value Read(const Moment& moment) const;
-    /// The text that stands in place of the value's own.
+    /// The text that replaces the value's own, if there is one.
     const std::optional<std::string>& OwnText() const noexcept { return m_text; }
 
     bool IsReadOnly() const noexcept;
     /// A value of the parameter's kind.
     const Value& Kind() const noexcept { return m_description.value; }
-    /// Whether a value lies within the limits. A value that is not a number always does.
+    /// Whether a value lies within the limits. Texts and truth values always do; NaN does not if there is a
+    /// limit.
     bool Admits(const Value& value) const;
     /// `order` rises with every write of the engine.
     void Write(Value value, std::uint64_t order);
 
-    /// Whether the past counts: whether there is anything to follow step by step.
+    /// Whether the parameter follows its input with a lag or at a limited rate.
     bool HasInertia() const noexcept { return m_inertia.has_value(); }
-    /// Finds out, after all parameters that this one follows have done so, whether the input may change after
-    /// a step, other than at scheduled times and with writes.
+    /// Determines whether the input may change after a step, other than at scheduled times and by writes. To
+    /// be called first for the parameters that this one follows.
     void FindMoves(std::int64_t step);
     bool InputMoves() const noexcept { return m_inputMoves; }
     /// The times at which the input changes by itself.
     void AddSchedule(std::vector<std::int64_t>& times) const;
-    /// For a parameter with inertia: takes the input that it has at a step.
+    /// Takes the input of that step. For a parameter with inertia.
     void TakeInput(std::int64_t step, std::uint64_t writes);
 
 private:
@@ -63,11 +64,11 @@ private:
     };
 
     double LevelAt(const Moment& moment) const;
-    /// As LevelAt, once the level of the leader is known.
+    /// Like LevelAt; the level of the leader must be known.
     double NextLevel(const Moment& moment) const;
     double InputAt(const Moment& moment) const;
     double SourceAt(const Behaviour& behaviour, const Moment& moment) const;
-    /// Whether the level is that of another parameter, without a past of its own.
+    /// Whether the level follows from that of another parameter at the same moment.
     bool TakesLevel() const noexcept { return !m_followed.empty() && !m_inertia; }
     bool KnowsLevel(const Moment& moment) const noexcept { return m_level && m_level->at == moment; }
     /// Of the parameters that this one follows, the one written last.

@@ -5,8 +5,8 @@
 
 namespace vant::host {
 
-// Noise that is a function of the place at which one looks: whoever reads, however often, sees the same. The
-// arithmetic is that of 64-bit integers, so every system has the same numbers.
+// Noise as a function of the position in a stream: every reader sees the same, however often it reads. The
+// arithmetic uses 64-bit integers alone, so every system computes the same numbers.
 
 /// The mixing function of the generator SplitMix64: a bijection whose results look independent.
 constexpr std::uint64_t Mix(std::uint64_t number) noexcept {
@@ -15,7 +15,7 @@ constexpr std::uint64_t Mix(std::uint64_t number) noexcept {
     return number ^ (number >> 31);
 }
 
-/// The noise that belongs to a name; names do not disturb each other.
+/// The stream of noise for a name. Streams of different names are independent.
 constexpr std::uint64_t NoiseStream(std::uint64_t seed, std::string_view name) noexcept {
     std::uint64_t hash = 0xCBF29CE484222325U; // FNV-1a
     for (const char each : name)

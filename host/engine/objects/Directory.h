@@ -8,7 +8,7 @@
 
 namespace vant::host {
 
-/// Opens the engine's control module, the only one that there is.
+/// Opens the engine's only control module.
 class Directory final : public HostDispatch<IECMDirectory> {
 public:
     /// The session must outlive the directory.

@@ -8,10 +8,10 @@
 
 namespace vant::host {
 
-/// The engine services: one COM object with the thread service.
+/// The engine services. They form one COM object with the thread service.
 class ECMServices final : public HostDispatch<IECMServicesOld> {
 public:
-    /// All must outlive the services. `identity` answers for every interface.
+    /// All must outlive the services. `identity` implements QueryInterface for the whole COM object.
     ECMServices(CallGate& gate, IUnknown& identity, UnitsTable& units)
         : HostDispatch(gate, service::ECMServices), m_identity(identity), m_units(units) {}
 

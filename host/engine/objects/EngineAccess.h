@@ -10,11 +10,11 @@
 
 namespace vant::host {
 
-// The simulated engine as COM callers see it: VARIANTs, strings and result codes. Conversions follow locale
-// 1033. Any thread may call.
+// The simulated engine as COM callers see it, with VARIANTs, strings and result codes. Values are converted
+// under locale 1033. Any thread may call.
 
 /// HRESULT_FROM_WIN32(ERROR_NOT_FOUND), HRESULT_FROM_WIN32(ERROR_READ_FAULT), E_ACCESSDENIED,
-/// DISP_E_TYPEMISMATCH or E_BOUNDS, in the order of the errors.
+/// DISP_E_TYPEMISMATCH or E_BOUNDS, in the order of EngineError.
 HRESULT CodeOf(EngineError error) noexcept;
 
 /// The current value of a parameter, with the parameter's type.
@@ -23,12 +23,12 @@ HRESULT ReadValue(const Engine& engine, const std::string& id, CComVariant& valu
 /// The current value of a parameter as text.
 HRESULT ReadText(const Engine& engine, const std::string& id, CComBSTR& text);
 
-/// Converts a copy of `value` to the parameter's type and writes it. Also E_INVALIDARG for a value by
-/// reference, and the DISP_E_ code of a conversion that fails.
+/// Converts a copy of `value` to the parameter's type and writes it. Besides the codes of the engine's
+/// errors, E_INVALIDARG for a value by reference, and the DISP_E_ code of a conversion that fails.
 HRESULT WriteValue(Engine& engine, const std::string& id, const VARIANT& value);
 
-/// Reads a parameter into `out`, which the caller clears, and adds what was read to the record as "value". On
-/// failure `*out` stays as it is; E_POINTER for a null `out`.
+/// Reads a parameter into `out`, which the caller clears, and adds the value to the record. On failure `*out`
+/// stays as it is. E_POINTER for a null `out`.
 HRESULT HandOutValue(const Engine& engine, const std::string& id, Record& record, VARIANT* out);
 
 } // namespace vant::host

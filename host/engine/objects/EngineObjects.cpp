@@ -10,8 +10,8 @@ namespace vant::host {
 
 namespace {
 
-/// The control module's number, as commands make it from the connection's identifier: the leading decimal
-/// digits, clamped to 32 bits.
+/// The control module's number, which commands, too, derive from the connection's identifier: its leading
+/// decimal digits, clamped to 32 bits.
 LONG EcmIdOf(const std::string& connection) {
     const long long number = std::strtoll(connection.c_str(), nullptr, 10);
     return static_cast<LONG>(

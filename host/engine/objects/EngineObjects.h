@@ -22,18 +22,18 @@ namespace vant::host {
 /// A simulated engine and all objects through which commands reach it.
 class EngineObjects {
 public:
-    /// `identity`, the COM object that the engine services belong to, must outlive this.
+    /// `identity` is the COM object that the engine services belong to. It must outlive this object.
     EngineObjects(CallGate& gate, EngineDescription description, IUnknown& identity);
 
     Engine& Model() noexcept { return m_engine; }
     Connection& TheConnection() noexcept { return m_connection; }
     ECMServices& Services() noexcept { return m_services; }
     SessionManager& Sessions() noexcept { return m_sessionManager; }
-    /// Null where there is none of that id.
+    /// Null if no parameter, or no fault array, has that id.
     Parameter* FindParameter(const std::string& id) const;
     FaultArray* FindFaultArray(const std::string& id) const;
 
-    /// The names of the objects that commands still hold; "Session" also while a handle is open.
+    /// The names of the objects that commands still hold. The session counts as held while a handle is open.
     std::vector<std::string> StillHeld() const;
 
 private:

@@ -14,7 +14,7 @@ namespace vant::host {
 template <class List, class ItemInterface, class Item>
 class ItemList : public HostDispatch<List> {
 public:
-    /// One item for each description, in their order.
+    /// Makes one item for each description, in the same order.
     template <class Descriptions>
     ItemList(CallGate& gate, const char* service, const Descriptions& descriptions)
         : HostDispatch<List>(gate, service) {
@@ -22,7 +22,7 @@ public:
             m_items.push_back(std::make_unique<Item>(gate, each));
     }
 
-    /// `index` is a VT_I4 and counts from 1; see HandOutItem for the refusals.
+    /// `index` is a VT_I4 and counts from 1; HandOutItem says what is refused.
     HRESULT STDMETHODCALLTYPE get_Item(VARIANT index, ItemInterface** out) override {
         return this->Perform(operation::get_Item, [&](Record& record) {
             record.Add(argument::index, ToValue(index));

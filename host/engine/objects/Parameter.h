@@ -10,7 +10,7 @@
 
 namespace vant::host {
 
-/// One parameter of the engine, as it is at the time of each call.
+/// One parameter of the engine. Each call returns its current state.
 class Parameter final : public HostDispatch<IParameterOld> {
 public:
     /// The engine must outlive the object and have the parameter.

@@ -7,8 +7,8 @@
 
 namespace vant::host {
 
-// Four steps lead from a control module to the kind of protocol that it speaks. The engine's description may
-// let one of them fail.
+// The chain of objects that leads from a control module to the kind of protocol that it speaks. The engine's
+// description may have one of its steps fail.
 
 class ProtocolSourceD final : public HostDispatch<IProtocolSourceD> {
 public:

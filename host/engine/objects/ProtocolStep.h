@@ -5,8 +5,8 @@
 
 namespace vant::host {
 
-/// Hands out what a step of the protocol source chain leads to; E_FAIL, null out, where the engine
-/// lets this step fail.
+/// Hands out the object that a step of the chain of protocol sources leads to. E_FAIL, null out, if the
+/// engine's description has this step fail.
 template <class Object, class Interface>
 HRESULT HandOutStep(const EngineDescription& engine, ProtocolStep step, Object* object, Interface** out) {
     if (!out || engine.protocolFails != step)

@@ -10,7 +10,7 @@
 
 namespace vant::host {
 
-/// One parameter of the engine as a session gives it, as it is at the time of each call.
+/// One parameter of the engine as a session hands it out. Each call returns its current value.
 class SessionItem final : public HostDispatch<IECMSessionItem> {
 public:
     /// The engine must outlive the object and have the parameter.

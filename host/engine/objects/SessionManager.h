@@ -8,10 +8,10 @@
 
 namespace vant::host {
 
-/// The way to direct sessions and to the kind of protocol: one COM object with the engine services.
+/// Leads to direct sessions and to the kind of protocol. It forms one COM object with the engine services.
 class SessionManager final : public HostDispatch<IECMSessionManager> {
 public:
-    /// All must outlive the manager. `identity` answers for every interface but its own.
+    /// All must outlive the manager. `identity` implements QueryInterface for the whole COM object.
     SessionManager(CallGate& gate, const EngineDescription& engine, IUnknown& identity, Directory& directory,
                    ProtocolSource& source)
         : HostDispatch(gate, service::SessionManager), m_engine(engine), m_identity(identity),

@@ -14,7 +14,7 @@ namespace vant::host {
 
 class UnitsTable final : public HostDispatch<IUnitsTable> {
 public:
-    /// `units`: texts by their keys.
+    /// `units` are texts by key.
     UnitsTable(CallGate& gate, const std::map<std::string, std::string>& units)
         : HostDispatch(gate, service::UnitsTable) {
         for (const auto& [key, text] : units)

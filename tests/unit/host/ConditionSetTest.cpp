@@ -68,7 +68,7 @@ protected:
     std::optional<Services> services;
 };
 
-TEST_F(ConditionSetTest, Order_IsThatOfNumbersAndKnowsItsLimits) {
+TEST_F(ConditionSetTest, Comparison_OfNumbersIncludesTheLimitIfItsNameSaysSo) {
     const auto holds = [this](Comparison comparison, double limit) {
         return Holds(On(parameter, "100", comparison, limit));
     };
@@ -101,7 +101,7 @@ TEST_F(ConditionSetTest, TextInTheDataStore_IsConvertedForNumbersAlone) {
     EXPECT_FALSE(Holds(On(data, "text", Comparison::Is, std::int64_t{12}))); // nothing is rounded
 }
 
-TEST_F(ConditionSetTest, FirstConditionThatFails_IsRememberedAndEndsTheRound) {
+TEST_F(ConditionSetTest, FirstConditionThatFails_IsRememberedAndEndsTheEvaluation) {
     bool allMet = true;
     ASSERT_EQ(Evaluate({On(parameter, "100", Comparison::Above, 0.0, "a"),
                         On(parameter, "100", Comparison::Below, 5.0, "b"),
@@ -118,7 +118,7 @@ TEST_F(ConditionSetTest, FirstConditionThatFails_IsRememberedAndEndsTheRound) {
     EXPECT_EQ(key, L"b");
 }
 
-TEST_F(ConditionSetTest, WithoutAFailure_ThereIsNoKey) {
+TEST_F(ConditionSetTest, WithoutAFailure_NoKeyIsReturned) {
     bool allMet = false;
     ASSERT_EQ(Evaluate({On(parameter, "100", Comparison::Above, 0.0)}, allMet), S_OK);
     EXPECT_TRUE(allMet);
@@ -139,7 +139,7 @@ TEST_F(ConditionSetTest, Failure_StaysRememberedWhenAllConditionsHoldAgain) {
     EXPECT_EQ(key, L"a");
 }
 
-TEST_F(ConditionSetTest, SubjectThatCannotBeRead_IsTheAnswerAndCountsAsFailed) {
+TEST_F(ConditionSetTest, SubjectThatCannotBeRead_ReturnsItsCodeAndCountsAsFailed) {
     const auto expect = [this](Condition condition, HRESULT code) {
         bool allMet = true;
         condition.message = "unreadable";

@@ -82,7 +82,7 @@ TEST_F(EngineBehaviourTest, Speed_FollowsTheThrottleWithItsLag) {
     EXPECT_EQ(NumberAt(3600000, "101000"), 600.0);
 }
 
-TEST_F(EngineBehaviourTest, OfSeveralThrottles_TheOneWrittenLastLeads) {
+TEST_F(EngineBehaviourTest, Speed_FollowsTheThrottleThatWasWrittenLast) {
     Start(throttled);
     ASSERT_EQ(WriteAt(0, "13190", 40), S_OK);
     ASSERT_EQ(WriteAt(100000, "110142", 20), S_OK);
@@ -91,7 +91,7 @@ TEST_F(EngineBehaviourTest, OfSeveralThrottles_TheOneWrittenLastLeads) {
     EXPECT_NEAR(NumberAt(300000, "101000"), 850, 1e-9);
 }
 
-TEST_F(EngineBehaviourTest, Beginning_IsWhenTheEngineIsMade) {
+TEST_F(EngineBehaviourTest, Times_CountFromTheCreationOfTheEngine) {
     Start("[parameters.a]\nvalue = 0.0\nbehaviour.ramp = { to = 10, over = 10 }\n", 123456);
     EXPECT_EQ(NumberAt(123456, "a"), 0.0);
     EXPECT_EQ(NumberAt(128456, "a"), 5.0);
@@ -145,7 +145,7 @@ TEST_F(EngineBehaviourTest, Ramp_IsALineBetweenItsEnds) {
     EXPECT_EQ(NumberAt(600000, "a"), 20.0);
 }
 
-TEST_F(EngineBehaviourTest, Changes_HoldFromTheirTimesOn) {
+TEST_F(EngineBehaviourTest, Changes_ApplyFromTheirTimesOn) {
     Start(R"([parameters.fan]
 value = "OFF"
 behaviour.changes = [{ at = 1, to = "SLOW" }, { at = 2.5, to = "FAST" }]
@@ -175,7 +175,7 @@ TEST_F(EngineBehaviourTest, ChangeWithLag_IsFollowedFromItsTimeOn) {
     EXPECT_NEAR(NumberAt(6000, "a"), 10 - 10 * std::exp(-1), 1e-12);
 }
 
-TEST_F(EngineBehaviourTest, Sequence_GivesOneValueForEachReadAndKeepsTheLast) {
+TEST_F(EngineBehaviourTest, Sequence_ReturnsOneValueForEachReadAndRepeatsTheLast) {
     Start("[parameters.a]\nvalue = 0\nbehaviour.sequence = [1300, 1350.5, 1450]\n"
           "[parameters.b]\nvalue = ''\nbehaviour.sequence = ['x', 'y']\n");
     EXPECT_EQ(ValueAt(0, "a"), Value(std::int64_t{1300}));
@@ -196,7 +196,7 @@ TEST_F(EngineBehaviourTest, SequenceInTime_ChangesWhetherReadOrNot) {
     EXPECT_EQ(NumberAt(9000, "a"), 3.0);
 }
 
-TEST_F(EngineBehaviourTest, Outage_FailsEveryReadOfItsTime) {
+TEST_F(EngineBehaviourTest, Outage_FailsEveryReadWhileItLasts) {
     Start("[parameters.a]\nvalue = 1\nfails = { from = 2, until = 3 }\n"
           "[parameters.b]\nvalue = 1\nfails = { from = 2 }\n");
     EXPECT_EQ(CodeAt(1999, "a"), S_OK);
@@ -209,7 +209,7 @@ TEST_F(EngineBehaviourTest, Outage_FailsEveryReadOfItsTime) {
     EXPECT_EQ(CodeAt(3600000, "b"), HRESULT_FROM_WIN32(ERROR_READ_FAULT));
 }
 
-TEST_F(EngineBehaviourTest, FailingRead_IsTheOneOfItsNumber) {
+TEST_F(EngineBehaviourTest, FailingRead_IsTheOneWithThatNumber) {
     Start("[parameters.a]\nvalue = 1\nfails.read = 3\nbehaviour.sequence = [1, 2, 3, 4]\n");
     EXPECT_EQ(NumberAt(0, "a"), 1.0);
     EXPECT_EQ(TextAt(0, "a"), L"2");
@@ -249,7 +249,7 @@ TEST_F(EngineBehaviourTest, NoisyReading_StaysWithinTheLimits) {
     }
 }
 
-TEST_F(EngineBehaviourTest, FollowerOfANoisyParameter_FollowsWhatIsNotRead) {
+TEST_F(EngineBehaviourTest, FollowerOfANoisyParameter_FollowsTheValueWithoutNoise) {
     Start("[parameters.a]\nvalue = 100.0\nbehaviour.noise = 50\n"
           "[parameters.b]\nvalue = 0.0\nbehaviour = { follows = 'a', gain = 2, offset = 1 }\n");
     EXPECT_EQ(NumberAt(0, "b"), 201.0);
@@ -352,7 +352,7 @@ TEST_F(EngineBehaviourTest, WriteWithinAStep_CountsFromTheStepsBeginning) {
     EXPECT_EQ(NumberAt(2000, "a"), 1.0);
 }
 
-TEST_F(EngineBehaviourTest, WhatIsNoNumber_CountsAsZero) {
+TEST_F(EngineBehaviourTest, ValueThatIsNotANumber_CountsAsZero) {
     Start("[parameters.a]\nvalue = 5.0\n"
           "[parameters.b]\nvalue = 5.0\nbehaviour = { follows = 'a', lag = 1 }\n");
     ASSERT_EQ(WriteAt(0, "a", std::nan("")), S_OK);
@@ -390,8 +390,8 @@ constexpr const char* livelyIds[] = {"speed", "pressure", "valve", "coolant", "b
 
 class LivelyEngineTest : public EngineBehaviourTest {
 protected:
-    /// Runs for 20 s and reads everything at every whole second, and besides every so many milliseconds (0:
-    /// not); the bits of what is read at the whole seconds, mixed into one number.
+    /// Runs for 20 s, and reads everything at each whole second and, unless `every` is 0, each `every`
+    /// milliseconds. Returns the bits of the readings at the whole seconds, mixed into one number.
     std::uint64_t Run(std::int64_t every) {
         Start(lively);
         std::uint64_t hash = 0;

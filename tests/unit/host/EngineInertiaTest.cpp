@@ -13,7 +13,7 @@ double UnitsApart(double a, double b) {
     return std::abs(a - b) / (std::nextafter(b, std::numeric_limits<double>::infinity()) - b);
 }
 
-TEST(Decay, KnownPowers_AreMetWithinThreeUnits) {
+TEST(Decay, KnownPowers_AreMatchedWithinThreeUnits) {
     EXPECT_EQ(Decay(0), 1.0);
     // From a calculation with 50 digits.
     EXPECT_LE(UnitsApart(Decay(1e-5), 0.99999000004999983333), 3);
@@ -26,12 +26,12 @@ TEST(Decay, KnownPowers_AreMetWithinThreeUnits) {
     EXPECT_LE(UnitsApart(Decay(699.5), 1.6255858439919857049e-304), 3);
 }
 
-TEST(Decay, Everywhere_ItAgreesWithTheLibrary) {
+TEST(Decay, Everywhere_AgreesWithTheStandardLibrary) {
     for (double x = 0; x < 690; x += 0.0371)
         ASSERT_LE(UnitsApart(Decay(x), std::exp(-x)), 3) << x;
 }
 
-TEST(Decay, FarAway_IsNothing) {
+TEST(Decay, LargeArgument_ReturnsZero) {
     EXPECT_EQ(Decay(700), 0.0);
     EXPECT_EQ(Decay(std::numeric_limits<double>::infinity()), 0.0);
 }
@@ -59,7 +59,7 @@ TEST(Inertia, LagAfterOneTimeConstant_HasLeftAnEthOfTheDistance) {
     EXPECT_NEAR(speed.At(200), 1 - 0.36787944117144233, 1e-15);
 }
 
-TEST(Inertia, LagAfterLong_IsTheInputItself) {
+TEST(Inertia, LagAfterALongTime_IsTheInputItself) {
     Inertia speed(0.1, 0.5, 0);
     speed.Follow(0.3, 0);
     EXPECT_EQ(speed.At(360000000), 0.3);
@@ -77,7 +77,7 @@ TEST(Inertia, Rate_GoesStraightAndStopsAtTheInput) {
     EXPECT_EQ(valve.At(900), 60.0);
 }
 
-TEST(Inertia, InputThatTurnsOnTheWay_IsFollowedFromThere) {
+TEST(Inertia, InputThatChangesOnTheWay_IsFollowedFromThere) {
     Inertia valve(0, 0, 1);
     valve.Follow(10, 0);
     valve.Follow(0, 500);

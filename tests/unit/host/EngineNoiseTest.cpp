@@ -35,7 +35,7 @@ TEST(Noise, LongSeries_FillsItsRangeEvenly) {
         EXPECT_NEAR(part, 10000, 400);
 }
 
-TEST(Noise, OtherSeedOrName_GivesOtherNoise) {
+TEST(Noise, DifferentSeedOrName_ProducesDifferentNoise) {
     const auto correlation = [](std::uint64_t a, std::uint64_t b) {
         double sum = 0;
         for (std::uint64_t i = 0; i < 10000; ++i)

@@ -117,7 +117,7 @@ protected:
     std::optional<Services> services;
 };
 
-TEST_F(EngineObjectsTest, Parameter_AnswersNameTextValueAndUnitsKey) {
+TEST_F(EngineObjectsTest, Parameter_ReturnsNameTextValueAndUnitsKey) {
     const auto parameter = Parameter(L"101000");
     CComBSTR name;
     EXPECT_EQ(parameter->get_Name(&name), S_OK);
@@ -159,7 +159,7 @@ TEST_F(EngineObjectsTest, NullPointers_AreRefused) {
     EXPECT_EQ(Faults(L"199000")->get_Item(CComVariant(LONG{1}).Get(), nullptr), E_POINTER);
 }
 
-TEST_F(EngineObjectsTest, GetParameter_LooksForEachKindAmongItsOwn) {
+TEST_F(EngineObjectsTest, GetParameter_FindsIdsOfTheRequestedKindAlone) {
     IUnknown* object = &Host().service3;
     EXPECT_EQ(Host().parameterService.GetParameter(Text(L"199000").Get(), 1, &object),
               HRESULT_FROM_WIN32(ERROR_NOT_FOUND));
@@ -169,7 +169,7 @@ TEST_F(EngineObjectsTest, GetParameter_LooksForEachKindAmongItsOwn) {
     EXPECT_EQ(Host().parameterService.GetParameter(Text(L"101000").Get(), 3, &object), E_INVALIDARG);
 }
 
-TEST_F(EngineObjectsTest, SetParameter_WritesAndGivesTheParameter) {
+TEST_F(EngineObjectsTest, SetParameter_WritesAndReturnsTheParameter) {
     CComPtr<IUnknown> object;
     EXPECT_EQ(Host().parameterService.SetParameter(Text(L"101000").Get(), 1, CComVariant(Text(L"1200")).Get(),
                                                    &object),
@@ -184,7 +184,7 @@ TEST_F(EngineObjectsTest, SetParameter_WritesAndGivesTheParameter) {
         S_OK);
 }
 
-TEST_F(EngineObjectsTest, SetParameter_RefusalGivesNoParameter) {
+TEST_F(EngineObjectsTest, SetParameterThatFails_ReturnsNoParameter) {
     IUnknown* object = &Host().service3;
     EXPECT_EQ(Host().parameterService.SetParameter(Text(L"101000").Get(), 1, CComVariant(LONG{3001}).Get(),
                                                    &object),
@@ -198,7 +198,7 @@ TEST_F(EngineObjectsTest, SetParameter_RefusalGivesNoParameter) {
         HRESULT_FROM_WIN32(ERROR_NOT_FOUND));
 }
 
-TEST_F(EngineObjectsTest, Connection_GivesItsIdentifier) {
+TEST_F(EngineObjectsTest, Connection_ReturnsItsIdentifier) {
     CComPtr<IConnectionOld> connection;
     ASSERT_EQ(Host().parameterService.GetConnection(&connection), S_OK);
     CComBSTR identifier;
@@ -221,7 +221,7 @@ TEST_F(EngineObjectsTest, ThreadServiceEcmServicesAndSessionManager_AreOneObject
     EXPECT_EQ(again.Get(), ecm.Get());
 }
 
-TEST_F(EngineObjectsTest, ProtocolChain_GivesEveryKind) {
+TEST_F(EngineObjectsTest, ProtocolChain_ReturnsEveryKind) {
     for (LONG kind = 0; kind <= 6; ++kind) {
         services.reset();
         description.protocol = kind;
@@ -231,7 +231,7 @@ TEST_F(EngineObjectsTest, ProtocolChain_GivesEveryKind) {
     }
 }
 
-TEST_F(EngineObjectsTest, ProtocolChain_FailsAtTheStepThatIsToFail) {
+TEST_F(EngineObjectsTest, ProtocolChain_FailsAtTheDescribedStep) {
     const char* const names[] = {"SessionManager.GetProtocolSource",
                                  "ProtocolSource.GetA",
                                  "ProtocolSourceA.GetB",
@@ -298,7 +298,7 @@ TEST_F(EngineObjectsTest, Session_ReadsParametersWhileAHandleIsOpen) {
     EXPECT_EQ(session->ReadParameter(101000, 1, &none), E_UNEXPECTED);
 }
 
-TEST_F(EngineObjectsTest, Session_GivesEachRegistrationItsOwnHandle) {
+TEST_F(EngineObjectsTest, Session_ReturnsADifferentHandleForEachRegistration) {
     const auto session = OpenSession();
     LONG first = 0;
     LONG second = 0;
@@ -308,7 +308,7 @@ TEST_F(EngineObjectsTest, Session_GivesEachRegistrationItsOwnHandle) {
     EXPECT_EQ(second, 2);
 }
 
-TEST_F(EngineObjectsTest, OpenECM_KnowsOneControlModule) {
+TEST_F(EngineObjectsTest, OpenECM_FindsOneControlModule) {
     IUnknown* ecm = &Host().service3;
     EXPECT_EQ(EcmDirectory()->OpenECM(1, &ecm), HRESULT_FROM_WIN32(ERROR_NOT_FOUND));
     EXPECT_EQ(ecm, nullptr);
@@ -336,7 +336,7 @@ TEST_F(EngineObjectsTest, Units_AreFoundByTheirKeys) {
     EXPECT_EQ(none.Get(), nullptr);
 }
 
-TEST_F(EngineObjectsTest, FaultArray_GivesRecordsAndFieldsInTheirOrder) {
+TEST_F(EngineObjectsTest, FaultArray_ReturnsRecordsAndFieldsInOrder) {
     const auto list = Faults(L"199000");
     LONG count = 0;
     ASSERT_EQ(list->get_Count(&count), S_OK);
@@ -355,7 +355,7 @@ TEST_F(EngineObjectsTest, FaultArray_GivesRecordsAndFieldsInTheirOrder) {
     EXPECT_EQ(value.Text(), L"190");
 }
 
-TEST_F(EngineObjectsTest, FaultArray_IndexesCountFromOneAndAreIntegers) {
+TEST_F(EngineObjectsTest, FaultArray_TakesIntegerIndexesFromOne) {
     const auto list = Faults(L"199000");
     CComPtr<IFaultRecord> record;
     EXPECT_EQ(list->get_Item(CComVariant(LONG{0}).Get(), &record), DISP_E_BADINDEX);
@@ -378,7 +378,7 @@ TEST_F(EngineObjectsTest, ObjectsThatAreHeld_AreNamed) {
               (std::vector<std::string>{"Parameter '101000'", "FaultRecordList", "ECMServices"}));
 }
 
-TEST_F(EngineObjectsTest, SlotsWithoutMeaning_AreRefusedAndRecorded) {
+TEST_F(EngineObjectsTest, ReservedSlots_AreNotImplementedAndRecorded) {
     EXPECT_EQ(Parameter(L"101000")->Reserved7(), E_NOTIMPL);
     EXPECT_EQ(Last(), "Parameter.Reserved7{} 0x80004001");
     EXPECT_EQ(EcmServices()->Reserved11(), E_NOTIMPL);
@@ -387,7 +387,7 @@ TEST_F(EngineObjectsTest, SlotsWithoutMeaning_AreRefusedAndRecorded) {
     EXPECT_EQ(OpenSession()->Reserved10(), E_NOTIMPL);
 }
 
-TEST_F(EngineObjectsTest, ReadsAndWritesOnManyThreads_AreAllAnswered) {
+TEST_F(EngineObjectsTest, ReadsAndWritesOnManyThreads_AllSucceed) {
     Host();
     std::vector<std::thread> threads;
     for (LONG i = 0; i < 4; ++i)

@@ -64,7 +64,7 @@ TEST_F(EngineTest, Texts_AreThoseOfTheValues) {
     EXPECT_EQ(TextOf(engine, "truth"), L"-1");
 }
 
-TEST_F(EngineTest, OwnText_StandsUntilTheFirstWrite) {
+TEST_F(EngineTest, OwnText_IsReturnedUntilTheFirstWrite) {
     Engine engine(description);
     EXPECT_EQ(TextOf(engine, "named"), L"second gear");
     EXPECT_EQ(WriteValue(engine, "named", CComVariant(LONG{3}).Get()), S_OK);
@@ -100,7 +100,7 @@ TEST_F(EngineTest, ValueByReference_IsRefused) {
     EXPECT_EQ(WriteValue(engine, "int", value), E_INVALIDARG);
 }
 
-TEST_F(EngineTest, Limits_BelongToTheRange) {
+TEST_F(EngineTest, Limits_AreAccepted) {
     Engine engine(description);
     EXPECT_EQ(WriteValue(engine, "int", CComVariant(LONG{0}).Get()), S_OK);
     EXPECT_EQ(WriteValue(engine, "int", CComVariant(LONG{3000}).Get()), S_OK);
@@ -117,13 +117,13 @@ TEST_F(EngineTest, NotANumber_LiesWithinNoLimit) {
     EXPECT_EQ(ValueOf(engine, "real"), Value(12.5));
 }
 
-TEST_F(EngineTest, ReadOnlyParameter_RefusesWritesAndGivesItsValue) {
+TEST_F(EngineTest, ReadOnlyParameter_RefusesWritesAndReturnsItsValue) {
     Engine engine(description);
     EXPECT_EQ(WriteValue(engine, "fixed", CComVariant(LONG{2}).Get()), E_ACCESSDENIED);
     EXPECT_EQ(ValueOf(engine, "fixed"), Value(std::int64_t{1}));
 }
 
-TEST_F(EngineTest, FailingParameter_RefusesReadsAndTakesWrites) {
+TEST_F(EngineTest, FailingParameter_RefusesReadsAndAcceptsWrites) {
     Engine engine(description);
     CComVariant value;
     CComBSTR text;

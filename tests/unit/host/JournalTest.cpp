@@ -29,7 +29,7 @@ protected:
     std::vector<Record> records;
 };
 
-TEST_F(JournalTest, Record_BearsTheTimeOfTheClock) {
+TEST_F(JournalTest, Record_HasTheTimeOfTheClock) {
     now = 250;
     journal.Add(Event("First"));
     now = 1000;
@@ -48,7 +48,7 @@ TEST_F(JournalTest, EveryObserver_GetsEachRecordInOrder) {
     EXPECT_EQ(records.size(), 2U);
 }
 
-TEST_F(JournalTest, NestedCommands_RecordNamesTheInnermost) {
+TEST_F(JournalTest, RecordWithinNestedCommands_NamesTheInnermost) {
     journal.Add(Event("Outside"));
     {
         const CommandScope outer("outer");
@@ -80,7 +80,7 @@ TEST_F(JournalTest, ThreadAndCommand_AreThoseOfTheCallingThread) {
     EXPECT_EQ(records[1].command, "here");
 }
 
-TEST_F(JournalTest, ThreadScope_EndsWithThePreviousName) {
+TEST_F(JournalTest, EndOfAThreadScope_RestoresThePreviousName) {
     const ThreadScope outer("outer");
     { const ThreadScope inner("inner"); }
     EXPECT_EQ(CurrentThread(), "outer");
@@ -99,7 +99,7 @@ TEST_F(JournalTest, ManyThreads_LoseNoRecord) {
     EXPECT_TRUE(journal.IsComplete());
 }
 
-TEST_F(JournalTest, ObserverThatFails_MakesJournalIncompleteAndDisturbsNobody) {
+TEST_F(JournalTest, ObserverThatFails_MakesTheJournalIncompleteAndAffectsNoOther) {
     EXPECT_TRUE(journal.IsComplete());
     journal.Observe([](const Record&) { throw std::runtime_error("full"); });
     journal.Add(Event("First"));

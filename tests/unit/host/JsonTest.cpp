@@ -62,7 +62,7 @@ TEST(JsonLines, TextBeyondAsciiStaysUtf8_ControlCharactersAreEscaped) {
     EXPECT_NE(Line(record).find("\"\xE2\x82\xAC\\n\\\"\\u0000\""), std::string::npos);
 }
 
-TEST(JsonLines, StreamThatTakesNothing_ShowsInItsState) {
+TEST(JsonLines, FailedWrite_ShowsInTheStreamsState) {
     struct Full : std::streambuf {
     } full;
     std::ostream out(&full);
@@ -71,7 +71,7 @@ TEST(JsonLines, StreamThatTakesNothing_ShowsInItsState) {
     EXPECT_FALSE(out.good());
 }
 
-TEST(JsonValue, NumberThatJsonCannotWrite_IsText) {
+TEST(JsonValue, NumberThatJsonDoesNotKnow_IsText) {
     using Limits = std::numeric_limits<double>;
     EXPECT_EQ(ToJson(Value(Limits::quiet_NaN())), "NaN");
     EXPECT_EQ(ToJson(Value(Limits::infinity())), "Infinity");

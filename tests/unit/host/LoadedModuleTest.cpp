@@ -41,7 +41,7 @@ TEST(LoadedModule, FileThatIsMissing_Throws) {
     EXPECT_THROW(LoadedModule(ProgramFolder() / "missing.library"), std::runtime_error);
 }
 
-TEST(LoadedModule, FileThatIsNoLibrary_Throws) {
+TEST(LoadedModule, FileThatIsNotALibrary_Throws) {
     EXPECT_THROW(LoadedModule{ProgramFolder()}, std::runtime_error);
 }
 

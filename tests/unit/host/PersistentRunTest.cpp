@@ -75,7 +75,7 @@ end = 'passed'
 end = 'failed'
 )";
 
-/// What one run has left behind.
+/// The result of one run.
 struct Outcome {
     Verdict verdict{};
     std::vector<Record> records;
@@ -118,7 +118,7 @@ Outcome RunSteps(const std::string& steps) {
     return outcome;
 }
 
-TEST(PersistentRun, StepWithoutWait_GoesOnAtOnceAndTheEndStopsWhatRuns) {
+TEST(PersistentRun, StepWithoutWait_ContinuesAtOnceAndTheEndStopsRunningCommands) {
     const Outcome outcome = RunSteps("[steps.s]\nrun = ['long', 'show']\nnext = 'good'\n");
     EXPECT_EQ(outcome.verdict, Verdict::Passed);
     EXPECT_EQ(outcome.TimeOf(event::ThreadEnded, "long"), 0);
@@ -140,7 +140,7 @@ TEST(PersistentRun, WaitForATransition_EndsWithTheLastPersistentCommand) {
     EXPECT_EQ(outcome.TimeOf(event::TransitionFollowed), 3000);
 }
 
-TEST(PersistentRun, WaitForATransition_IsOverAtOnceWhereNothingRuns) {
+TEST(PersistentRun, WaitForATransition_IsOverAtOnceIfNothingRuns) {
     const Outcome outcome = RunSteps("[steps.s]\nrun = ['note']\nwait = 'transition'\nnext = 'good'\n");
     EXPECT_EQ(outcome.TimeOf(event::TransitionFollowed), 0);
 }
@@ -176,7 +176,7 @@ TEST(PersistentRun, MonitorOfConditions_ChoosesAndStopsItself) {
     EXPECT_EQ(outcome.TimeOf(event::ThreadEnded, "guard"), 8000);
 }
 
-TEST(PersistentRun, TerminatedCommand_RunsNoLonger) {
+TEST(PersistentRun, TerminatedCommand_EndsAtOnce) {
     const Outcome outcome = RunSteps("[steps.s]\nrun = ['long', 'endLong']\nwait = 'end'\nnext = 'good'\n");
     EXPECT_EQ(outcome.verdict, Verdict::Passed);
     EXPECT_EQ(outcome.TimeOf(operation::TerminateCommand), 0);
@@ -261,7 +261,7 @@ TEST(PersistentRun, TimerThatRunsItself_EndsAtTheLimits) {
     EXPECT_EQ(outcome.TimeOf(event::ProcedureEnded), 17000);
 }
 
-/// The built module, but one class breaks down.
+/// The built module, except that creating one class throws.
 class BreakingFactory final : public CommandFactory {
 public:
     HRESULT Create(std::string_view className, CComPtr<IVantCommand>& command) const override {

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <functional>
 #include <gtest/gtest.h>
+#include <mutex>
 #include <thread>
 
 namespace vant::host {
@@ -96,15 +97,17 @@ protected:
 
     std::vector<Record> records;
     Journal journal{[] { return std::int64_t{0}; }};
+    std::mutex endedAccess;
     std::vector<EndedThread> ended; ///< In the order in which they ended, as their observer saw them.
     Services services{journal, [](const std::string&) { return S_OK; },
                       [this](std::uint32_t endedCookie, HRESULT result) {
+                          const std::lock_guard lock(endedAccess);
                           ended.push_back({endedCookie, result, CurrentThread(), CurrentCommand()});
                       }};
     std::uint32_t cookie = 0;
 };
 
-TEST_F(PersistentThreadsTest, Callback_RunsOnceOnAThreadOfItsOwnUnderItsNameAndCommand) {
+TEST_F(PersistentThreadsTest, Callback_RunsOnceOnItsOwnThreadUnderItsNameAndCommand) {
     int runs = 0;
     std::string where;
     std::thread::id thread;
@@ -148,7 +151,7 @@ TEST_F(PersistentThreadsTest, Command_LivesUntilItsThreadHasReturned) {
     EXPECT_EQ(ModuleLock::Count(), before);
 }
 
-TEST_F(PersistentThreadsTest, Operation11_TellsWhetherTheThreadRuns) {
+TEST_F(PersistentThreadsTest, Operation11_ReturnsWhetherTheThreadRuns) {
     const CComPtr<Stoppable> command = RegisterStoppable("watch");
     EXPECT_EQ(services.threadService.Operation11(cookie), S_OK);
     command->stopped.Set();
@@ -161,7 +164,7 @@ TEST_F(PersistentThreadsTest, CookieOfAnEndedThread_LastsUntilItIsUnregistered) 
     ASSERT_EQ(Register([] {}), S_OK);
     const std::uint32_t first = cookie;
     EXPECT_EQ(services.threadService.Operation12(first), S_OK);
-    ASSERT_EQ(Register([] {}), S_OK); // What was kept for the ended thread goes.
+    ASSERT_EQ(Register([] {}), S_OK); // Joins the ended thread.
     EXPECT_EQ(services.threadService.Operation11(first), S_FALSE);
     EXPECT_EQ(services.threadService.Operation12(first), S_OK);
     EXPECT_EQ(services.threadService.UnregisterCallback(first), S_OK);
@@ -214,16 +217,16 @@ TEST_F(PersistentThreadsTest, OneThreadMoreThanTheLimit_IsRefusedUntilOneHasEnde
 }
 
 TEST_F(PersistentThreadsTest, Operation12OnItsOwnThread_IsRefused) {
-    HRESULT answer = S_OK;
+    HRESULT result = S_OK;
     Event registered;
     ASSERT_EQ(Register([&] {
                   registered.Wait(INFINITE);
-                  answer = services.threadService.Operation12(cookie);
+                  result = services.threadService.Operation12(cookie);
               }),
               S_OK);
     registered.Set();
     EXPECT_EQ(services.threadService.Operation12(cookie), S_OK);
-    EXPECT_EQ(answer, HRESULT_FROM_WIN32(ERROR_POSSIBLE_DEADLOCK));
+    EXPECT_EQ(result, HRESULT_FROM_WIN32(ERROR_POSSIBLE_DEADLOCK));
 }
 
 TEST_F(PersistentThreadsTest, UnregisteredCookie_IsForgottenWhileItsThreadGoesOn) {
@@ -298,7 +301,7 @@ TEST_F(PersistentThreadsTest, CommandThatCannotBeStopped_LetsTheOthersOfItsIdBeS
     services.persistentThreads.End();
 }
 
-TEST_F(PersistentThreadsTest, OnceClosed_RegistrationIsRefusedAndNobodyWaitsAnyMore) {
+TEST_F(PersistentThreadsTest, OnceClosed_RegistrationIsRefusedAndWaitsEnd) {
     const CComPtr<Stoppable> command = RegisterStoppable("watch");
     services.Close();
     EXPECT_EQ(services.threadService.Operation12(cookie), E_ABORT);
@@ -334,7 +337,7 @@ TEST_F(PersistentThreadsTest, ThreadStartedByAThread_BelongsToItsStep) {
     services.persistentThreads.End();
 }
 
-TEST_F(PersistentThreadsTest, ThreadService_IsOneObjectThatAlwaysAnswersItsInterface) {
+TEST_F(PersistentThreadsTest, ThreadService_IsOneObjectThatAlwaysHasItsInterface) {
     CComPtr<IUnknown> unknown(&services.threadService);
     CComPtr<IThreadService> service;
     CComPtr<IDispatch> dispatch;

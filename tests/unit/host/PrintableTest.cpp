@@ -18,7 +18,7 @@ TEST(Printable, ControlCharactersOfTwoBytes_AreWrittenOut) {
               "\\x9B31m");
 }
 
-TEST(Printable, EverythingElse_Stays) {
+TEST(Printable, EverythingElse_IsUnchanged) {
     EXPECT_EQ(Printable("18 \xC2\xB0\x43 \xE2\x82\xAC \\"), "18 \xC2\xB0\x43 \xE2\x82\xAC \\");
     EXPECT_EQ(Printable(""), "");
 }

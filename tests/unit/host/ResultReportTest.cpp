@@ -23,7 +23,7 @@ Record Call(const char* operation, std::vector<Argument> arguments, HRESULT resu
     return record;
 }
 
-TEST(ResultReport, IsMadeFromTheRunnersRecords) {
+TEST(ResultReport, CollectsTheRunnersRecords) {
     ResultReport report;
     report(Event(event::ProcedureStarted, {{argument::name, "Check"}}));
     report(Event(event::StepEntered, {{argument::step, "measure"}}));
@@ -55,7 +55,7 @@ TEST(ResultReport, IsMadeFromTheRunnersRecords) {
               R"("data":{"drop":"3"}})");
 }
 
-TEST(ResultReport, OtherCallsOfCommands_AreNoPartOfIt) {
+TEST(ResultReport, CallsOfCommands_AreNotTakenForEvents) {
     ResultReport report;
     const Json before = report.Result();
     Record call = Event(event::ProcedureEnded, {{argument::verdict, "passed"}});

@@ -89,7 +89,7 @@ TEST_F(RunnerTest, Step_RunsItsCommandsInOrderAndLeadsToNext) {
     EXPECT_EQ(Reason(), "step 'good'");
 }
 
-TEST_F(RunnerTest, EndFailed_IsTheVerdict) {
+TEST_F(RunnerTest, StepThatEndsFailed_GivesThatVerdict) {
     EXPECT_EQ(Run("[steps.s]\nnext = 'bad'\n"), Verdict::Failed);
     EXPECT_EQ(records.back().operation, event::ProcedureEnded);
     EXPECT_EQ(records.back().Text(argument::verdict), "failed");
@@ -115,20 +115,20 @@ TEST_F(RunnerTest, LastOfSeveralChosenTransitions_IsFollowed) {
         Verdict::Passed);
 }
 
-TEST_F(RunnerTest, Transition_NamesAnEntryOfTheTableBeforeAStep) {
+TEST_F(RunnerTest, Transition_IsLookedUpInTheTableBeforeTheSteps) {
     factory.classes["choose"] = [](const test::Scene& scene) { return scene.SetTransition(L"good"); };
     EXPECT_EQ(Run(Commands({"choose"}) + "[steps.s]\nrun = ['choose']\non = { good = 'bad' }\n"),
               Verdict::Failed);
 }
 
 TEST_F(RunnerTest, UnknownTransition_IsRefusedAndNextIsFollowed) {
-    HRESULT answer = S_OK;
-    factory.classes["choose"] = [&answer](const test::Scene& scene) {
-        answer = scene.SetTransition(L"nowhere");
+    HRESULT result = S_OK;
+    factory.classes["choose"] = [&result](const test::Scene& scene) {
+        result = scene.SetTransition(L"nowhere");
         return S_OK;
     };
     EXPECT_EQ(Run(Commands({"choose"}) + "[steps.s]\nrun = ['choose']\nnext = 'good'\n"), Verdict::Passed);
-    EXPECT_EQ(answer, E_INVALIDARG);
+    EXPECT_EQ(result, E_INVALIDARG);
 }
 
 TEST_F(RunnerTest, EmptyTransition_ChoosesNothingAndKeepsAnEarlierChoice) {
@@ -202,7 +202,7 @@ TEST_F(RunnerTest, EveryFailureOfACommandsLife_LeadsToFailedAndNamesItsPhase) {
     EXPECT_TRUE(executed.empty());
 }
 
-TEST_F(RunnerTest, EveryExecution_GetsAFreshObjectWithTheProperties) {
+TEST_F(RunnerTest, EveryExecution_CreatesANewObjectWithTheProperties) {
     std::vector<std::wstring> values;
     factory.classes["ok"] = [&](const test::Scene& scene) {
         values.push_back(scene.properties.at(L"value"));
@@ -218,17 +218,17 @@ TEST_F(RunnerTest, EveryExecution_GetsAFreshObjectWithTheProperties) {
 }
 
 TEST_F(RunnerTest, UnknownCommandId_IsRefused) {
-    HRESULT answer = S_OK;
-    HRESULT answerToThread = S_OK;
+    HRESULT result = S_OK;
+    HRESULT resultOfThread = S_OK;
     factory.classes["ask"] = [&](const test::Scene& scene) {
-        answer = scene.RunCommand(L"unknown");
-        answerToThread =
+        result = scene.RunCommand(L"unknown");
+        resultOfThread =
             scene.Service(&IVantContext::get_CommandRunner)->RunCommandFromThread(CComBSTR(L"").Get());
         return S_OK;
     };
     EXPECT_EQ(Run(Commands({"ask"}) + "[steps.s]\nrun = ['ask']\nnext = 'good'\n"), Verdict::Passed);
-    EXPECT_EQ(answer, E_INVALIDARG);
-    EXPECT_EQ(answerToThread, E_INVALIDARG);
+    EXPECT_EQ(result, E_INVALIDARG);
+    EXPECT_EQ(resultOfThread, E_INVALIDARG);
 }
 
 TEST_F(RunnerTest, CommandThatRunsItself_IsStoppedAtTheDepthLimit) {
@@ -264,7 +264,7 @@ TEST_F(RunnerTest, CommandFromAnotherThread_RunsThereUnderThatName) {
     EXPECT_EQ(asked.result, S_OK);
 }
 
-TEST_F(RunnerTest, AbortInACommand_RunsNothingMoreAndFollowsNothing) {
+TEST_F(RunnerTest, AbortInACommand_RunsNoOtherCommandAndFollowsNoTransition) {
     Runner* running = nullptr;
     HRESULT afterwards = S_OK;
     factory.classes["abort"] = [&](const test::Scene& scene) {
@@ -284,7 +284,7 @@ TEST_F(RunnerTest, AbortInACommand_RunsNothingMoreAndFollowsNothing) {
     EXPECT_TRUE(runner.StillHeld().empty());
 }
 
-TEST_F(RunnerTest, AbortFromOutside_EndsAProcedureThatGoesRoundForEver) {
+TEST_F(RunnerTest, AbortFromOutside_EndsAProcedureThatNeverEnds) {
     Read("[steps.s]\nnext = 't'\n[steps.t]\nnext = 's'\n");
     std::atomic<int> entered = 0;
     journal.Observe([&entered](const Record&) { ++entered; });
@@ -306,7 +306,7 @@ TEST_F(RunnerTest, AbortBeforeTheRun_EntersNoStep) {
     EXPECT_TRUE(StepsEntered().empty());
 }
 
-TEST_F(RunnerTest, CommandThatKeepsAService_IsNoticed) {
+TEST_F(RunnerTest, CommandThatKeepsAService_IsReported) {
     CComPtr<IDataStore> leaked;
     factory.classes["leak"] = [&](const test::Scene& scene) {
         leaked = scene.Service(&IVantContext::get_DataStore);
@@ -335,7 +335,7 @@ TEST_F(RunnerTest, InterceptedCall_FailsTheCommandThatMakesIt) {
     EXPECT_TRUE(runner.StillHeld().empty());
 }
 
-TEST_F(RunnerTest, DataEntries_AreGivenTypedAndTellWhatIsLeft) {
+TEST_F(RunnerTest, DataEntries_KeepTheirTypesAndAreRecordedAtTheEnd) {
     factory.classes["write"] = [](const test::Scene& scene) {
         const auto store = scene.Service(&IVantContext::get_DataStore);
         CComVariant number;

@@ -88,7 +88,7 @@ TEST_F(ServicesTest, DataStore_NullNameIsTheEmptyName) {
     EXPECT_EQ(read.Get().dblVal, 1.0);
 }
 
-TEST_F(ServicesTest, DataStore_SurvivesManyThreads) {
+TEST_F(ServicesTest, DataStore_KeepsTheValuesOfManyThreads) {
     std::vector<std::thread> threads;
     for (int i = 0; i < 4; ++i)
         threads.emplace_back([this, i] {
@@ -108,7 +108,7 @@ TEST_F(ServicesTest, DataStore_SurvivesManyThreads) {
     EXPECT_EQ(records.size(), 1200U);
 }
 
-TEST_F(ServicesTest, CommandRunner_PassesTheIdOnAndAnswersTheResult) {
+TEST_F(ServicesTest, CommandRunner_PassesTheIdOnAndReturnsTheResult) {
     EXPECT_EQ(services.commandRunner.RunCommand(Text(L"drop").Get()), S_FALSE);
     EXPECT_EQ(Last(), R"(CommandRunner.RunCommand{"commandId":"drop"} 0x00000001)");
     EXPECT_EQ(services.commandRunner.RunCommandFromThread(nullptr), S_FALSE);
@@ -181,7 +181,7 @@ TEST_F(ServicesTest, PresentationService_RecordsTheInstruction) {
     EXPECT_EQ(services.presentationService.ShowInstruction(nullptr), S_OK);
 }
 
-TEST_F(ServicesTest, ParameterService_KnowsNoParameterAndNoConnection) {
+TEST_F(ServicesTest, ParameterServiceWithoutEngine_FindsNoParameterAndNoConnection) {
     IUnknown* object = &services.service3;
     EXPECT_EQ(services.parameterService.GetParameter(Text(L"101000").Get(), 1, &object),
               HRESULT_FROM_WIN32(ERROR_NOT_FOUND));
@@ -241,7 +241,7 @@ TEST_F(ServicesTest, ObjectsThatAreHeld_AreNamed) {
     EXPECT_TRUE(services.StillHeld().empty());
 }
 
-TEST_F(ServicesTest, EveryObject_AnswersIUnknownAndNothingElse) {
+TEST_F(ServicesTest, ThreadServiceWithoutEngine_HasNoEngineInterface) {
     CComPtr<IUnknown> unknown;
     EXPECT_EQ(services.threadService.QueryInterface(IID_IUnknown, reinterpret_cast<void**>(&unknown)), S_OK);
     EXPECT_EQ(unknown.Get(), &services.threadService);
@@ -251,7 +251,7 @@ TEST_F(ServicesTest, EveryObject_AnswersIUnknownAndNothingElse) {
     EXPECT_EQ(services.threadService.QueryInterface(IID_IUnknown, nullptr), E_POINTER);
 }
 
-TEST_F(ServicesTest, ParameterService_AnswersIDispatchWhoseOperationsItRefuses) {
+TEST_F(ServicesTest, ParameterService_HasIDispatchWithoutImplementingIt) {
     CComPtr<IDispatch> dispatch;
     ASSERT_EQ(services.parameterService.QueryInterface(IID_IDispatch, reinterpret_cast<void**>(&dispatch)),
               S_OK);
@@ -262,7 +262,7 @@ TEST_F(ServicesTest, ParameterService_AnswersIDispatchWhoseOperationsItRefuses) 
     EXPECT_EQ(dispatch->Invoke(0, IID_IUnknown, 0, 0, nullptr, nullptr, nullptr, nullptr), E_NOTIMPL);
 }
 
-TEST_F(ServicesTest, SlotsWithoutMeaning_AreRefusedAndRecorded) {
+TEST_F(ServicesTest, ReservedSlots_AreNotImplementedAndRecorded) {
     EXPECT_EQ(services.context.Reserved4(), E_NOTIMPL);
     EXPECT_EQ(Last(), "Context.Reserved4{} 0x80004001");
     EXPECT_EQ(services.dataStore.Reserved8(), E_NOTIMPL);

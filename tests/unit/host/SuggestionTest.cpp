@@ -16,7 +16,7 @@ TEST(Suggestion, WrongMissingSurplusOrSwappedLetter_FindsTheName) {
     EXPECT_EQ(NearestName("sotp", names), "stop");
 }
 
-TEST(Suggestion, WrongCase_IsNoMistake) {
+TEST(Suggestion, WrongCase_IsNotAMistake) {
     EXPECT_EQ(NearestName("CALCULATOR", names), "Calculator");
 }
 
@@ -38,7 +38,7 @@ TEST(Suggestion, TextOfMoreThan64Bytes_FindsNothing) {
     EXPECT_EQ(NearestName(std::string(63, 'a'), std::vector{std::string(64, 'a')}), std::string(64, 'a'));
 }
 
-TEST(Suggestion, Message_NamesTheNameOrSaysNothing) {
+TEST(Suggestion, Message_ContainsTheSuggestionOrIsEmpty) {
     EXPECT_EQ(DidYouMean("Timr", names), " (did you mean 'Timer'?)");
     EXPECT_EQ(DidYouMean("unlike", names), "");
 }
