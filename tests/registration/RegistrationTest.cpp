@@ -126,14 +126,6 @@ TEST_F(Registration, FolderWithQuoteBlanksAndForeignLetters_IsWrittenAsItIs) {
     UnloadCreated(); // so that the copy's file can be removed
 }
 
-TEST_F(Registration, WithoutInitialisedComponents_NothingIsCreated) {
-    ASSERT_EQ(module.RegisterServer(), S_OK);
-    CoUninitialize();
-    EXPECT_EQ(CreateByProgId(ProgId(StatedClasses().front())), CO_E_NOTINITIALIZED);
-    ASSERT_TRUE(SUCCEEDED(CoInitializeEx(nullptr, COINIT_MULTITHREADED)));
-    EXPECT_EQ(CreateByProgId(ProgId(StatedClasses().front())), S_OK);
-}
-
 TEST_F(Registration, PathLongerThan260Characters_IsWrittenWhole) {
     const CopiedModule copied(LongFolder());
     ASSERT_GT(copied.file.wstring().size(), 400U);

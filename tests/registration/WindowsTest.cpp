@@ -148,16 +148,16 @@ TEST_F(Registration, PerUser_WritesEverythingForTheUserAloneAndRemovesIt) {
     EXPECT_EQ(root.Whole(), machine);
 }
 
-/// Makes a function of the system answer a code and do nothing else.
+/// Makes a function of the system return a code and do nothing else.
 class ReplacedFunction {
 public:
-    ReplacedFunction(const wchar_t* library, const char* name, HRESULT answer)
+    ReplacedFunction(const wchar_t* library, const char* name, HRESULT result)
         : m_code(reinterpret_cast<unsigned char*>(
               reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(library), name)))) {
         if (!m_code)
             return;
-        unsigned char code[] = {0xB8, 0, 0, 0, 0, 0xC3}; // mov eax, answer; ret
-        std::memcpy(code + 1, &answer, sizeof(answer));
+        unsigned char code[] = {0xB8, 0, 0, 0, 0, 0xC3}; // mov eax, result; ret
+        std::memcpy(code + 1, &result, sizeof(result));
         std::memcpy(m_old, m_code, sizeof(m_old));
         Write(code);
     }

@@ -4,7 +4,7 @@
 
 namespace vant {
 
-/// HKEY_CLASSES_ROOT of this process: the machine's classes, or the user's where the process has redirected
+/// HKEY_CLASSES_ROOT of this process: the machine's classes, or the user's if the process has redirected
 /// the root (RegOverridePredefKey), as per-user registration does.
 class RegistryKeyStore final : public KeyStore {
 public:
