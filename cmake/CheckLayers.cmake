@@ -4,6 +4,7 @@
 # Every violation is reported as file:line. Paths in #include lines start at the project's root.
 
 cmake_minimum_required(VERSION 3.25)
+cmake_path(ABSOLUTE_PATH SOURCE_DIR NORMALIZE)
 
 # A layer is a folder, without those below it that are layers of their own. Behind it stand the folders that its files may
 # include, with everything below them, besides the layer itself.

@@ -13,8 +13,8 @@
 
 namespace vant {
 
-/// The length of a BSTR in bytes; 0 of a null one. It is read where every BSTR has it, in the 32 bits before
-/// the text: this is asked for too often for a call into another library.
+/// The length of a BSTR in bytes; 0 for a null one. It stands in the 32 bits before the text and is read
+/// there: a call into another library would take too long for something that is needed so often.
 inline std::uint32_t ByteLengthOf(BSTR text) noexcept {
     std::uint32_t byteLength = 0;
     if (text)
@@ -29,7 +29,7 @@ inline std::wstring_view TextOf(BSTR text) noexcept {
 }
 
 /// Owns a BSTR, or holds a null one, which equals the empty string. Copies throw CComException(E_OUTOFMEMORY)
-/// where they cannot be allocated.
+/// if they cannot be allocated.
 class CComBSTR {
 public:
     CComBSTR() noexcept = default;

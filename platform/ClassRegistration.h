@@ -4,16 +4,19 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace vant {
 
-/// Lets what this process registers from now on hold for the current user only, through the system's own
-/// redirection of the classes root (RegOverridePredefKey). Elsewhere than on Windows the class catalogue is
-/// the user's anyway and nothing is to do.
+/// Makes what this process registers from now on hold for the current user only, by the system's redirection
+/// of the classes root (RegOverridePredefKey). On other systems than Windows the class catalogue is the
+/// user's anyway, and this does nothing.
 VANT_PLATFORM_API HRESULT RegisterForUserOnly();
 
-/// The module file that is registered for a class; nothing where the class is not registered or the
-/// registration cannot be read.
-VANT_PLATFORM_API std::optional<std::wstring> RegisteredModule(const std::wstring& classIdText);
+/// For each of the classes, given as "{...}" text, the module file that is registered for it; nothing for a
+/// class that is not registered. All come from the same state of the registration. Throws std::runtime_error,
+/// with file and line, if the class catalogue cannot be read.
+VANT_PLATFORM_API std::vector<std::optional<std::wstring>>
+RegisteredModules(const std::vector<std::wstring>& classIds);
 
 } // namespace vant

@@ -4,7 +4,7 @@
 
 namespace vant {
 
-/// Thrown by the string and value holders: E_OUTOFMEMORY where a copy cannot be allocated, otherwise the code
+/// Thrown by the string and value holders: E_OUTOFMEMORY if a copy cannot be allocated, otherwise the code
 /// of the platform call that failed. Never leaves an interface operation.
 class CComException {
 public:

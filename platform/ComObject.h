@@ -60,7 +60,7 @@ public:
     ModuleLockHolder& operator=(const ModuleLockHolder&) = delete;
 };
 
-/// The object that is really instantiated: adds IUnknown to a class that answers
+/// The object that is really instantiated: adds IUnknown to a class that has
 /// `void* FindInterface(REFIID)`, and holds one module lock for as long as it lives.
 template <class Base>
 class CComObject final : private ModuleLockHolder, public Base {
@@ -82,7 +82,7 @@ public:
         return left;
     }
 
-    /// Creates an object without any reference: E_POINTER for a null `out`, E_OUTOFMEMORY where it cannot be
+    /// Creates an object without any reference: E_POINTER for a null `out`, E_OUTOFMEMORY if it cannot be
     /// allocated, else S_OK.
     static HRESULT CreateInstance(CComObject** out) noexcept {
         if (!out)

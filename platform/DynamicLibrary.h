@@ -10,13 +10,13 @@ namespace vant {
 /// A dynamic library loaded into this process; unloaded with the object.
 class VANT_PLATFORM_API DynamicLibrary {
 public:
-    /// Throws std::runtime_error with the system's reason where the file cannot be loaded.
+    /// Throws std::runtime_error with the system's reason if the file cannot be loaded.
     explicit DynamicLibrary(const std::filesystem::path& file);
     ~DynamicLibrary();
     DynamicLibrary(const DynamicLibrary&) = delete;
     DynamicLibrary& operator=(const DynamicLibrary&) = delete;
 
-    /// The address of an exported function; throws std::runtime_error where there is none of that name.
+    /// The address of an exported function; throws std::runtime_error if none has that name.
     template <class Function>
     Function* Find(const char* name) const {
         return reinterpret_cast<Function*>(FindAddress(name));

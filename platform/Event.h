@@ -11,7 +11,7 @@ public:
     /// Whether a wait that the event ends resets it, or only Reset does.
     enum class Kind { AutoReset, ManualReset };
 
-    /// Throws CComException(E_OUTOFMEMORY) where the system gives none.
+    /// Throws CComException(E_OUTOFMEMORY) if the system has none left.
     explicit Event(Kind kind = Kind::AutoReset)
         : m_handle(CreateEventW(nullptr, kind == Kind::ManualReset, FALSE, nullptr)) {
         if (!m_handle)
@@ -23,7 +23,7 @@ public:
 
     void Set() noexcept { SetEvent(m_handle); }
     void Reset() noexcept { ResetEvent(m_handle); }
-    /// WAIT_OBJECT_0 where the event ended the wait, WAIT_TIMEOUT after so many milliseconds, WAIT_FAILED.
+    /// WAIT_OBJECT_0 if the event ended the wait, WAIT_TIMEOUT after so many milliseconds, WAIT_FAILED.
     DWORD Wait(DWORD milliseconds) noexcept { return WaitForSingleObject(m_handle, milliseconds); }
 
 private:

@@ -8,8 +8,8 @@
 
 namespace vant {
 
-/// UTF-8 of a wide text, which is UTF-16 where wchar_t has two bytes and UTF-32 elsewhere. Embedded nulls
-/// stay. What is no character (an unpaired surrogate, a code above U+10FFFF) becomes U+FFFD, so the result is
+/// UTF-8 of a wide text, which is UTF-16 if wchar_t has two bytes, otherwise UTF-32. Embedded nulls
+/// stay. An unpaired surrogate or a code above U+10FFFF becomes U+FFFD, so the result is
 /// always well formed.
 VANT_PLATFORM_API std::string ToUtf8(std::wstring_view text);
 

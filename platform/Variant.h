@@ -9,8 +9,8 @@
 
 namespace vant {
 
-/// The characters of a VARIANT that holds a string; empty for one that holds anything else, however
-/// printable. The text stays the VARIANT's.
+/// The string that a VARIANT holds; null for one that holds anything else, however printable. The text stays
+/// the VARIANT's.
 inline BSTR StringMember(const VARIANT& value) noexcept {
     return value.vt == VT_BSTR ? value.bstrVal : nullptr;
 }
@@ -75,7 +75,7 @@ public:
     HRESULT ChangeType(VARTYPE type, LCID locale) noexcept {
         return VariantChangeTypeEx(&m_value, &m_value, locale, 0, type);
     }
-    /// Frees what the value owns and makes it VT_EMPTY; answers whether the platform could.
+    /// Frees what the value owns and makes it VT_EMPTY; returns whether the platform could.
     HRESULT Clear() noexcept { return VariantClear(&m_value); }
     /// Hands the value, and what it owns, to the caller.
     [[nodiscard]] VARIANT Detach() noexcept {

@@ -53,7 +53,7 @@ public:
     void UseRealTime(double speed);
     void UseVirtualTime();
 
-    /// Milliseconds since an unnamed moment; in virtual time since that began.
+    /// Milliseconds since an unspecified moment; in virtual time since that began.
     std::int64_t Now() const;
 
     void Set(Event& event);
@@ -82,9 +82,9 @@ private:
     void Satisfy(Waiter& waiter) noexcept;
     void MakeReady(Waiter& waiter) noexcept;
     /// The waiter that runs next: the one that has been ready longest, else the earliest deadline, the wait
-    /// that began first coming first. Null where nobody can go on.
+    /// that began first coming first. Null if no thread can go on.
     Waiter* Next() const noexcept;
-    /// Lets the next one run, unless somebody does.
+    /// Lets the next one run, unless one is running.
     void GiveTurn() noexcept;
     void EndTurn() noexcept;
 

@@ -45,10 +45,14 @@ HRESULT RegisteredClasses::Create(std::string_view className, CComPtr<IVantComma
 }
 
 std::vector<RegisteredClass> ListRegisteredClasses() {
+    std::vector<std::wstring> classIds;
+    for (const ClassRow& row : classTable)
+        classIds.emplace_back(row.clsid);
+    const auto modules = RegisteredModules(classIds);
     std::vector<RegisteredClass> found;
-    for (const ClassRow& row : classTable) {
-        if (const auto module = RegisteredModule(row.clsid))
-            found.push_back({ToUtf8(ProgIdOf(row.name)), ToUtf8(std::wstring(row.clsid)), ToUtf8(*module)});
+    for (std::size_t i = 0; i < modules.size(); ++i) {
+        if (modules[i])
+            found.push_back({ToUtf8(ProgIdOf(classTable[i].name)), ToUtf8(classIds[i]), ToUtf8(*modules[i])});
     }
     return found;
 }

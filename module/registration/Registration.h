@@ -9,18 +9,18 @@
 namespace vant {
 
 /// Writes (or removes) the registration of every class that the module creates, then that of its type
-/// library. Answers the first failure, at which it stops; what was written before stays. Any thread.
+/// library. Stops at the first failure and returns it; what was written before stays. Any thread.
 HRESULT RegisterModule(ScriptMode mode) noexcept;
 
-// What the system below gives; one implementation each for Windows and elsewhere.
+// What differs between the systems: one implementation for Windows, one for the others.
 
-/// The registration script embedded in the module under that resource number; empty where there is none.
+/// The registration script embedded in the module under that resource number; empty if there is none.
 std::string_view EmbeddedScript(UINT resource);
 
 /// Full path of the module's own file, of any length.
 std::wstring ModulePath();
 
-/// Runs every script against the system's store, then registers or removes the type library where there is
+/// Runs every script against the system's store, then registers or removes the type library if there is
 /// one.
 HRESULT RegisterWithSystem(ScriptMode mode);
 

@@ -62,7 +62,7 @@ public:
 
 private:
     static bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
-    /// Braces and equals signs count only where they stand alone; class identifiers hold braces.
+    /// Braces and equals signs count only if they stand alone; class identifiers hold braces.
     static Token::Kind KindOf(std::wstring_view word) {
         return word == L"{"   ? Token::Kind::OpenBrace
                : word == L"}" ? Token::Kind::CloseBrace

@@ -2,23 +2,20 @@
 
 #include "platform/portable/catalogue.h"
 
-#include <exception>
-
 namespace vant {
 
 HRESULT RegisterForUserOnly() {
     return S_OK;
 }
 
-std::optional<std::wstring> RegisteredModule(const std::wstring& classIdText) {
-    try {
-        const Catalogue catalogue = Catalogue::Read(Catalogue::File());
-        const std::wstring* const module =
-            catalogue.Find(L"CLSID\\" + classIdText + L"\\InprocServer32", L"");
-        return module ? std::optional(*module) : std::nullopt;
-    } catch (const std::exception&) {
-        return std::nullopt;
+std::vector<std::optional<std::wstring>> RegisteredModules(const std::vector<std::wstring>& classIds) {
+    const Catalogue catalogue = Catalogue::Read(Catalogue::File());
+    std::vector<std::optional<std::wstring>> modules;
+    for (const std::wstring& classId : classIds) {
+        const std::wstring* const module = catalogue.Find(L"CLSID\\" + classId + L"\\InprocServer32", L"");
+        modules.push_back(module ? std::optional(*module) : std::nullopt);
     }
+    return modules;
 }
 
 } // namespace vant

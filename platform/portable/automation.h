@@ -114,16 +114,16 @@ VANT_PLATFORM_API UINT SysStringByteLen(BSTR text);
 /// No pointer given to the VARIANT functions may be null.
 VANT_PLATFORM_API void VariantInit(VARIANT* value);
 /// Frees what the value owns (string, interface reference) and makes it VT_EMPTY; a VT_BYREF owns nothing.
-/// Arrays, records and unknown types answer DISP_E_BADVARTYPE and stay as they are.
+/// Arrays, records and unknown types return DISP_E_BADVARTYPE and stay as they are.
 VANT_PLATFORM_API HRESULT VariantClear(VARIANT* value);
 /// Clears the destination and puts a copy there: a string of its own (an empty one for a null string), one
 /// more reference to an object, everything else as it stands, a VT_BYREF's pointer too. Fails with
-/// DISP_E_BADVARTYPE where either of the two is of a type that VariantClear refuses, or with E_OUTOFMEMORY;
+/// DISP_E_BADVARTYPE if either of the two is of a type that VariantClear refuses, or with E_OUTOFMEMORY;
 /// the destination is unchanged then.
 VANT_PLATFORM_API HRESULT VariantCopy(VARIANT* destination, const VARIANT* source);
 /// Converts a value to VT_I4, VT_R8, VT_BSTR or VT_BOOL; to its own type it copies. docs/platform.md has the
 /// rules. Fails with DISP_E_TYPEMISMATCH for a value that cannot be converted (null, error, currency, date,
-/// decimal, object, VT_BYREF, array, or a text that is no number), DISP_E_OVERFLOW for one out of the
+/// decimal, object, VT_BYREF, array, or a text that is not a number), DISP_E_OVERFLOW for one out of the
 /// target's range, DISP_E_BADVARTYPE for an unknown source type and for every other target type, E_INVALIDARG
 /// for flags other than 0, E_OUTOFMEMORY. On failure the destination is unchanged. Destination and source may
 /// be the same object. The locale is taken as 1033 with invariant digits whatever lcid says.

@@ -6,13 +6,14 @@
 #include <cerrno>
 #include <cstdlib>
 #include <fcntl.h>
-#include <fstream>
-#include <iterator>
 #include <optional>
 #include <stdexcept>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <system_error>
+#include <thread>
 #include <unistd.h>
+#include <utility>
 
 namespace vant {
 
@@ -39,19 +40,60 @@ bool IsBelow(std::wstring_view path, std::wstring_view key) {
     throw std::runtime_error(file.string() + ": " + std::generic_category().message(error));
 }
 
-/// An open file descriptor.
+/// An open file descriptor. The path must outlive it.
 class Descriptor {
 public:
-    Descriptor(const std::filesystem::path& file, int flags)
-        : m_file(file), m_number(open(file.c_str(), flags, 0644)) {
-        if (m_number < 0)
+    /// Throws if the file cannot be opened.
+    static Descriptor Open(const std::filesystem::path& file, int flags) {
+        const int number = open(file.c_str(), flags | O_CLOEXEC, 0644);
+        if (number < 0)
             FailWith(file, errno);
+        return {file, number};
     }
-    ~Descriptor() { close(m_number); }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
+    /// Nothing if the file does not exist.
+    static std::optional<Descriptor> OpenIfExists(const std::filesystem::path& file, int flags) {
+        const int number = open(file.c_str(), flags | O_CLOEXEC);
+        if (number >= 0)
+            return Descriptor(file, number);
+        if (errno != ENOENT && errno != ENOTDIR)
+            FailWith(file, errno);
+        return std::nullopt;
+    }
+    Descriptor(Descriptor&& other) noexcept
+        : m_file(other.m_file), m_number(std::exchange(other.m_number, -1)) {}
+    ~Descriptor() {
+        if (m_number >= 0)
+            close(m_number);
+    }
+    Descriptor& operator=(Descriptor&&) = delete;
 
-    void LockAgainstOthers() const { Check(flock(m_number, LOCK_EX)); }
+    struct stat Status() const {
+        struct stat status = {};
+        Check(fstat(m_number, &status));
+        return status;
+    }
+    /// Whether the descriptor, and no other one, now has the lock of its file.
+    bool TryToLock() const {
+        if (flock(m_number, LOCK_EX | LOCK_NB) == 0)
+            return true;
+        if (errno != EWOULDBLOCK && errno != EINTR)
+            FailWith(m_file, errno);
+        return false;
+    }
+    std::string ReadAll() const {
+        std::string text;
+        char part[16 * 1024];
+        for (;;) {
+            const ssize_t count = read(m_number, part, sizeof(part));
+            if (count < 0 && errno == EINTR)
+                continue;
+            if (count < 0)
+                FailWith(m_file, errno);
+            if (count == 0)
+                return text;
+            text.append(part, static_cast<std::size_t>(count));
+        }
+    }
     void WriteAll(std::string_view text) const {
         while (!text.empty()) {
             const ssize_t count = write(m_number, text.data(), text.size());
@@ -63,8 +105,14 @@ public:
         }
         Check(fsync(m_number));
     }
+    /// Gives the file the mode of another, and its owner if this process may.
+    void TakeModeOf(const struct stat& other) const {
+        [[maybe_unused]] const int ownerStays = fchown(m_number, other.st_uid, other.st_gid);
+        Check(fchmod(m_number, other.st_mode & 07777));
+    }
 
 private:
+    Descriptor(const std::filesystem::path& file, int number) : m_file(file), m_number(number) {}
     void Check(int result) const {
         if (result != 0)
             FailWith(m_file, errno);
@@ -73,6 +121,60 @@ private:
     const std::filesystem::path& m_file;
     int m_number;
 };
+
+/// The catalogue's file, open to be read; nothing if it does not exist. Only a regular file is a catalogue.
+std::optional<Descriptor> OpenCatalogue(const std::filesystem::path& file) {
+    // Without O_NONBLOCK, opening a pipe would wait for somebody to write to it.
+    auto opened = Descriptor::OpenIfExists(file, O_RDONLY | O_NONBLOCK | O_NOCTTY);
+    if (opened && !S_ISREG(opened->Status().st_mode))
+        throw std::runtime_error(file.string() + ": not a regular file");
+    return opened;
+}
+
+/// The file that a path leads to in the end, if it is a link; that file need not exist.
+std::filesystem::path FollowLinks(std::filesystem::path file) {
+    constexpr int mostLinks = 40;
+    for (int links = 0; std::filesystem::is_symlink(std::filesystem::symlink_status(file)); ++links) {
+        if (links == mostLinks)
+            FailWith(file, ELOOP);
+        file = file.parent_path() / std::filesystem::read_symlink(file);
+    }
+    return file;
+}
+
+void LockAgainstOtherWriters(const Descriptor& folder, const std::filesystem::path& file,
+                             std::chrono::milliseconds patience) {
+    const auto end = std::chrono::steady_clock::now() + patience;
+    while (!folder.TryToLock()) {
+        if (std::chrono::steady_clock::now() >= end)
+            throw std::runtime_error(file.string() +
+                                     ": another program has kept the catalogue's folder locked for " +
+                                     std::to_string(patience.count()) + " ms");
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+}
+
+/// Replaces the file as a whole. `former`: the state of the file that is replaced, if there is one. Only for
+/// the writer that has the lock.
+void Replace(const std::filesystem::path& file, const std::string& text,
+             const std::optional<struct stat>& former) {
+    auto replacement = file;
+    replacement += ".new";
+    // What stands there is left over from a writer that came to a sudden end, or was put there by somebody
+    // else.
+    if (unlink(replacement.c_str()) != 0 && errno != ENOENT)
+        FailWith(replacement, errno);
+    const auto written = Descriptor::Open(replacement, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW);
+    try {
+        if (former)
+            written.TakeModeOf(*former);
+        written.WriteAll(text);
+        std::filesystem::rename(replacement, file);
+    } catch (...) {
+        unlink(replacement.c_str());
+        throw;
+    }
+}
 
 void AppendQuoted(std::string& out, std::wstring_view text) {
     out += '"';
@@ -105,7 +207,7 @@ std::optional<std::wstring> TakeQuoted(std::string_view& line) {
     return std::nullopt;
 }
 
-/// Whether the line is `@="VALUE"` or `"NAME"="VALUE"`; gives both.
+/// Whether the line is `@="VALUE"` or `"NAME"="VALUE"`; returns both.
 bool ParseValue(std::string_view line, std::wstring& name, std::wstring& value) {
     name.clear();
     if (line.starts_with('@')) {
@@ -150,26 +252,22 @@ std::filesystem::path Catalogue::File() {
 }
 
 Catalogue Catalogue::Read(const std::filesystem::path& file) {
+    const auto opened = OpenCatalogue(file);
+    return opened ? Parse(opened->ReadAll(), file) : Catalogue();
+}
+
+Catalogue Catalogue::Parse(std::string_view text, const std::filesystem::path& file) {
     Catalogue catalogue;
-    std::error_code error;
-    if (!std::filesystem::exists(file, error)) {
-        if (error)
-            FailWith(file, error.value());
-        return catalogue;
-    }
-    std::ifstream in(file, std::ios::binary);
-    if (!in)
-        FailWith(file, errno);
     std::optional<std::wstring> key;
-    std::size_t number = 0;
-    for (std::string line; std::getline(in, line);) {
-        ++number;
+    for (std::size_t number = 1; !text.empty(); ++number) {
+        const std::string_view line = text.substr(0, text.find('\n'));
+        text.remove_prefix(std::min(line.size() + 1, text.size()));
         std::wstring name;
         std::wstring value;
         if (line.empty() || line.front() == '#') {
             continue;
         } else if (line.size() > 2 && line.front() == '[' && line.back() == ']') {
-            key = ToWide(std::string_view(line).substr(1, line.size() - 2));
+            key = ToWide(line.substr(1, line.size() - 2));
         } else if (key && ParseValue(line, name, value)) {
             catalogue.Set(*key, name, value);
         } else {
@@ -177,38 +275,31 @@ Catalogue Catalogue::Read(const std::filesystem::path& file) {
                                      ": not a line of a class catalogue");
         }
     }
-    if (in.bad())
-        FailWith(file, EIO);
     return catalogue;
 }
 
-void Catalogue::Change(const std::filesystem::path& file, const std::function<void(Catalogue&)>& change) {
-    const auto folder = std::filesystem::absolute(file).parent_path();
+void Catalogue::Change(const std::filesystem::path& name, const std::function<void(Catalogue&)>& change,
+                       std::chrono::milliseconds patience) {
+    const auto file = FollowLinks(std::filesystem::absolute(name));
+    const auto folder = file.parent_path();
     std::error_code error;
     std::filesystem::create_directories(folder, error);
     if (error)
         FailWith(folder, error.value());
-    const Descriptor writers(folder, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    writers.LockAgainstOthers();
+    const auto writers = Descriptor::Open(folder, O_RDONLY | O_DIRECTORY);
+    LockAgainstOtherWriters(writers, file, patience);
 
-    Catalogue catalogue = Read(file);
+    Catalogue catalogue;
+    std::optional<struct stat> former;
+    if (const auto opened = OpenCatalogue(file)) {
+        former = opened->Status();
+        catalogue = Parse(opened->ReadAll(), file);
+    }
     change(catalogue);
-    const auto text = catalogue.ToText();
-    if (text.empty()) {
-        std::filesystem::remove(file, error);
-        if (error)
-            FailWith(file, error.value());
-        return;
-    }
-    auto replacement = file;
-    replacement += ".new";
-    try {
-        Descriptor(replacement, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC).WriteAll(text);
-        std::filesystem::rename(replacement, file);
-    } catch (...) {
-        std::filesystem::remove(replacement, error);
-        throw;
-    }
+    if (const auto text = catalogue.ToText(); !text.empty())
+        Replace(file, text, former);
+    else if (unlink(file.c_str()) != 0 && errno != ENOENT)
+        FailWith(file, errno);
 }
 
 const std::wstring* Catalogue::Find(const std::wstring& key, const std::wstring& name) const {

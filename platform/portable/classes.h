@@ -22,15 +22,15 @@ VANT_PLATFORM_API HRESULT CoInitializeEx(void* reserved, DWORD model);
 VANT_PLATFORM_API void CoUninitialize();
 
 /// The class registered under a ProgID, with or without version, or given as "{...}" text. CO_E_CLASSSTRING
-/// where there is none.
+/// if no class is registered so.
 VANT_PLATFORM_API HRESULT CLSIDFromProgID(LPCOLESTR progId, CLSID* classId);
 /// The identifier that "{...}" spells, and the one of nothing but zeros for a null text. CO_E_CLASSSTRING for
 /// any other text.
 VANT_PLATFORM_API HRESULT CLSIDFromString(LPCOLESTR text, CLSID* classId);
 
-/// Loads the module registered for the class and asks it for the class object. REGDB_E_CLASSNOTREG where none
-/// is registered, CO_E_DLLNOTFOUND where its module cannot be loaded, CO_E_ERRORINDLL where that is no
-/// component server, CO_E_NOTINITIALIZED before CoInitializeEx; else the module's answer.
+/// Loads the module registered for the class and asks it for the class object. REGDB_E_CLASSNOTREG if no
+/// module is registered, CO_E_DLLNOTFOUND if it cannot be loaded, CO_E_ERRORINDLL if it is not a component
+/// server, CO_E_NOTINITIALIZED before CoInitializeEx; otherwise what the module returns.
 VANT_PLATFORM_API HRESULT CoGetClassObject(REFCLSID classId, DWORD context, void* server, REFIID iid,
                                            void** out);
 VANT_PLATFORM_API HRESULT CoCreateInstance(REFCLSID classId, IUnknown* outer, DWORD context, REFIID iid,

@@ -13,14 +13,14 @@ inline constexpr DWORD WAIT_FAILED = 0xFFFFFFFF;
 extern "C" {
 
 /// Writes a diagnostic text for a developer: to the hook of OutputDebugHook (platform/portable/testing.h)
-/// where one is installed, else nowhere.
+/// if one is installed, otherwise nowhere.
 VANT_PLATFORM_API void OutputDebugStringW(LPCWSTR text);
 
-/// An event, to be closed with CloseHandle; null where memory runs out, or for a name: there are only unnamed
-/// ones. `security` means nothing.
+/// An event, to be closed with CloseHandle; null if memory runs out, or for a name: all events are unnamed.
+/// `security` is ignored.
 VANT_PLATFORM_API HANDLE CreateEventW(SECURITY_ATTRIBUTES* security, BOOL manualReset, BOOL initialState,
                                       LPCWSTR name);
-// All of these answer FALSE for a null handle. Handles are those of events.
+// All of these return FALSE for a null handle. Handles are those of events.
 VANT_PLATFORM_API BOOL SetEvent(HANDLE event);
 VANT_PLATFORM_API BOOL ResetEvent(HANDLE event);
 VANT_PLATFORM_API BOOL CloseHandle(HANDLE event);

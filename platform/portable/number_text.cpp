@@ -128,7 +128,7 @@ class NumberReader {
 public:
     explicit NumberReader(std::wstring_view text) noexcept : m_rest(text.substr(0, text.find(L'\0'))) {}
 
-    /// False for a text that is no number.
+    /// False for a text that is not a number.
     bool Read(ParsedNumber& number) noexcept {
         ReadLead();
         if (Next() == L'&' && !m_currency) {
@@ -147,7 +147,7 @@ private:
     void Skip() noexcept { m_rest.remove_prefix(1); }
     bool NextIsDigit() const noexcept { return DigitValue(Next()) < 10; }
 
-    /// Takes `mark` where it comes next and `seen` says that it may; sets `seen`.
+    /// Takes `mark` if it comes next and `seen` allows it; sets `seen`.
     bool TakeOnce(wchar_t mark, bool& seen) noexcept {
         if (Next() != mark || seen)
             return false;

@@ -34,8 +34,8 @@ NumberText FormatNumber(float value) noexcept;
 NumberText FormatNumber(double value) noexcept;
 
 /// The double nearest to a text, or that double rounded to an integer before it is made: no digit of the text
-/// is lost on the way. Both read up to the first null character, answer DISP_E_TYPEMISMATCH for a text that
-/// is no number and DISP_E_OVERFLOW for one out of range, and leave `out` unset then.
+/// is lost on the way. Both read up to the first null character, return DISP_E_TYPEMISMATCH for a text that
+/// is not a number and DISP_E_OVERFLOW for one out of range, and then leave `out` unset.
 HRESULT ParseDouble(std::wstring_view text, double& out) noexcept;
 HRESULT ParseLong(std::wstring_view text, LONG& out) noexcept;
 

@@ -12,7 +12,7 @@ VANT_PLATFORM_API std::size_t LiveBstrCount() noexcept;
 /// Number of events of this process that are not closed.
 VANT_PLATFORM_API std::size_t LiveEventCount() noexcept;
 
-/// Asked before each BSTR allocation; answering false makes that allocation fail. Null removes the hook.
+/// Called before each BSTR allocation; if it returns false, that allocation fails. Null removes the hook.
 /// Install and remove it while no other thread allocates.
 using BstrAllocationHook = bool (*)() noexcept;
 VANT_PLATFORM_API void SetBstrAllocationHook(BstrAllocationHook hook) noexcept;

@@ -20,7 +20,7 @@ extern "C" {
 
 /// A window that is not null while a presenter is installed; else null.
 VANT_PLATFORM_API HWND GetForegroundWindow();
-/// Has the presenter show the message and waits until it has been closed. IDOK; 0 where nothing was shown,
-/// because no presenter is installed or it threw. Null texts are empty.
+/// Has the presenter show the message and waits until it has been closed. Returns IDOK; 0 if nothing was
+/// shown, because no presenter is installed or it threw. Null texts are empty.
 VANT_PLATFORM_API int MessageBoxW(HWND owner, LPCWSTR text, LPCWSTR caption, UINT style);
 }

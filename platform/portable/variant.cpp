@@ -159,7 +159,7 @@ HRESULT Convert(const VARIANT& source, VARTYPE type, VARIANT& result) {
     }
 }
 
-/// Puts a new value in the place of the one that `destination` holds; frees it where that one cannot be
+/// Puts a new value in the place of the one that `destination` holds; frees it if that one cannot be
 /// cleared.
 HRESULT Replace(VARIANT& destination, VARIANT& value) {
     if (const HRESULT code = VariantClear(&destination); FAILED(code)) {

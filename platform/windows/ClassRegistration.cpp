@@ -27,13 +27,20 @@ std::optional<std::wstring> TextIn(HKEY root, const std::wstring& key) {
     return std::wstring(text.data());
 }
 
-} // namespace
-
-std::optional<std::wstring> RegisteredModule(const std::wstring& classIdText) {
-    const std::wstring key = L"CLSID\\" + classIdText + L"\\InprocServer32";
+std::optional<std::wstring> RegisteredModule(const std::wstring& classId) {
+    const std::wstring key = L"CLSID\\" + classId + L"\\InprocServer32";
     // The user's own part covers the machine's. Not every system shows the two as one.
     const auto users = TextIn(HKEY_CURRENT_USER, L"Software\\Classes\\" + key);
     return users ? users : TextIn(HKEY_CLASSES_ROOT, key);
+}
+
+} // namespace
+
+std::vector<std::optional<std::wstring>> RegisteredModules(const std::vector<std::wstring>& classIds) {
+    std::vector<std::optional<std::wstring>> modules;
+    for (const std::wstring& classId : classIds)
+        modules.push_back(RegisteredModule(classId));
+    return modules;
 }
 
 } // namespace vant

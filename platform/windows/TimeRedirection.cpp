@@ -41,7 +41,7 @@ const Kernel& TheKernel() {
 constexpr std::uintptr_t mark = 1;
 
 HANDLE HandleOf(waiting::Event* event) {
-    return event ? reinterpret_cast<HANDLE>(reinterpret_cast<std::uintptr_t>(event) | mark) : nullptr;
+    return event ? reinterpret_cast<char*>(event) + mark : nullptr;
 }
 
 /// Null for a handle that the system made.
@@ -50,7 +50,7 @@ waiting::Event* EventOf(HANDLE handle) {
     // No object lies in the first or last 64 KiB, where pseudo-handles such as INVALID_HANDLE_VALUE do, and
     // the console handles of old systems, which are odd.
     const bool ours = (bits & mark) != 0 && bits + 0x10000 > 0x20000;
-    return ours ? reinterpret_cast<waiting::Event*>(bits & ~mark) : nullptr;
+    return ours ? reinterpret_cast<waiting::Event*>(static_cast<char*>(handle) - mark) : nullptr;
 }
 
 std::int64_t LengthOf(DWORD milliseconds) {

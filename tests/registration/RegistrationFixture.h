@@ -23,7 +23,7 @@ protected:
         CoUninitialize();
     }
 
-    /// What CLSIDFromProgID answers, then CoCreateInstance.
+    /// What CLSIDFromProgID returns, then CoCreateInstance.
     static HRESULT CreateByProgId(const std::wstring& progId);
 
     /// Unloads the modules that were loaded for a class.

@@ -148,16 +148,16 @@ TEST_F(Registration, PerUser_WritesEverythingForTheUserAloneAndRemovesIt) {
     EXPECT_EQ(root.Whole(), machine);
 }
 
-/// Makes a function of the system answer a code and do nothing else.
+/// Makes a function of the system return a code and do nothing else.
 class ReplacedFunction {
 public:
-    ReplacedFunction(const wchar_t* library, const char* name, HRESULT answer)
+    ReplacedFunction(const wchar_t* library, const char* name, HRESULT result)
         : m_code(reinterpret_cast<unsigned char*>(
               reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(library), name)))) {
         if (!m_code)
             return;
-        unsigned char code[] = {0xB8, 0, 0, 0, 0, 0xC3}; // mov eax, answer; ret
-        std::memcpy(code + 1, &answer, sizeof(answer));
+        unsigned char code[] = {0xB8, 0, 0, 0, 0, 0xC3}; // mov eax, result; ret
+        std::memcpy(code + 1, &result, sizeof(result));
         std::memcpy(m_old, m_code, sizeof(m_old));
         Write(code);
     }
@@ -238,6 +238,99 @@ TEST_F(Registration, ForTheMachine_UsesTheMachineWideCallsForTheTypeLibrary) {
     }
     const ReplacedFunction perUser(L"oleaut32.dll", "UnRegisterTypeLibForUser", replaced);
     EXPECT_EQ(module.UnregisterServer(), S_OK);
+}
+
+/// A key of the machine's classes that leads to one of the user's, as the classes root itself shows a key
+/// that the user's classes have, too.
+class KeyThatLeadsToTheUser {
+public:
+    explicit KeyThatLeadsToTheUser(const std::wstring& path) : m_path(L"Software\\Classes\\" + path) {
+        HKEY user = nullptr;
+        RegCreateKeyExW(HKEY_CURRENT_USER, usersPath, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &user, nullptr);
+        const std::wstring target = NameOf(user);
+        RegCloseKey(user);
+        HKEY link = nullptr;
+        status = RegCreateKeyExW(HKEY_LOCAL_MACHINE, m_path.c_str(), 0, nullptr, REG_OPTION_CREATE_LINK,
+                                 KEY_ALL_ACCESS, nullptr, &link, nullptr);
+        if (status == ERROR_SUCCESS)
+            status = RegSetValueExW(link, L"SymbolicLinkValue", 0, REG_LINK,
+                                    reinterpret_cast<const BYTE*>(target.c_str()),
+                                    static_cast<DWORD>(target.size() * sizeof(wchar_t)));
+        RegCloseKey(link);
+    }
+    ~KeyThatLeadsToTheUser() {
+        using DeleteKey = LONG NTAPI(HANDLE);
+        HKEY link = nullptr;
+        RegOpenKeyExW(HKEY_LOCAL_MACHINE, m_path.c_str(), REG_OPTION_OPEN_LINK, KEY_ALL_ACCESS, &link);
+        Ntdll<DeleteKey>("NtDeleteKey")(link);
+        RegCloseKey(link);
+        RegDeleteTreeW(HKEY_CURRENT_USER, usersPath);
+    }
+    KeyThatLeadsToTheUser(const KeyThatLeadsToTheUser&) = delete;
+    KeyThatLeadsToTheUser& operator=(const KeyThatLeadsToTheUser&) = delete;
+
+    LSTATUS status;
+
+private:
+    template <class Function>
+    static Function* Ntdll(const char* name) {
+        return reinterpret_cast<Function*>(
+            reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), name)));
+    }
+    static std::wstring NameOf(HKEY key) {
+        using QueryKey = LONG NTAPI(HANDLE, int, void*, ULONG, ULONG*);
+        constexpr int keyNameInformation = 3;
+        struct {
+            ULONG byteLength;
+            wchar_t name[1024];
+        } information = {};
+        ULONG size = 0;
+        Ntdll<QueryKey>("NtQueryKey")(key, keyNameInformation, &information, sizeof(information), &size);
+        return {information.name, information.byteLength / sizeof(wchar_t)};
+    }
+
+    static constexpr const wchar_t* usersPath = L"Software\\VantCommands registration link";
+    const std::wstring m_path;
+};
+
+TEST_F(Registration, ForTheMachine_UsesTheMachineWideCallsWhateverTheUserHasRegistered) {
+    const KeyThatLeadsToTheUser key(L"TypeLib\\{3BE2B2AE-1EB4-4FE6-BCBD-F45D8D79FE5D}");
+    ASSERT_EQ(key.status, ERROR_SUCCESS);
+    {
+        const ReplacedFunction perUser(L"oleaut32.dll", "RegisterTypeLibForUser", replaced);
+        EXPECT_EQ(module.RegisterServer(), S_OK);
+    }
+    const ReplacedFunction perUser(L"oleaut32.dll", "UnRegisterTypeLibForUser", replaced);
+    EXPECT_EQ(module.UnregisterServer(), S_OK);
+}
+
+TEST_F(Registration, ForTheMachineAfterTheUser_GoesToTheMachine) {
+    HKEY usersClasses = nullptr;
+    ASSERT_EQ(RegCreateKeyExW(HKEY_CURRENT_USER, L"Software\\Classes", 0, nullptr, 0, KEY_ALL_ACCESS, nullptr,
+                              &usersClasses, nullptr),
+              ERROR_SUCCESS);
+    const auto asUser = [&](HRESULT (BuiltModule::*operation)() const) {
+        RegOverridePredefKey(HKEY_CLASSES_ROOT, usersClasses);
+        const HRESULT code = (module.*operation)();
+        RegOverridePredefKey(HKEY_CLASSES_ROOT, nullptr);
+        return code;
+    };
+    EXPECT_EQ(asUser(&BuiltModule::RegisterServer), S_OK);
+    EXPECT_EQ(module.RegisterServer(), S_OK);
+    EXPECT_EQ(asUser(&BuiltModule::UnregisterServer), S_OK);
+    EXPECT_EQ(root.OfTheModule(), EntriesOfAll(file))
+        << "the machine's registration does not need the user's";
+    EXPECT_EQ(module.UnregisterServer(), S_OK);
+    RegCloseKey(usersClasses);
+}
+
+TEST_F(Registration, ForTheMachine_LeavesTheClassesRootAsItWasFound) {
+    ASSERT_EQ(module.RegisterServer(), S_OK);
+    HKEY key = nullptr;
+    ASSERT_EQ(RegOpenKeyExW(HKEY_CLASSES_ROOT, nullptr, 0, KEY_READ, &key), ERROR_SUCCESS);
+    // Wine opens no key for a root that nobody has redirected.
+    EXPECT_EQ(key, HKEY_CLASSES_ROOT);
+    RegCloseKey(key);
 }
 
 /// An activation context made from the manifest beside the module, active while the object lives.

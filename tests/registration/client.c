@@ -1,5 +1,5 @@
 /* A client in plain C, as far from the module's own sources as can be: creates one object of every ProgID on
-   the command line and asks it for the command interface. Exit code 0 only if every one of them answers. */
+   the command line and asks it for the command interface. Exit code 0 only if every one of them has it. */
 
 #include <objbase.h>
 #include <stdio.h>

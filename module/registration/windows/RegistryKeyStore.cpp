@@ -23,7 +23,7 @@ private:
     HKEY m_key = nullptr;
 };
 
-/// The answer of a registry call as an HRESULT. A function, because the system's macro may look at its
+/// The result of a registry call as an HRESULT. A function, because the system's macro may look at its
 /// argument twice and so make the call twice.
 HRESULT FromStatus(LSTATUS status) {
     return HRESULT_FROM_WIN32(static_cast<DWORD>(status));
@@ -33,8 +33,41 @@ HRESULT Open(const std::wstring& path, REGSAM access, Key& key) {
     return FromStatus(RegOpenKeyExW(HKEY_CLASSES_ROOT, path.c_str(), 0, access, &key));
 }
 
-HRESULT OkWhereAbsent(HRESULT code) {
+HRESULT OkIfMissing(HRESULT code) {
     return code == HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND) ? S_OK : code;
+}
+
+/// The name that the system itself has for an open key, which begins with where the key really lies; empty if
+/// it cannot be told.
+std::wstring NameOf(const Key& key) {
+    using QueryKey = NTSTATUS NTAPI(HANDLE, int, void*, ULONG, ULONG*);
+    constexpr int keyNameInformation = 3;
+    const HMODULE ntdll = GetModuleHandleW(L"ntdll.dll");
+    const auto queryKey =
+        ntdll ? reinterpret_cast<QueryKey*>(reinterpret_cast<void*>(GetProcAddress(ntdll, "NtQueryKey")))
+              : nullptr;
+    struct {
+        ULONG byteLength;
+        wchar_t name[1024];
+    } information = {};
+    ULONG size = 0;
+    if (!queryKey || queryKey(key.Get(), keyNameInformation, &information, sizeof(information), &size) < 0)
+        return {};
+    return {information.name, information.byteLength / sizeof(wchar_t)};
+}
+
+bool SameName(std::wstring_view left, std::wstring_view right) {
+    return CompareStringOrdinal(left.data(), static_cast<int>(left.size()), right.data(),
+                                static_cast<int>(right.size()), TRUE) == CSTR_EQUAL;
+}
+
+/// The place of a root from the name of the key that has `path` below it.
+RootPlace PlaceOf(const std::wstring& name, std::wstring_view path) {
+    constexpr std::wstring_view user = L"\\REGISTRY\\USER\\";
+    const std::wstring usual = std::wstring(L"\\REGISTRY\\MACHINE\\SOFTWARE\\Classes").append(path);
+    if (SameName(std::wstring_view(name).substr(0, user.size()), user))
+        return RootPlace::User;
+    return name.empty() || SameName(name, usual) ? RootPlace::Usual : RootPlace::Elsewhere;
 }
 
 } // namespace
@@ -60,7 +93,7 @@ HRESULT RegistryKeyStore::DeleteValue(const std::wstring& path, const std::wstri
     HRESULT code = Open(path, KEY_SET_VALUE, key);
     if (SUCCEEDED(code))
         code = FromStatus(RegDeleteValueW(key.Get(), name.c_str()));
-    return OkWhereAbsent(code);
+    return OkIfMissing(code);
 }
 
 HRESULT RegistryKeyStore::DeleteKey(const std::wstring& path) {
@@ -68,7 +101,7 @@ HRESULT RegistryKeyStore::DeleteKey(const std::wstring& path) {
     {
         Key key;
         if (const HRESULT code = Open(path, KEY_READ, key); FAILED(code))
-            return OkWhereAbsent(code);
+            return OkIfMissing(code);
         const HRESULT code =
             FromStatus(RegQueryInfoKeyW(key.Get(), nullptr, nullptr, nullptr, &subkeys, nullptr, nullptr,
                                         nullptr, nullptr, nullptr, nullptr, nullptr));
@@ -77,11 +110,11 @@ HRESULT RegistryKeyStore::DeleteKey(const std::wstring& path) {
     }
     if (subkeys > 0)
         return S_OK;
-    return OkWhereAbsent(FromStatus(RegDeleteKeyW(HKEY_CLASSES_ROOT, path.c_str())));
+    return OkIfMissing(FromStatus(RegDeleteKeyW(HKEY_CLASSES_ROOT, path.c_str())));
 }
 
 HRESULT RegistryKeyStore::DeleteTree(const std::wstring& path) {
-    return OkWhereAbsent(FromStatus(RegDeleteTreeW(HKEY_CLASSES_ROOT, path.c_str())));
+    return OkIfMissing(FromStatus(RegDeleteTreeW(HKEY_CLASSES_ROOT, path.c_str())));
 }
 
 bool RegistryKeyStore::Exists(const std::wstring& path) {
@@ -89,31 +122,32 @@ bool RegistryKeyStore::Exists(const std::wstring& path) {
     return SUCCEEDED(Open(path, KEY_READ, key));
 }
 
-bool LiesInUsersPart(const wchar_t* path) {
-    // Nothing else tells a redirected root: the root itself has only its predefined handle, but the system's
-    // own name of a key below it begins where that key really lies.
-    using QueryKey = NTSTATUS NTAPI(HANDLE, int, void*, ULONG, ULONG*);
-    constexpr int keyNameInformation = 3;
-    constexpr std::wstring_view userPart = L"\\REGISTRY\\USER\\";
+RootPlace PlaceOfTheClassesRoot() {
+    Key root;
+    // Some systems open no key for the root itself, but return its predefined handle, which has no name. They
+    // do not show the user's classes in the root, so any key below it lies where the root does.
+    if (FAILED(Open(L"", KEY_READ, root)) || root.Get() == HKEY_CLASSES_ROOT) {
+        Key below;
+        return SUCCEEDED(Open(L"CLSID", KEY_READ, below)) ? PlaceOf(NameOf(below), L"\\CLSID")
+                                                          : RootPlace::Usual;
+    }
+    return PlaceOf(NameOf(root), L"");
+}
 
-    const HMODULE ntdll = GetModuleHandleW(L"ntdll.dll");
-    const auto queryKey =
-        ntdll ? reinterpret_cast<QueryKey*>(reinterpret_cast<void*>(GetProcAddress(ntdll, "NtQueryKey")))
-              : nullptr;
-    Key key;
-    if (!queryKey || FAILED(Open(path, KEY_READ, key)))
-        return false;
-    struct {
-        ULONG byteLength;
-        wchar_t name[1024];
-    } information = {};
-    ULONG size = 0;
-    if (queryKey(key.Get(), keyNameInformation, &information, sizeof(information), &size) < 0)
-        return false;
-    const std::wstring_view name(information.name, information.byteLength / sizeof(wchar_t));
-    return name.size() >= userPart.size() &&
-           CompareStringOrdinal(name.data(), static_cast<int>(userPart.size()), userPart.data(),
-                                static_cast<int>(userPart.size()), TRUE) == CSTR_EQUAL;
+MachineClassesRoot::MachineClassesRoot(RootPlace place) {
+    if (place != RootPlace::Usual)
+        return;
+    Key classes;
+    m_result =
+        FromStatus(RegOpenKeyExW(HKEY_LOCAL_MACHINE, L"Software\\Classes", 0, MAXIMUM_ALLOWED, &classes));
+    if (SUCCEEDED(m_result))
+        m_result = FromStatus(RegOverridePredefKey(HKEY_CLASSES_ROOT, classes.Get()));
+    m_redirected = SUCCEEDED(m_result);
+}
+
+MachineClassesRoot::~MachineClassesRoot() {
+    if (m_redirected)
+        RegOverridePredefKey(HKEY_CLASSES_ROOT, nullptr);
 }
 
 } // namespace vant

@@ -4,7 +4,7 @@
 
 namespace vant {
 
-/// HKEY_CLASSES_ROOT of this process: the machine's classes, or the user's where the process has redirected
+/// HKEY_CLASSES_ROOT of this process: the machine's classes, or the user's if the process has redirected
 /// the root (RegOverridePredefKey), as per-user registration does.
 class RegistryKeyStore final : public KeyStore {
 public:
@@ -18,8 +18,29 @@ public:
     static bool Exists(const std::wstring& path);
 };
 
-/// Whether that key of the classes root lies in a user's part of the registry. For a key that this process
-/// has written, this tells whether per-user registration is in force.
-bool LiesInUsersPart(const wchar_t* path);
+/// Where the classes root of this process leads.
+enum class RootPlace {
+    Usual,    ///< To the machine's classes, with the user's covering them: nobody has redirected it.
+    User,     ///< To a key in the user's part of the registry: per-user registration is in force.
+    Elsewhere ///< To any other key.
+};
+RootPlace PlaceOfTheClassesRoot();
+
+/// While it lives, a classes root that nobody has redirected leads to the machine's classes alone. Otherwise,
+/// what is written to a key that the user's classes have, too, would go there.
+class MachineClassesRoot {
+public:
+    explicit MachineClassesRoot(RootPlace place);
+    ~MachineClassesRoot();
+    MachineClassesRoot(const MachineClassesRoot&) = delete;
+    MachineClassesRoot& operator=(const MachineClassesRoot&) = delete;
+
+    /// The result of the redirection; S_OK if none was needed.
+    HRESULT Result() const { return m_result; }
+
+private:
+    bool m_redirected = false;
+    HRESULT m_result = S_OK;
+};
 
 } // namespace vant

@@ -24,19 +24,19 @@ HINSTANCE ModuleInstance() {
     return instance;
 }
 
-/// The per-user variant of a registration call where per-user registration is in force and the system has it;
-/// else the machine-wide call.
+/// The per-user variant of a registration call if per-user registration is in force and the system has it;
+/// otherwise the machine-wide call.
 template <class Function>
-Function* Choose(const char* perUserName, Function* machineWide) {
-    if (!LiesInUsersPart(libraryKey))
+Function* Choose(RootPlace root, const char* perUserName, Function* machineWide) {
+    if (root != RootPlace::User)
         return machineWide;
     const HMODULE library = GetModuleHandleW(L"OLEAUT32.DLL");
     const FARPROC perUser = library ? GetProcAddress(library, perUserName) : nullptr;
     return perUser ? reinterpret_cast<Function*>(reinterpret_cast<void*>(perUser)) : machineWide;
 }
 
-/// The path under which the system can load a type library: it takes none of MAX_PATH characters or more, so
-/// such a one in its short form, where the volume has one.
+/// The path under which the system can load a type library. It accepts none of MAX_PATH characters or more,
+/// so a longer one is returned in its short form, if the volume has one.
 std::wstring LoadablePath(const std::wstring& path) {
     if (path.size() < MAX_PATH)
         return path;
@@ -50,22 +50,21 @@ std::wstring LoadablePath(const std::wstring& path) {
     return shortPath.substr(prefix.size(), length - prefix.size());
 }
 
-HRESULT RegisterTypeLibrary() {
+HRESULT RegisterTypeLibrary(RootPlace root) {
     std::wstring path = LoadablePath(ModulePath());
     CComPtr<ITypeLib> library;
     if (const HRESULT code = LoadTypeLibEx(path.c_str(), REGKIND_NONE, &library); FAILED(code))
         return code;
-    if (const HRESULT code = RegistryKeyStore().CreateKey(libraryKey); FAILED(code))
-        return code;
     std::wstring folder = path.substr(0, path.find_last_of(L'\\'));
-    const auto registerLibrary = Choose<RegisterFunction>("RegisterTypeLibForUser", &RegisterTypeLib);
+    const auto registerLibrary = Choose<RegisterFunction>(root, "RegisterTypeLibForUser", &RegisterTypeLib);
     return registerLibrary(library.Get(), path.data(), folder.data());
 }
 
-HRESULT UnregisterTypeLibrary() {
+HRESULT UnregisterTypeLibrary(RootPlace root) {
     if (!RegistryKeyStore::Exists(std::wstring(libraryKey) + fileSubkey))
         return RegistryKeyStore().DeleteKey(libraryKey); // a registration that failed may have left it empty
-    const auto unregisterLibrary = Choose<UnregisterFunction>("UnRegisterTypeLibForUser", &UnRegisterTypeLib);
+    const auto unregisterLibrary =
+        Choose<UnregisterFunction>(root, "UnRegisterTypeLibForUser", &UnRegisterTypeLib);
     return unregisterLibrary(libraryId, libraryMajor, libraryMinor, libraryLocale, system);
 }
 
@@ -93,10 +92,14 @@ std::wstring ModulePath() {
 }
 
 HRESULT RegisterWithSystem(ScriptMode mode) {
+    const RootPlace root = PlaceOfTheClassesRoot();
+    const MachineClassesRoot machine(root);
+    if (FAILED(machine.Result()))
+        return machine.Result();
     RegistryKeyStore store;
     if (const HRESULT code = RunAllScripts(mode, store); FAILED(code))
         return code;
-    return mode == ScriptMode::Register ? RegisterTypeLibrary() : UnregisterTypeLibrary();
+    return mode == ScriptMode::Register ? RegisterTypeLibrary(root) : UnregisterTypeLibrary(root);
 }
 
 } // namespace vant

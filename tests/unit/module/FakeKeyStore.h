@@ -8,7 +8,7 @@
 
 namespace vant {
 
-/// Records every operation, keeps what was written, and fails at one path where it is told to.
+/// Records every operation, keeps what was written, and fails at one path if it is told to.
 class FakeKeyStore final : public KeyStore {
 public:
     std::map<std::wstring, std::map<std::wstring, std::wstring>> keys;

@@ -6,7 +6,7 @@
 namespace vant {
 namespace {
 
-/// Counts its references, of which the test holds the first; answers only for IUnknown.
+/// Counts its references, of which the test holds the first; knows only IUnknown.
 class CountedObject : public IUnknown {
 public:
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override {

@@ -1,8 +1,8 @@
 // The conversions between texts and numbers: one table that holds for both builds.
 //
-// Where the two builds differ, the row says OnSystem(portable, windows). The Windows column of such a row was
-// taken from Wine and documents the system at hand; another Windows may answer otherwise there. They differ
-// in four ways:
+// If the two builds differ, the row says OnSystem(portable, windows). The Windows column of such a row was
+// taken from Wine and documents the system at hand; another Windows may return something else there. They
+// differ in four ways:
 //
 // More than 15 significant digits (7 from a VT_R4): Windows does not write them and is inexact in reading
 // them. The portable build writes the shortest text that reads back the same and always reads the nearest
@@ -43,7 +43,7 @@ struct Failure {
 constexpr Failure mismatch{DISP_E_TYPEMISMATCH};
 constexpr Failure overflow{DISP_E_OVERFLOW};
 
-/// What a conversion answers: a failure, or the value in the target's type.
+/// What a conversion returns: a failure, or the value in the target's type.
 using Outcome = std::variant<Failure, LONG, double, bool, std::wstring>;
 
 std::string Printable(std::wstring_view text) {
@@ -79,7 +79,7 @@ std::string Printable(const Outcome& outcome) {
     return "text " + Printable(std::wstring_view(std::get<std::wstring>(outcome)));
 }
 
-/// Outcomes are equal also where both are NaN; zeros must agree in their sign.
+/// Outcomes are equal also if both are NaN; zeros must agree in their sign.
 bool Same(const Outcome& left, const Outcome& right) {
     const auto* a = std::get_if<double>(&left);
     const auto* b = std::get_if<double>(&right);
@@ -544,7 +544,7 @@ std::vector<Row> OtherTypes() {
         Whole(
             "UI8 max", VT_UI8, [](VARIANT& v) { v.ullVal = std::numeric_limits<ULONGLONG>::max(); }, overflow,
             18446744073709551616.0, L"18446744073709551615"),
-        // Single precision: 7 digits where a double has 15.
+        // Single precision: 7 digits; a double has 15.
         Float(0.0F, LONG{0}, text(L"0")),
         Float(0.1F, LONG{0}, text(L"0.1")),
         Float(2.5F, LONG{2}, text(L"2.5")),
@@ -564,7 +564,7 @@ std::vector<Row> OtherTypes() {
             "false", VT_BOOL, [](VARIANT& v) { v.boolVal = VARIANT_FALSE; }, LONG{0}, 0.0, text(L"0"), false),
         Value(
             "another truth", VT_BOOL, [](VARIANT& v) { v.boolVal = 5; }, LONG{5}, 5.0, text(L"5"), true),
-        // What is no number.
+        // What is not a number.
         Value(
             "error", VT_ERROR, [](VARIANT& v) { v.scode = E_FAIL; }, mismatch, mismatch, mismatch, mismatch),
         Value(
