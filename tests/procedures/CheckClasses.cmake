@@ -1,11 +1,9 @@
 # Looks in JOURNALS for every one of CLASSES, executed with success; see vant_add_class_check.
 cmake_minimum_required(VERSION 3.25)
 
-set(ended "")
-foreach(journal IN LISTS JOURNALS)
-  file(STRINGS ${journal} lines REGEX "\"operation\":\"CommandEnded\",.*\"phase\":\"execute\"}.*\"result\":\"0x00000000\"")
-  list(APPEND ended "${lines}")
-endforeach()
+# grep takes a fraction of the time that file(STRINGS) takes for these megabytes.
+execute_process(COMMAND grep -hE "\"operation\":\"CommandEnded\",.*\"phase\":\"execute\"}.*\"result\":\"0x00000000\"" ${JOURNALS}
+                OUTPUT_VARIABLE ended)
 
 set(missing "")
 foreach(class IN LISTS CLASSES)
