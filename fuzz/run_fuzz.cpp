@@ -33,6 +33,9 @@ using namespace vant::host;
 /// A run is aborted after so many records: many procedures would never end.
 constexpr std::size_t mostRecords = 2'000;
 
+/// A run never has so many threads at once.
+constexpr int mostThreads = 256;
+
 std::optional<Module> module;
 std::map<std::string, EngineDescription> engines; ///< By the name under which a procedure refers to it.
 
@@ -56,9 +59,14 @@ std::string JournalOf(const Procedure& procedure) {
     Journal journal;
     std::string lines;
     std::size_t count = 0;
+    int threads = 0;
     Runner runner(procedure, *module, journal);
     journal.Observe([&](const Record& record) {
         lines += ToJson(record).dump() + '\n';
+        if (record.operation == "RegisterCallback" && record.result == S_OK && ++threads == mostThreads)
+            std::abort();
+        if (record.operation == "ThreadEnded")
+            --threads;
         if (++count == mostRecords)
             runner.Abort();
     });

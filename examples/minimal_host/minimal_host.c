@@ -1,5 +1,5 @@
 /* A complete host for the command classes in one file of plain C: it loads the module, creates commands,
-   gives them services of its own and runs a Calculator and, on a thread of its own thread service, a Timer.
+   offers them its own services and runs a Calculator and, on a thread of its own thread service, a Timer.
 
        minimal_host MODULE
 
@@ -61,7 +61,7 @@ static void release_lock(Lock* lock) {
 #define STDMETHODCALLTYPE
 typedef int32_t HRESULT, LONG;
 typedef uint32_t ULONG;
-typedef wchar_t* BSTR; /* the length in bytes stands before the text */
+typedef wchar_t* BSTR; /* the length in bytes precedes the text */
 typedef struct {
     uint32_t Data1;
     uint16_t Data2, Data3;
@@ -115,7 +115,7 @@ static void release_lock(Lock* lock) {
     pthread_mutex_unlock(lock);
 }
 
-/* Strings must come from where the module takes them: the platform library that was loaded with it. */
+/* Strings must come from the library that the module takes them from: the platform library loaded with it. */
 static BSTR (*SysAllocString)(const wchar_t* text);
 static void (*SysFreeString)(BSTR text);
 static HRESULT (*VariantClear)(VARIANT* value);
@@ -210,7 +210,7 @@ static const CommandRow commands[] = {
 
 struct Object {
     const Slot* slots;
-    const GUID* interface_id; /* besides IUnknown; NULL where nobody asks */
+    const GUID* interface_id; /* besides IUnknown; NULL if nobody asks */
     atomic_long references;
 };
 
@@ -440,7 +440,7 @@ static HRESULT set_property(Command* command, const Text* property) {
     return code;
 }
 
-/* A new command, initialised and with its properties; NULL where anything failed. */
+/* A new command, initialised and with its properties; NULL if anything failed. */
 static Command* create(const wchar_t* id) {
     for (size_t row = 0; row < sizeof commands / sizeof *commands; ++row) {
         if (wcscmp(commands[row].id, id) != 0)

@@ -79,7 +79,7 @@ Calls CallsOf(const CLSID& classId,
     return host.calls;
 }
 
-TEST_P(EveryBuiltCommand, Slot0_UnknownAndCommand_AnswersTheObjectItself) {
+TEST_P(EveryBuiltCommand, Slot0_UnknownAndCommand_ReturnsTheObjectItself) {
     RawCommand command(*GetParam().id);
     for (const IID* iid : {&IID_IUnknown, &iidCommand}) {
         void* out = nullptr;
@@ -89,7 +89,7 @@ TEST_P(EveryBuiltCommand, Slot0_UnknownAndCommand_AnswersTheObjectItself) {
     }
 }
 
-TEST_P(EveryBuiltCommand, Slot0_AnyOtherInterface_AnswersNoInterfaceAndNull) {
+TEST_P(EveryBuiltCommand, Slot0_AnyOtherInterface_ReturnsNoInterfaceAndNull) {
     RawCommand command(*GetParam().id);
     for (const IID* iid : {&IID_IDispatch, &iidSupportErrorInfo, &IID_NULL}) {
         void* out = &command;
@@ -98,7 +98,7 @@ TEST_P(EveryBuiltCommand, Slot0_AnyOtherInterface_AnswersNoInterfaceAndNull) {
     }
 }
 
-TEST_P(EveryBuiltCommand, Slot0_PersistentCommand_IsAnsweredByPersistentClassesAlone) {
+TEST_P(EveryBuiltCommand, Slot0_PersistentCommand_IsOfferedByPersistentClassesAlone) {
     RawCommand command(*GetParam().id);
     void* persistent = &command;
     if (!GetParam().persistent) {
@@ -140,7 +140,7 @@ TEST_P(EveryBuiltCommand, Slot3_RequestsNineServicesInOrderAndKeepsThem) {
     ExpectCleanEnd(host);
 }
 
-TEST_P(EveryBuiltCommand, Slot3_ASecondTime_AnswersUnexpectedAndAsksNothing) {
+TEST_P(EveryBuiltCommand, Slot3_ASecondTime_ReturnsUnexpectedAndAsksNothing) {
     RawHost host;
     RawHost other;
     {
@@ -155,7 +155,7 @@ TEST_P(EveryBuiltCommand, Slot3_ASecondTime_AnswersUnexpectedAndAsksNothing) {
     ExpectCleanEnd(other);
 }
 
-TEST_P(EveryBuiltCommand, Slot3_NullContext_AnswersPointer) {
+TEST_P(EveryBuiltCommand, Slot3_NullContext_ReturnsPointer) {
     RawHost host;
     RawCommand command(*GetParam().id);
     EXPECT_EQ(command.Initialize(nullptr, &host.controller), E_POINTER);
@@ -163,7 +163,7 @@ TEST_P(EveryBuiltCommand, Slot3_NullContext_AnswersPointer) {
     EXPECT_EQ(command.Initialize(&host.context, nullptr), S_OK) << "a refused context leaves nothing behind";
 }
 
-TEST_P(EveryBuiltCommand, Slot3_RefusedRequest_AnswersItsCodeAndMayBeTriedAgain) {
+TEST_P(EveryBuiltCommand, Slot3_RefusedRequest_ReturnsItsCodeAndMayBeTriedAgain) {
     for (const bool givesAllTheSame : {false, true}) {
         for (std::size_t request = 0; request < serviceRequests.size(); ++request) {
             SCOPED_TRACE(request);
@@ -188,7 +188,7 @@ TEST_P(EveryBuiltCommand, Slot3_RefusedRequest_AnswersItsCodeAndMayBeTriedAgain)
     }
 }
 
-TEST_P(EveryBuiltCommand, Slot4_NothingSet_AnswersUnexpectedAndRunsNothing) {
+TEST_P(EveryBuiltCommand, Slot4_NothingSet_ReturnsUnexpectedAndRunsNothing) {
     RawHost host;
     EXPECT_EQ(CallsOf(*GetParam().id, {}, host, E_UNEXPECTED), Calls());
 }
@@ -200,7 +200,7 @@ TEST_P(EveryBuiltCommand, Slot5_RefusesUndeclaredNames) {
     EXPECT_EQ(CallSlot<HRESULT>(command.Object(), 5, BSTR{}, BSTR{}), E_INVALIDARG);
 }
 
-TEST_P(EveryBuiltCommand, Slot6_NothingSet_AnswersFalseAndNullPointerIsRefused) {
+TEST_P(EveryBuiltCommand, Slot6_NothingSet_ReturnsFalseAndRefusesANullPointer) {
     RawCommand command(*GetParam().id);
     VARIANT_BOOL valid = VARIANT_TRUE;
     EXPECT_EQ(command.GetIsValid(&valid), S_OK);
@@ -225,11 +225,6 @@ TEST_P(EveryBuiltCommand, Slots7And8_KeepTheLabelWhole) {
     EXPECT_EQ(read.Get(), nullptr);
 }
 
-TEST_P(EveryBuiltCommand, LiveObject_KeepsTheModule) {
-    RawCommand command(*GetParam().id);
-    EXPECT_EQ(command.Module().CanUnloadNow(), S_FALSE);
-}
-
 TEST(BuiltCommand, ResultsAndTruth_AreTheNumbersOfTheContract) {
     RawHost host;
     {
@@ -249,7 +244,7 @@ TEST(BuiltCommand, ResultsAndTruth_AreTheNumbersOfTheContract) {
         EXPECT_EQ(number(command.Initialize(host)), 0U);
         EXPECT_EQ(number(command.Initialize(host)), 0x8000FFFFU);
         EXPECT_EQ(number(command.Execute()), 0U);
-        host.answer = E_INVALIDARG;
+        host.result = E_INVALIDARG;
         EXPECT_EQ(number(command.Execute()), 0x80004005U);
     }
     ExpectCleanEnd(host);
@@ -261,9 +256,9 @@ TEST(BuiltCommand, CompositeCommand_RunsEachIdentifierThroughSlot3OfTheRunner) {
               (Calls{L"commandRunner 3(A)", L"commandRunner 3()", L"commandRunner 3(B)"}));
 }
 
-TEST(BuiltCommand, CompositeCommand_RefusedRun_AnswersFailAndRunsNoMore) {
+TEST(BuiltCommand, CompositeCommand_RefusedRun_ReturnsFailAndRunsNoMore) {
     RawHost host;
-    host.answer = E_INVALIDARG;
+    host.result = E_INVALIDARG;
     EXPECT_EQ(CallsOf(compositeCommand, {{L"commandIDList", L"A B"}}, host, E_FAIL),
               (Calls{L"commandRunner 3(A)"}));
 }
@@ -292,10 +287,10 @@ TEST(BuiltCommand, Calculator_ReadsThroughSlot9AndWritesThroughSlot10OfTheStore)
                      L"dataStore 10(difference, text 3)"}));
 }
 
-TEST(BuiltCommand, Calculator_RefusedReadThatGivesAValueAllTheSame_WritesNothing) {
+TEST(BuiltCommand, Calculator_RefusedReadWithAValue_WritesNothing) {
     RawHost host;
     host.entries = {{L"first", L"12.5"}};
-    host.answer = E_FAIL;
+    host.result = E_FAIL;
     EXPECT_EQ(
         CallsOf(calculator, {{L"operation", L"negate"}, {L"dsSourceA", L"first"}, {L"dsResult", L"x"}}, host),
         (Calls{L"dataStore 9(first, type 0)"}));
@@ -307,10 +302,10 @@ TEST(BuiltCommand, ParameterWriter_WritesATextThroughSlot13OfTheParameterService
               (Calls{L"parameterService 13(190, 1, text 5)"}));
 }
 
-TEST(BuiltCommand, ParameterWriter_ReadsReferencesThroughSlot9OfTheStoreAndIgnoresTheAnswers) {
+TEST(BuiltCommand, ParameterWriter_ReadsReferencesThroughSlot9OfTheStoreAndIgnoresTheResults) {
     RawHost host;
     host.entries = {{L"id", L"190"}};
-    host.answer = E_FAIL;
+    host.result = E_FAIL;
     EXPECT_EQ(CallsOf(parameterWriter, {{L"dsParameterID", L"id"}, {L"dsValue", L"missing"}}, host),
               (Calls{L"dataStore 9(id, type 0)", L"dataStore 9(missing, type 0)",
                      L"parameterService 13(190, 1, type 0)"}));
@@ -373,9 +368,9 @@ TEST(BuiltCommand, PropertySetter_ReadsReferencesThroughSlot9OfTheParameterAndSe
                      L"componentService 10(gauge, text, <parameter text 9>)"}));
 }
 
-TEST(BuiltCommand, PropertySetter_RefusedProperty_AnswersFail) {
+TEST(BuiltCommand, PropertySetter_RefusedProperty_ReturnsFail) {
     RawHost host;
-    host.answer = E_INVALIDARG;
+    host.result = E_INVALIDARG;
     EXPECT_EQ(CallsOf(propertySetter, {{L"propertyName", L"text"}, {L"componentID", L"gauge"}}, host, E_FAIL),
               (Calls{L"componentService 10(gauge, text, )"}));
 }
@@ -388,16 +383,16 @@ TEST(BuiltCommand, MessageDisplayer_ReadsThroughSlot9OfTheStore) {
     });
 }
 
-TEST(BuiltCommand, ErrorAndHelpDisplayers_AskNothing) {
+TEST(BuiltCommand, ErrorAndHelpDisplayers_CallNothing) {
     RawHost host;
     EXPECT_EQ(CallsOf(errorDisplayer, {{L"dsString", L"entry"}}, host), Calls());
     EXPECT_EQ(CallsOf(helpDisplayer, {{L"helpFile", L"manual"}, {L"helpIndex", L"3"}}, host), Calls());
 }
 
-TEST(BuiltCommand, DiagnosticTestInstruction_ShowsThroughSlot7AndIgnoresTheAnswers) {
+TEST(BuiltCommand, DiagnosticTestInstruction_ShowsThroughSlot7AndIgnoresTheResults) {
     RawHost host;
     host.entries = {{L"text", L"hold $p(190)"}};
-    host.answer = E_FAIL;
+    host.result = E_FAIL;
     EXPECT_EQ(CallsOf(diagnosticTestInstruction, {{L"dsValue", L"text"}}, host),
               (Calls{L"dataStore 9(text, type 0)", L"parameterService 12(190, 1)", L"parameter 9()",
                      L"presentationService 7(hold parameter text 9)"}));
@@ -455,7 +450,7 @@ TEST(BuiltCommand, StartConditionChecker_ReadsTheFailureKeyThroughSlot4AndCopies
 
 TEST(BuiltCommand, SampledThrottleAdjuster_RefusedWriteThroughSlot13_TakesTheFailTransition) {
     RawHost host;
-    host.writeAnswer = E_FAIL;
+    host.writeResult = E_FAIL;
     EXPECT_EQ(CallsOf(sampledThrottleAdjuster, {{L"successTransition", L"good"}, {L"failTransition", L"bad"}},
                       host),
               (Calls{L"parameterService 13(110142, 1, number 20)", L"procedureController 7(bad)"}));

@@ -20,7 +20,7 @@ constexpr IID iidThreadCallback = {
 constexpr HRESULT badIndex = static_cast<HRESULT>(0x8002000B);
 constexpr HRESULT libraryNotRegistered = static_cast<HRESULT>(0x8002801D);
 
-// The record has the layout that C gives it, whatever the word size.
+// The record has the layout that it has in C, whatever the word size.
 static_assert(offsetof(RawRegistration, argument) == sizeof(void*));
 static_assert(offsetof(RawRegistration, settings) == sizeof(void*) + 4);
 static_assert(offsetof(RawRegistration, ownerName) == sizeof(void*) + 16);
@@ -80,7 +80,7 @@ public:
     HRESULT Stop() { return CallSlot<HRESULT>(m_persistent, 3); }
     void* Persistent() const { return m_persistent; }
     const BuiltModule& Module() const { return m_command.Module(); }
-    /// Executes the command and answers its callback.
+    /// Executes the command and returns its callback.
     void* Register() {
         EXPECT_EQ(Execute(), S_OK);
         EXPECT_EQ(host.callbacks.size(), 1U);
@@ -91,7 +91,7 @@ public:
         void* const callback = Register();
         return CallsOf(callback);
     }
-    /// The same where the command is stopped before its thread has begun, so that its first wait is its last.
+    /// The same, but the command is stopped before its thread has begun, so that its first wait is its last.
     Calls BodyCallsWhenStopped() {
         void* const callback = Register();
         EXPECT_EQ(Stop(), S_OK);
@@ -126,9 +126,9 @@ TEST_P(EveryBuiltPersistentCommand, Execute_RegistersItsCallbackThroughSlot13OfT
     EXPECT_EQ(run.host.threadService.References(), 2);
 }
 
-TEST_P(EveryBuiltPersistentCommand, Execute_RefusedRegistration_IsNotTold) {
+TEST_P(EveryBuiltPersistentCommand, Execute_RefusedRegistration_Succeeds) {
     PersistentRun run(GetParam());
-    run.host.answer = E_FAIL;
+    run.host.result = E_FAIL;
     EXPECT_EQ(run.Execute(), S_OK);
     EXPECT_EQ(run.host.calls, registration);
 }
@@ -138,11 +138,11 @@ TEST_P(EveryBuiltPersistentCommand, Stop_TellsTheControllerThroughSlot6WithItsOw
     EXPECT_EQ(run.Stop(), S_OK);
     EXPECT_EQ(run.host.calls, (Calls{L"controller 6(pointer)"}));
     EXPECT_EQ(run.host.stoppedCommand, run.Persistent());
-    run.host.answer = static_cast<HRESULT>(0x80041234);
+    run.host.result = static_cast<HRESULT>(0x80041234);
     EXPECT_EQ(run.Stop(), static_cast<HRESULT>(0x80041234));
 }
 
-TEST_P(EveryBuiltPersistentCommand, Stop_WithoutController_AnswersPointer) {
+TEST_P(EveryBuiltPersistentCommand, Stop_WithoutController_ReturnsPointer) {
     RawCommand command(*GetParam().id);
     void* persistent = nullptr;
     ASSERT_EQ(command.QueryInterface(iidPersistentCommand, &persistent), S_OK);
@@ -150,7 +150,7 @@ TEST_P(EveryBuiltPersistentCommand, Stop_WithoutController_AnswersPointer) {
     CallSlot<ULONG>(persistent, 2);
 }
 
-TEST_P(EveryBuiltPersistentCommand, Callback_AnswersUnknownDispatchAndThreadCallbackWithItself) {
+TEST_P(EveryBuiltPersistentCommand, Callback_ReturnsItselfAsUnknownDispatchAndThreadCallback) {
     PersistentRun run(GetParam());
     void* const callback = run.Register();
     for (const IID* iid : {&IID_IUnknown, &IID_IDispatch, &iidThreadCallback}) {
@@ -166,7 +166,7 @@ TEST_P(EveryBuiltPersistentCommand, Callback_AnswersUnknownDispatchAndThreadCall
     }
 }
 
-TEST_P(EveryBuiltPersistentCommand, Callback_Slots3To6_AnswerAsWithoutRegisteredLibrary) {
+TEST_P(EveryBuiltPersistentCommand, Callback_Slots3To6_ReturnAsWithoutRegisteredLibrary) {
     PersistentRun run(GetParam());
     void* const callback = run.Register();
     UINT count = 0;

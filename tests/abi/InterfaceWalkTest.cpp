@@ -1,5 +1,5 @@
 // The declared interfaces, walked over raw function tables: every declared operation must reach the slot that
-// the binary contract gives it, with its arguments in the documented order and types.
+// the binary contract puts it, with its arguments in the documented order and types.
 
 #include "ecm/interfaces/EngineData.h"
 #include "framework/interfaces/ConditionSet.h"
@@ -31,7 +31,7 @@ Interface* As(RawObject& object) {
     return reinterpret_cast<Interface*>(&object);
 }
 
-/// Calls IUnknown's operations, IDispatch's where the interface has them, then those given, which must be all
+/// Calls IUnknown's operations, IDispatch's if the interface has them, then those passed, which must be all
 /// of the interface's own, one for each slot from the first.
 template <class Interface, std::size_t count>
 void ExpectSlots(const Expected<Interface> (&own)[count]) {

@@ -16,7 +16,7 @@ namespace {
 
 using Calls = std::vector<std::wstring>;
 
-// Compilers that follow the Itanium C++ ABI give a destructor two entries of the table.
+// Compilers that follow the Itanium C++ ABI enter a destructor twice in the table.
 constexpr int extraDestructorEntry = 1;
 
 class CLayoutProbe : public CComObjectRootEx<CComMultiThreadModel>,
@@ -58,7 +58,7 @@ TEST_F(PersistentLayout, ControllingUnknownAndBody_FollowExecuteCommandInTheTabl
     EXPECT_EQ(probe->runs, 1);
 }
 
-TEST_F(PersistentLayout, ThreadManagement_HasATableOfItsOwnWithTheFourOperationsBehindTheDestructor) {
+TEST_F(PersistentLayout, ThreadManagement_HasItsOwnTableWithTheFourOperationsAfterTheDestructor) {
     CThreadManagement* const management = probe;
     EXPECT_NE(static_cast<void*>(management), static_cast<void*>(command.Get()));
     constexpr int start = 1 + extraDestructorEntry;
@@ -85,7 +85,7 @@ TEST_F(PersistentLayout, ThreadManagement_ItsDestructorDestroysTheWholeCommand) 
     EXPECT_EQ(ModuleLock::Count(), before - 1);
 }
 
-TEST_F(PersistentLayout, Members_StandInTheirOrder) {
+TEST_F(PersistentLayout, Members_AreInTheirOrder) {
     const std::vector<const void*> addresses = {
         static_cast<IVantCommand*>(probe),
         std::addressof(probe->m_threadService),

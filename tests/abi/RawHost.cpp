@@ -47,7 +47,7 @@ void Note(const RawObject& object, int slot, const Arguments&... arguments) {
     object.Host().calls.push_back(call + L')');
 }
 
-/// An operation that gives an object of the host for arguments of these types.
+/// An operation that hands out an object of the host for arguments of these types.
 template <RawObject RawHost::*wanted, int slot, class... Arguments>
 struct Give {
     static HRESULT STDMETHODCALLTYPE Object(RawObject* self, Arguments... arguments, void** out) {
@@ -60,11 +60,11 @@ struct Give {
     }
 };
 
-/// An operation that takes one argument and gives nothing.
+/// An operation that takes one argument and returns nothing else.
 template <int slot, class Argument>
 HRESULT STDMETHODCALLTYPE Take(RawObject* self, Argument argument) {
     Note(*self, slot, argument);
-    return self->Host().answer;
+    return self->Host().result;
 }
 
 template <int slot>
@@ -76,7 +76,7 @@ HRESULT STDMETHODCALLTYPE GiveText(RawObject* self, BSTR* out) {
 
 HRESULT STDMETHODCALLTYPE SetComponentProperty(RawObject* self, BSTR component, BSTR name, BSTR value) {
     Note(*self, 10, component, name, value);
-    return self->Host().answer;
+    return self->Host().result;
 }
 
 HRESULT STDMETHODCALLTYPE GetValue(RawObject* self, BSTR name, VARIANT* out) {
@@ -85,18 +85,18 @@ HRESULT STDMETHODCALLTYPE GetValue(RawObject* self, BSTR name, VARIANT* out) {
     if (object != self->Host().objects.end()) {
         out->vt = VT_UNKNOWN;
         out->punkVal = static_cast<IUnknown*>(object->second->Give());
-        return self->Host().answer;
+        return self->Host().result;
     }
     const auto found = self->Host().entries.find(Printed(name));
     if (found == self->Host().entries.end())
         return E_FAIL;
     *out = CComVariant(CComBSTR(found->second)).Detach();
-    return self->Host().answer;
+    return self->Host().result;
 }
 
 HRESULT STDMETHODCALLTYPE SetValue(RawObject* self, BSTR name, VARIANT value) {
     Note(*self, 10, name, value);
-    return self->Host().answer;
+    return self->Host().result;
 }
 
 HRESULT STDMETHODCALLTYPE GetParameter(RawObject* self, BSTR id, LONG kind, void** out) {
@@ -109,7 +109,7 @@ HRESULT STDMETHODCALLTYPE GetParameter(RawObject* self, BSTR id, LONG kind, void
 HRESULT STDMETHODCALLTYPE SetParameter(RawObject* self, BSTR id, LONG kind, VARIANT value, void** out) {
     Note(*self, 13, id, kind, value);
     *out = self->Host().parameter.Give();
-    return self->Host().writeAnswer;
+    return self->Host().writeResult;
 }
 
 HRESULT STDMETHODCALLTYPE ParameterValue(RawObject* self, VARIANT* out) {
@@ -195,7 +195,7 @@ HRESULT STDMETHODCALLTYPE FieldValue(RawObject* self, BSTR* out) {
 HRESULT STDMETHODCALLTYPE CommandStopped(RawObject* self, void* command) {
     Note(*self, 6, command);
     self->Host().stoppedCommand = command;
-    return self->Host().answer;
+    return self->Host().result;
 }
 
 HRESULT STDMETHODCALLTYPE RegisterCallback(RawObject* self, void* callback,
@@ -206,7 +206,7 @@ HRESULT STDMETHODCALLTYPE RegisterCallback(RawObject* self, void* callback,
     CallSlot<ULONG>(callback, 1);
     self->Host().callbacks.push_back(callback);
     *cookie = 7;
-    return self->Host().answer;
+    return self->Host().result;
 }
 
 } // namespace
@@ -241,7 +241,7 @@ RawHost::RawHost() {
     parameter.Place(10, &ParameterValue);
     parameter.Place(11, &GiveText<11>);
 
-    threadService.AlsoAnswers(iidEcmServices, ecmServices);
+    threadService.AlsoOffers(iidEcmServices, ecmServices);
     threadService.Place(8, &Take<8, std::uint32_t>);
     threadService.Place(11, &Take<11, std::uint32_t>);
     threadService.Place(12, &Take<12, std::uint32_t>);
@@ -250,12 +250,12 @@ RawHost::RawHost() {
     unitsTable.Place(7, &Give<&RawHost::unit, 7, BSTR>::Object);
     unit.Place(8, &GiveText<8>);
 
-    ecmServices.AlsoAnswers(iidSessionManager, sessionManager);
+    ecmServices.AlsoOffers(iidSessionManager, sessionManager);
     sessionManager.Place(9, &Give<&RawHost::directory, 9>::Object);
     sessionManager.Place(10, &Give<&RawHost::source, 10>::Object);
     directory.Place(9, &Give<&RawHost::openedEcm, 9, LONG>::Object);
     directory.Place(10, &Take<10, LONG>);
-    openedEcm.AlsoAnswers(iidSession, session);
+    openedEcm.AlsoOffers(iidSession, session);
     session.Place(7, &RegisterSession);
     session.Place(11, &Give<&RawHost::sessionItem, 11, LONG, LONG>::Object);
     sessionItem.Place(12, &ItemValue);

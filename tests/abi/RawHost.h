@@ -41,7 +41,7 @@ struct RawRegistration {
     BSTR threadName;
 };
 
-/// A host of raw function tables: each documented operation stands in its slot, every other slot is a trap.
+/// A host of raw function tables: each documented operation is in its slot, every other slot is a trap.
 /// It knows no interface declaration. Whatever is called, is noted.
 class RawHost {
 public:
@@ -55,7 +55,7 @@ public:
     std::map<std::wstring, RawObject*> objects;
     /// The value of every parameter.
     LONG parameterValue = 800;
-    /// What the condition set answers.
+    /// What the condition set returns.
     VARIANT_BOOL allMet = VARIANT_TRUE;
     /// Every callback that was registered. A reference is held on each until ReleaseCallbacks.
     std::vector<void*> callbacks;
@@ -64,15 +64,16 @@ public:
     void* stoppedCommand = nullptr;
     /// The fault array, whatever its identifier.
     std::vector<RawFaultRecord> faults;
-    /// What the end of the protocol source chain answers.
+    /// What the end of the protocol source chain returns.
     LONG protocolKind = 0;
-    /// What the operations of the services and of the controller answer, whatever else they do.
-    HRESULT answer = S_OK;
-    /// What a write of a parameter answers.
-    HRESULT writeAnswer = S_OK;
-    /// A request of the context, as `calls` has it, that answers 0x80041234 and leaves its argument alone,
+    /// What the operations of the services and of the controller return, whatever else they do.
+    HRESULT result = S_OK;
+    /// What a write of a parameter returns.
+    HRESULT writeResult = S_OK;
+    /// A request of the context, as noted in `calls`, that returns 0x80041234 and leaves its argument
+    /// unchanged,
     std::wstring refusedRequest;
-    /// or gives the service nevertheless.
+    /// or hands out the service nevertheless.
     bool givesWhenRefusing = false;
 
     RawObject context{*this, L"context"};

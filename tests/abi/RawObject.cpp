@@ -29,7 +29,7 @@ RawObject::RawObject(RawHost& host, const wchar_t* name, const IID* iid) : RawOb
     Place(2, &Release);
 }
 
-void RawObject::AlsoAnswers(const IID& iid, RawObject& other) {
+void RawObject::AlsoOffers(const IID& iid, RawObject& other) {
     m_otherIid = &iid;
     m_other = &other;
 }

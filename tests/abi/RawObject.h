@@ -14,15 +14,15 @@ using RawFunction = void (*)();
 class RawHost;
 
 /// An interface as the binary contract sees it: memory that begins with a pointer to a table of functions. A
-/// slot where no function has been placed is a trap: it notes its own number and answers E_NOTIMPL.
+/// slot without a function is a trap: it notes its own number and returns E_NOTIMPL.
 class RawObject {
 public:
     static constexpr int slotCount = 32;
 
     /// An object that is nothing but traps, the first three slots included.
     RawObject();
-    /// An object of `host` that counts its references in slots 1 and 2, and answers for itself in slot 0 to
-    /// IUnknown and `iid` (where given).
+    /// An object of `host` that counts its references in slots 1 and 2, and returns itself in slot 0 for
+    /// IUnknown and `iid`, if there is one.
     RawObject(RawHost& host, const wchar_t* name, const IID* iid = nullptr);
     RawObject(const RawObject&) = delete;
     RawObject& operator=(const RawObject&) = delete;
@@ -31,8 +31,8 @@ public:
     void Place(int slot, Function* function) {
         m_slots[static_cast<std::size_t>(slot)] = reinterpret_cast<RawFunction>(function);
     }
-    /// Makes slot 0 answer `other` to its `iid`.
-    void AlsoAnswers(const IID& iid, RawObject& other);
+    /// Makes slot 0 return `other` for `iid`.
+    void AlsoOffers(const IID& iid, RawObject& other);
 
     RawHost& Host() const noexcept { return *m_host; }
     const std::wstring& Name() const noexcept { return m_name; }

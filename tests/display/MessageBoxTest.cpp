@@ -1,4 +1,4 @@
-// The system's own message box: needs a display, which the test's command gives.
+// The system's own message box: needs a display, which the test's command provides.
 
 #include "framework/interfaces/ClassIds.h"
 #include "tests/module/BuiltModule.h"

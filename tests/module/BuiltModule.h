@@ -25,7 +25,8 @@ public:
         GetClassObject(classId, IID_IClassFactory, reinterpret_cast<void**>(&factory));
         return factory;
     }
-    /// A new object of the class; CLASS_E_CLASSNOTAVAILABLE and the like as the module answers.
+    /// A new object of the class; failures such as CLASS_E_CLASSNOTAVAILABLE are returned as the module
+    /// returns them.
     HRESULT Create(REFCLSID classId, REFIID iid, void** out) const {
         CComPtr<IClassFactory> factory;
         const HRESULT code = GetClassObject(classId, IID_IClassFactory, reinterpret_cast<void**>(&factory));

@@ -9,7 +9,7 @@ set(entry_points DllCanUnloadNow DllGetClassObject DllRegisterServer DllUnregist
 set(system_libraries advapi32.dll kernel32.dll msvcrt.dll ole32.dll oleaut32.dll user32.dll)
 
 if(NOT EXISTS ${MODULE})
-  message(FATAL_ERROR "There is no ${MODULE}; build it first.")
+  message(FATAL_ERROR "${MODULE} does not exist; build it first.")
 endif()
 
 function(run output)

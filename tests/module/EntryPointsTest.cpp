@@ -1,4 +1,4 @@
-// What the exported entry points and the class objects answer.
+// The results of the exported entry points and of the class objects.
 
 #include "framework/interfaces/ClassIds.h"
 #include "framework/interfaces/VantCommand.h"
@@ -28,24 +28,24 @@ void* Garbage() {
     return &anything;
 }
 
-TEST_F(EntryPoints, GetClassObject_UnknownClass_AnswersNotAvailableAndNull) {
+TEST_F(EntryPoints, GetClassObject_UnknownClass_ReturnsNotAvailableAndNull) {
     void* out = Garbage();
     EXPECT_EQ(module.GetClassObject(unknownClass, IID_IClassFactory, &out), static_cast<HRESULT>(0x80040111));
     EXPECT_EQ(out, nullptr);
 }
 
-TEST_F(EntryPoints, GetClassObject_UnknownInterface_AnswersNoInterfaceAndNull) {
+TEST_F(EntryPoints, GetClassObject_UnknownInterface_ReturnsNoInterfaceAndNull) {
     void* out = Garbage();
     EXPECT_EQ(module.GetClassObject(CLSID_Calculator, IID_IVantCommand, &out), E_NOINTERFACE);
     EXPECT_EQ(out, nullptr);
 }
 
-TEST_F(EntryPoints, GetClassObject_NullOut_AnswersPointerForAnyClass) {
+TEST_F(EntryPoints, GetClassObject_NullOut_ReturnsPointerForAnyClass) {
     EXPECT_EQ(module.GetClassObject(CLSID_Calculator, IID_IClassFactory, nullptr), E_POINTER);
     EXPECT_EQ(module.GetClassObject(unknownClass, IID_IClassFactory, nullptr), E_POINTER);
 }
 
-TEST_F(EntryPoints, GetClassObject_AskedAgain_AnswersTheSameObject) {
+TEST_F(EntryPoints, GetClassObject_ASecondTime_ReturnsTheSameObject) {
     const auto first = module.ClassObject(CLSID_Calculator);
     const auto second = module.ClassObject(CLSID_Calculator);
     const auto other = module.ClassObject(CLSID_DataStoreWriter);
@@ -68,7 +68,7 @@ TEST_F(EntryPoints, ClassObject_Held_DoesNotKeepTheModule) {
     EXPECT_EQ(module.CanUnloadNow(), S_OK);
 }
 
-TEST_F(EntryPoints, ClassObject_NullOut_AnswersPointer) {
+TEST_F(EntryPoints, ClassObject_NullOut_ReturnsPointer) {
     const auto factory = module.ClassObject(CLSID_Calculator);
     EXPECT_EQ(factory->QueryInterface(IID_IUnknown, nullptr), E_POINTER);
     EXPECT_EQ(factory->QueryInterface(IID_IVantCommand, nullptr), E_POINTER);
@@ -76,14 +76,14 @@ TEST_F(EntryPoints, ClassObject_NullOut_AnswersPointer) {
     EXPECT_EQ(factory->CreateInstance(factory.Get(), IID_IVantCommand, nullptr), E_POINTER);
 }
 
-TEST_F(EntryPoints, ClassObject_UnknownInterface_AnswersNoInterfaceAndNull) {
+TEST_F(EntryPoints, ClassObject_UnknownInterface_ReturnsNoInterfaceAndNull) {
     const auto factory = module.ClassObject(CLSID_Calculator);
     void* out = Garbage();
     EXPECT_EQ(factory->QueryInterface(IID_IVantCommand, &out), E_NOINTERFACE);
     EXPECT_EQ(out, nullptr);
 }
 
-TEST_F(EntryPoints, CreateInstance_EveryClass_GivesItsOwnCommand) {
+TEST_F(EntryPoints, CreateInstance_EveryClass_CreatesItsOwnCommand) {
     for (const ClassRow& row : classTable) {
         SCOPED_TRACE(row.name);
         CComPtr<IVantCommand> first;
@@ -106,7 +106,7 @@ TEST_F(EntryPoints, CreateInstance_InsideAnotherObject_IsRefused) {
     EXPECT_EQ(module.CanUnloadNow(), S_OK);
 }
 
-TEST_F(EntryPoints, CreateInstance_UnknownInterface_AnswersNoInterfaceAndKeepsNoObject) {
+TEST_F(EntryPoints, CreateInstance_UnknownInterface_ReturnsNoInterfaceAndKeepsNoObject) {
     for (const IID* iid : {&IID_IVantPersistentCommand, &IID_IDispatch, &IID_IClassFactory}) {
         void* out = Garbage();
         EXPECT_EQ(module.Create(CLSID_Calculator, *iid, &out), E_NOINTERFACE);
@@ -115,7 +115,7 @@ TEST_F(EntryPoints, CreateInstance_UnknownInterface_AnswersNoInterfaceAndKeepsNo
     }
 }
 
-TEST_F(EntryPoints, CanUnloadNow_LiveObject_AnswersFalseUntilItsLastRelease) {
+TEST_F(EntryPoints, CanUnloadNow_LiveObject_ReturnsFalseUntilItsLastRelease) {
     EXPECT_EQ(module.CanUnloadNow(), S_OK);
     for (const ClassRow& row : classTable) {
         SCOPED_TRACE(row.name);

@@ -79,7 +79,7 @@ TEST(Loading, FirstRequestsOnManyThreads_GetOneClassObjectPerClass) {
     constexpr std::size_t threads = 8;
     constexpr std::size_t classes = std::size(classTable);
     for (int round = 0; round < 20; ++round) {
-        const BuiltModule module; // freshly loaded, so that no class object stands yet
+        const BuiltModule module; // freshly loaded, so that no class object exists yet
         std::vector<std::vector<IClassFactory*>> seen(threads, std::vector<IClassFactory*>(classes));
         OnThreads(threads, [&](std::size_t thread) {
             // Half of the threads ask from the end of the table, so that different classes meet as well.

@@ -15,7 +15,7 @@ namespace vant {
 
 namespace {
 
-/// What an operation answers whose first allocation fails.
+/// The result of an operation whose first allocation fails.
 template <class Operation>
 HRESULT WithoutMemory(Operation operation) {
     test::PlanAllocationFailure(1);
@@ -46,9 +46,9 @@ TEST(ModuleMemory, Unloading_ReleasesTheClassObjects) {
     EXPECT_EQ(test::LiveBlockCount(), before);
 }
 
-TEST(ModuleMemory, NoMemoryForTheClassObject_AnswersOutOfMemory_AndTheNextRequestSucceeds) {
+TEST(ModuleMemory, NoMemoryForTheClassObject_ReturnsOutOfMemory_AndTheNextRequestSucceeds) {
     for (const ClassRow& row : classTable) {
-        const BuiltModule module; // freshly loaded, so that no class object stands yet
+        const BuiltModule module; // freshly loaded, so that no class object exists yet
         void* out = &out;
         const HRESULT code = WithoutMemory([&] {
             return module.GetClassObject(*row.classId, IID_IClassFactory, &out); //
@@ -60,7 +60,7 @@ TEST(ModuleMemory, NoMemoryForTheClassObject_AnswersOutOfMemory_AndTheNextReques
     }
 }
 
-TEST(ModuleMemory, NoMemoryForTheObject_AnswersOutOfMemory_AndLeavesNoLock) {
+TEST(ModuleMemory, NoMemoryForTheObject_ReturnsOutOfMemory_AndLeavesNoLock) {
     const BuiltModule module;
     for (const ClassRow& row : classTable) {
         const auto factory = module.ClassObject(*row.classId);

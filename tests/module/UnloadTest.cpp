@@ -15,7 +15,7 @@ class AskingController final : public IVantController {
 public:
     explicit AskingController(const BuiltModule& module) : m_module(module) {}
 
-    HRESULT answer = E_FAIL;
+    HRESULT result = E_FAIL;
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void** out) override {
         *out = nullptr;
@@ -23,7 +23,7 @@ public:
     }
     ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
     ULONG STDMETHODCALLTYPE Release() override {
-        answer = m_module.CanUnloadNow();
+        result = m_module.CanUnloadNow();
         return 1;
     }
     HRESULT STDMETHODCALLTYPE TerminateCommand(BSTR) override { return E_NOTIMPL; }
@@ -43,7 +43,7 @@ TEST(Unload, CommandThatIsBeingDestroyed_KeepsTheModuleLoaded) {
     ASSERT_EQ(module.Create(CLSID_Calculator, IID_IVantCommand, reinterpret_cast<void**>(&command)), S_OK);
     ASSERT_EQ(command->Initialize(host.Context(), &controller), S_OK);
     command.Release();
-    EXPECT_EQ(controller.answer, S_FALSE);
+    EXPECT_EQ(controller.result, S_FALSE);
     EXPECT_EQ(module.CanUnloadNow(), S_OK);
 }
 

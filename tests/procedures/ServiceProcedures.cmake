@@ -12,7 +12,7 @@ set(told_or_refused "${told}|\"result\":\"0x[^0]")
 set(service_procedures idle_speed_adjustment sampled_idle_adjustment egr_valve_walk fault_check_and_clear boost_test
                        warm_up_watch)
 
-# vant_add_service_run(NAME PROCEDURE ENGINE ...): a run on ENGINE or, where it is empty, on the procedure's own; the rest
+# vant_add_service_run(NAME PROCEDURE ENGINE ...): a run on ENGINE or, if that is empty, on the procedure's own; the rest
 # as of vant_add_run.
 function(vant_add_service_run name procedure engine)
   set(on "")
@@ -22,7 +22,7 @@ function(vant_add_service_run name procedure engine)
   vant_add_run(${name} ARGUMENTS run procedures/${procedure}.toml ${on} --virtual --yes JOURNAL TIMES ${ARGN})
 endfunction()
 
-# As they stand.
+# Unchanged.
 vant_add_service_run(idle_speed_adjustment idle_speed_adjustment "" EXIT 0 OUTPUT ONLY "${told_or_refused}")
 vant_add_service_run(sampled_idle_adjustment sampled_idle_adjustment "" EXIT 0 OUTPUT)
 vant_add_service_run(egr_valve_walk egr_valve_walk "" EXIT 0 OUTPUT)

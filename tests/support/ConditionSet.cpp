@@ -26,7 +26,7 @@ public:
         return code;
     }
     HRESULT STDMETHODCALLTYPE GetFailureKey(BSTR* key) override {
-        return AnswerText(Enter("GetFailureKey", ""), m_settings.failureKey, key);
+        return ReturnText(Enter("GetFailureKey", ""), m_settings.failureKey, key);
     }
 
 private:

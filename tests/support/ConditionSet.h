@@ -19,7 +19,7 @@ public:
     ConditionSet(const ConditionSet&) = delete;
     ConditionSet& operator=(const ConditionSet&) = delete;
 
-    /// What Evaluate answers, call by call, also where it fails; the last answer stays.
+    /// What Evaluate returns, call by call, even if it fails; the last one is repeated.
     std::vector<VARIANT_BOOL> answers = {VARIANT_TRUE};
     /// Evaluate leaves the caller's flag as it is.
     bool leavesFlag = false;

@@ -5,7 +5,7 @@
 
 namespace vant::test {
 
-// Only a presenter of messages gives this platform a foreground window.
+// On this platform there is a foreground window only if a message presenter is set.
 void OnEmptyDesktop(const std::function<void()>& work) {
     ASSERT_EQ(GetForegroundWindow(), nullptr);
     work();

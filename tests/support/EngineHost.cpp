@@ -27,7 +27,7 @@ public:
 protected:
     ~EngineObject() = default;
 
-    /// Answers the request for the interface `Other` of `object`, which is a call named for the interface.
+    /// Hands out the interface `Other` of `object`; the call is noted with the name of the interface.
     template <class Other>
     HRESULT Offer(const char* name, Other& object, void** out) {
         return this->HandOut(this->Enter("QueryInterface", name), object, reinterpret_cast<Other**>(out));
@@ -160,7 +160,7 @@ public:
     HRESULT STDMETHODCALLTYPE Reserved10() override { return Unexpected("IECMSessionItem 10"); }
     HRESULT STDMETHODCALLTYPE Reserved11() override { return Unexpected("IECMSessionItem 11"); }
     HRESULT STDMETHODCALLTYPE get_Value(VARIANT* value) override {
-        return Answer(Enter("get_ItemValue", ""), [&] {
+        return Perform(Enter("get_ItemValue", ""), [&] {
             *value = CComVariant(m_engine.sessionValues[read]).Detach();
             return S_OK;
         });
@@ -250,7 +250,7 @@ public:
     }
     HRESULT STDMETHODCALLTYPE Reserved7() override { return Unexpected("IUnit 7"); }
     HRESULT STDMETHODCALLTYPE get_Text(BSTR* text) override {
-        return AnswerText(Enter("get_UnitText", ""), m_text, text);
+        return ReturnText(Enter("get_UnitText", ""), m_text, text);
     }
 
 private:
@@ -262,7 +262,7 @@ public:
     using ServiceObject::ServiceObject;
     HRESULT STDMETHODCALLTYPE GetUnit(BSTR unitsKey, IUnit** unit) override {
         *unit = nullptr;
-        return Answer(Enter("GetUnit", Show(unitsKey)), [&] {
+        return Perform(Enter("GetUnit", Show(unitsKey)), [&] {
             const auto found = m_engine.units.find(TextOf(unitsKey));
             if (found == m_engine.units.end())
                 return E_INVALIDARG;
@@ -307,18 +307,18 @@ public:
     Field(TestHost& host, std::vector<std::string>& released, std::string name, FaultField field)
         : EngineObject(host, released, std::move(name)), m_field(std::move(field)) {}
     HRESULT STDMETHODCALLTYPE get_Name(BSTR* name) override {
-        return AnswerText(Enter("get_FieldName", ""), m_field.name, name);
+        return ReturnText(Enter("get_FieldName", ""), m_field.name, name);
     }
     HRESULT STDMETHODCALLTYPE Reserved8() override { return Unexpected("IFaultField 8"); }
     HRESULT STDMETHODCALLTYPE get_Value(BSTR* value) override {
-        return AnswerText(Enter("get_FieldValue", ""), m_field.value, value);
+        return ReturnText(Enter("get_FieldValue", ""), m_field.value, value);
     }
 
 private:
     FaultField m_field;
 };
 
-/// The item that `index` names, counted from 1; null where it names none.
+/// The item that `index` names, counted from 1; null if there is none.
 template <class Item>
 Item* At(std::deque<Item>& items, const VARIANT& index) {
     return index.vt == VT_I4 && index.lVal >= 1 && static_cast<std::size_t>(index.lVal) <= items.size()

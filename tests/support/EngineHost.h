@@ -17,7 +17,7 @@
 namespace vant::test {
 
 /// Engine services with a session manager, directory, one session, a protocol source chain and a units
-/// table. The host's thread service answers IECMServicesOld with them. Must outlive what holds its objects.
+/// table. The host's thread service offers them as IECMServicesOld. Must outlive what holds its objects.
 class EngineServices {
 public:
     explicit EngineServices(TestHost& host);
@@ -29,10 +29,10 @@ public:
     IUnknown* Object() noexcept;
 
     LONG protocolKind = 0;
-    LONG handle = 7; ///< what Register gives, also when it fails
+    LONG handle = 7; ///< what Register returns, even if it fails
     std::map<LONG, CComVariant> sessionValues;
     std::map<std::wstring, std::wstring, std::less<>> units; ///< their texts by key
-    /// Operations that succeed and give no object, by name.
+    /// Operations that succeed and return no object, by name.
     std::set<std::string> givesNothing;
     /// The objects that lost their last reference, in order: "session", "directory" ...
     std::vector<std::string> released;
@@ -50,7 +50,7 @@ struct FaultField {
 };
 using FaultRecord = std::vector<FaultField>;
 
-/// A fault array that the host's data service gives for an identifier. Must outlive what holds its objects.
+/// A fault array that the host's data service returns for an identifier. Must outlive what holds its objects.
 class FaultArray {
 public:
     FaultArray(TestHost& host, const std::wstring& id, const std::vector<FaultRecord>& records);
@@ -59,7 +59,7 @@ public:
     FaultArray& operator=(const FaultArray&) = delete;
 
     LONG count; ///< what the list says that it holds
-    /// Operations that succeed and give no object, by name.
+    /// Operations that succeed and return no object, by name.
     std::set<std::string> givesNothing;
     /// The objects that lost their last reference, in order: "record 1", "records" ...
     std::vector<std::string> released;

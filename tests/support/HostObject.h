@@ -1,6 +1,6 @@
 #pragma once
 
-// What the objects of a host in memory are made of.
+// The base classes of the objects of a host in memory.
 
 #include "platform/Bstr.h"
 #include "platform/ComException.h"
@@ -34,7 +34,7 @@ public:
     }
     ULONG STDMETHODCALLTYPE Release() override {
         if (m_references == 0) {
-            ADD_FAILURE() << "a host object was released once too often";
+            ADD_FAILURE() << "a host object was released too often";
             return 0;
         }
         m_host.CountReference(-1);
@@ -53,7 +53,7 @@ protected:
         ADD_FAILURE() << "a slot that no command uses was called: " << slot;
         return E_NOTIMPL;
     }
-    /// Answers a request for another object of the host.
+    /// Hands out another object of the host.
     template <class Other>
     static HRESULT HandOut(HRESULT code, Other& object, Other** out) {
         *out = nullptr;
@@ -63,10 +63,10 @@ protected:
         *out = &object;
         return code;
     }
-    /// Does what a call asks for, unless `code` says that it is to fail. Running out of memory is an answer,
-    /// too.
+    /// Does what a call asks for, unless `code` is a failure. Returns E_OUTOFMEMORY if memory runs
+    /// out.
     template <class Action>
-    static HRESULT Answer(HRESULT code, Action action) {
+    static HRESULT Perform(HRESULT code, Action action) {
         if (FAILED(code))
             return code;
         try {
@@ -78,8 +78,8 @@ protected:
             return E_OUTOFMEMORY;
         }
     }
-    static HRESULT AnswerText(HRESULT code, std::wstring_view text, BSTR* out) {
-        return Answer(code, [&] {
+    static HRESULT ReturnText(HRESULT code, std::wstring_view text, BSTR* out) {
+        return Perform(code, [&] {
             *out = CComBSTR(text).Detach();
             return S_OK;
         });

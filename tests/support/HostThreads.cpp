@@ -69,7 +69,7 @@ public:
                                                const ThreadRegistration* registration,
                                                std::uint32_t* cookie) override {
         EXPECT_EQ(callback, registration->callback);
-        return Answer(
+        return Perform(
             Enter("RegisterCallback", Show(registration->ownerName) + ", " + Show(registration->threadName)),
             [&] {
                 *cookie = Start(callback, *registration);

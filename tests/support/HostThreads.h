@@ -11,18 +11,18 @@ namespace vant::test {
 
 class TestHost;
 
-/// What a command said when it registered a callback, and what became of it.
+/// How a command registered a callback, and how the callback ended.
 struct CallbackRecord {
     std::uint32_t argument = 0;
     std::uint32_t settings[3] = {};
     std::wstring ownerName;
     std::wstring threadName;
     int runs = 0;
-    HRESULT result = S_OK; ///< What the last run answered.
+    HRESULT result = S_OK; ///< What the last run returned.
 };
 
 /// The thread service of a host in memory: IThreadService on the object of context slot 17. Every callback
-/// gets a thread of its own, which takes part in virtual time; threads run first in the order of their
+/// gets its own thread, which takes part in virtual time; threads run first in the order of their
 /// registrations. A callback is held until its thread has run it. Calls are noted by, and can be made to fail
 /// at, the TestHost: `QueryInterface(IThreadService)`, `RegisterCallback(OWNER, THREAD)`,
 /// `UnregisterCallback(COOKIE)`, `Operation11(COOKIE)`, `Operation12(COOKIE)`.
@@ -37,7 +37,7 @@ public:
     HostThreads(const HostThreads&) = delete;
     HostThreads& operator=(const HostThreads&) = delete;
 
-    /// Asking for IThreadService answers E_NOINTERFACE.
+    /// A request for IThreadService returns E_NOINTERFACE.
     bool absent = false;
     /// Asking for IThreadService succeeds and gives null.
     bool givesNothing = false;
@@ -52,13 +52,13 @@ public:
     static constexpr std::uint32_t firstCookie = 101;
     const CallbackRecord& Record(std::uint32_t cookie = firstCookie) const;
 
-    /// Waits until all threads have ended. In virtual time, time goes on meanwhile, also where the caller
+    /// Waits until all threads have ended. Virtual time passes meanwhile, even if the caller
     /// takes part.
     void Join();
-    /// Calls the callback on the calling thread, lets it go and answers what it answered. For a registration
-    /// that started no thread.
+    /// Calls the callback on the calling thread, releases it and returns its result. For a registration that
+    /// started no thread.
     HRESULT Run(std::uint32_t cookie = firstCookie);
-    /// Lets go the callbacks that started no thread and have not been run.
+    /// Releases the callbacks that started no thread and have not been run.
     void ReleaseCallbacks() noexcept;
     /// Forgets all registrations, none of which may still run or wait for Run; the next is the first again.
     void ForgetRegistrations() noexcept;

@@ -62,8 +62,8 @@ public:
     HRESULT STDMETHODCALLTYPE Reserved8() override { return Unexpected("IDataStore 8"); }
     HRESULT STDMETHODCALLTYPE GetValue(BSTR name, VARIANT* value) override {
         if (value->vt != VT_EMPTY)
-            ADD_FAILURE() << "GetValue was given a VARIANT that is not empty";
-        return Answer(Enter("GetValue", Show(name)), [&] {
+            ADD_FAILURE() << "GetValue received a VARIANT that is not empty";
+        return Perform(Enter("GetValue", Show(name)), [&] {
             const std::lock_guard lock(m_host.Mutex());
             const auto found = m_host.dataStore.find(TextOf(name));
             if (found == m_host.dataStore.end())
@@ -73,7 +73,7 @@ public:
         });
     }
     HRESULT STDMETHODCALLTYPE SetValue(BSTR name, VARIANT value) override {
-        return Answer(Enter("SetValue", Show(name) + ", " + Show(value)), [&] {
+        return Perform(Enter("SetValue", Show(name) + ", " + Show(value)), [&] {
             const std::lock_guard lock(m_host.Mutex());
             m_host.dataStore.insert_or_assign(std::wstring(TextOf(name)), CComVariant::Copy(value));
             return S_OK;
@@ -103,7 +103,7 @@ public:
     HRESULT STDMETHODCALLTYPE Reserved5() override { return Unexpected("IProcedureController 5"); }
     HRESULT STDMETHODCALLTYPE Reserved6() override { return Unexpected("IProcedureController 6"); }
     HRESULT STDMETHODCALLTYPE SetTransition(BSTR transitionId) override {
-        return Answer(Enter("SetTransition", Show(transitionId)), [&] {
+        return Perform(Enter("SetTransition", Show(transitionId)), [&] {
             const std::lock_guard lock(m_host.Mutex());
             m_host.transitions.emplace_back(TextOf(transitionId));
             return S_OK;
@@ -111,8 +111,8 @@ public:
     }
 };
 
-/// What GetParameter gives: ends with its last reference. It shows one of the host's parameters, which stays
-/// the host's.
+/// What GetParameter returns: ends with its last reference. It shows one of the host's parameters, which
+/// stays the host's.
 class Parameter final : public DualHostObject<IParameterOld> {
 public:
     Parameter(TestHost& host, HostParameter& parameter) noexcept
@@ -135,19 +135,19 @@ public:
 
     HRESULT STDMETHODCALLTYPE Reserved7() override { return Unexpected("IParameterOld 7"); }
     HRESULT STDMETHODCALLTYPE get_Name(BSTR* name) override {
-        return AnswerText(Enter("get_Name", ""), m_parameter.name, name);
+        return ReturnText(Enter("get_Name", ""), m_parameter.name, name);
     }
     HRESULT STDMETHODCALLTYPE get_Text(BSTR* text) override {
-        return AnswerText(Enter("get_Text", ""), m_parameter.text, text);
+        return ReturnText(Enter("get_Text", ""), m_parameter.text, text);
     }
     HRESULT STDMETHODCALLTYPE get_Value(VARIANT* value) override {
-        return Answer(Enter("get_Value", ""), [&] {
+        return Perform(Enter("get_Value", ""), [&] {
             *value = CComVariant(m_parameter.value).Detach();
             return S_OK;
         });
     }
     HRESULT STDMETHODCALLTYPE get_UnitsKey(BSTR* unitsKey) override {
-        return AnswerText(Enter("get_UnitsKey", ""), m_parameter.unitsKey, unitsKey);
+        return ReturnText(Enter("get_UnitsKey", ""), m_parameter.unitsKey, unitsKey);
     }
 
 private:
@@ -159,7 +159,7 @@ public:
     using DualHostObject::DualHostObject;
 
     HRESULT STDMETHODCALLTYPE get_ConnectionIdentifier(BSTR* identifier) override {
-        return AnswerText(Enter("get_ConnectionIdentifier", ""), m_host.connectionIdentifier, identifier);
+        return ReturnText(Enter("get_ConnectionIdentifier", ""), m_host.connectionIdentifier, identifier);
     }
 };
 
@@ -189,7 +189,7 @@ public:
 private:
     HRESULT HandOutParameter(HRESULT code, BSTR id, const VARIANT* newValue, IUnknown** out) {
         *out = nullptr;
-        return Answer(code, [&] {
+        return Perform(code, [&] {
             const std::lock_guard lock(m_host.Mutex());
             const auto found = m_host.parameters.find(TextOf(id));
             if (found == m_host.parameters.end())
@@ -230,7 +230,7 @@ public:
     HRESULT STDMETHODCALLTYPE Reserved4() override { return Unexpected("IVantController 4"); }
     HRESULT STDMETHODCALLTYPE Reserved5() override { return Unexpected("IVantController 5"); }
     HRESULT STDMETHODCALLTYPE PersistentCommandStopped(IVantPersistentCommand* command) override {
-        return Answer(Enter("PersistentCommandStopped", ""), [&] {
+        return Perform(Enter("PersistentCommandStopped", ""), [&] {
             const std::lock_guard lock(m_host.Mutex());
             m_host.stoppedCommands.push_back(command);
             return S_OK;

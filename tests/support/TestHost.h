@@ -19,15 +19,15 @@ namespace vant::test {
 /// One parameter of the simulated engine.
 struct HostParameter {
     std::wstring name;
-    std::wstring text; ///< what get_Text answers
-    CComVariant value; ///< what get_Value answers
+    std::wstring text; ///< what get_Text returns
+    CComVariant value; ///< what get_Value returns
     std::wstring unitsKey;
-    bool offersInterface = true; ///< whether QueryInterface answers IParameterOld
+    bool offersInterface = true; ///< whether QueryInterface offers IParameterOld
 };
 
-/// A whole host in memory: the context, its nine services, the controller. It notes every call in order, can
-/// make any call fail or throw, and counts the references that are held on its objects. A call of a slot that
-/// no command uses, of an object that nobody holds, or one Release too many, is a failure of the running
+/// A complete host in memory: the context, its nine services, the controller. It notes every call in order,
+/// can make any call fail or throw, and counts the references that are held on its objects. A call of a slot
+/// that no command uses, of an object that nobody holds, or one Release too many, is a failure of the running
 /// test.
 ///
 /// Calls are accepted on any thread; the public data may be touched only while no command runs. The host must
@@ -46,29 +46,29 @@ public:
     // What the services work on.
     std::map<std::wstring, CComVariant, std::less<>> dataStore;
     std::map<std::wstring, HostParameter, std::less<>> parameters;
-    /// What GetParameter gives for kind 2, by identifier; the objects are lent. A null one is a success that
-    /// gives nothing.
+    /// What GetParameter returns for kind 2, by identifier; the objects are lent. For a null one it succeeds
+    /// and returns no object.
     std::map<std::wstring, IUnknown*, std::less<>> arrays;
     std::map<std::wstring, HRESULT, std::less<>>
-        commandResults; ///< RunCommand's answer by identifier; else S_OK
+        commandResults; ///< RunCommand's result by identifier; else S_OK
     std::wstring connectionIdentifier = L"1";
     std::vector<std::wstring> transitions;                ///< all that were set, in order
     std::vector<IVantPersistentCommand*> stoppedCommands; ///< all that the controller was told of; not held
-    /// What the thread service's object answers IECMServicesOld with; an EngineServices puts itself here.
+    /// The object that the thread service offers as IECMServicesOld; an EngineServices puts itself here.
     IUnknown* engineServices = nullptr;
 
     /// The thread service.
     HostThreads& Threads() noexcept;
 
-    /// Every call so far as text, `SetValue(drop, "3")`, also those that failed. Names stand bare, values as
-    /// Show gives them. IUnknown's operations are no calls, but asking a parameter for its interface is:
-    /// `QueryInterface(IParameterOld)`.
+    /// Every call so far as text, `SetValue(drop, "3")`, also those that failed. Names are written bare,
+    /// values as Show writes them. IUnknown's operations do not count as calls, except asking a parameter for
+    /// its interface: `QueryInterface(IParameterOld)`.
     std::vector<std::string> calls;
     /// Operations that fail with the given code, by name ("GetValue", "get_DataStore", "QueryInterface").
-    /// With a success code they do their work and answer that.
+    /// With a success code they do their work and return that code.
     std::map<std::string, HRESULT, std::less<>> fail;
 
-    /// Is told of every call as it is noted, on the calling thread and before the call does anything.
+    /// Called with every call as it is noted, on the calling thread and before the call does anything.
     std::function<void(const std::string& call)> onCall;
 
     /// Makes call `number` fail with `code`, counted from 1 at the last ForgetCalls. A number of 0 fails
@@ -82,7 +82,7 @@ public:
     /// References held on all objects of this host.
     LONG OutstandingReferences() const noexcept { return m_references.load(); }
 
-    /// For the host's own objects: notes a call and answers the code it has to fail with, else S_OK.
+    /// For the host's own objects: notes a call and returns the code it has to fail with, else S_OK.
     HRESULT Enter(std::string_view operation, std::string_view arguments);
     /// For the host's own objects: counts references.
     void CountReference(LONG change) noexcept { m_references += change; }
@@ -100,7 +100,7 @@ private:
     std::unique_ptr<Objects> m_objects;
 };
 
-/// A text for logs and messages: printable ASCII as it stands, other characters as \u{HEX}; `null` for a null
+/// A text for logs and messages: printable ASCII unchanged, other characters as \u{HEX}; `null` for a null
 /// BSTR.
 std::string Show(std::wstring_view text);
 std::string Show(BSTR text);

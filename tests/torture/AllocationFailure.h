@@ -4,7 +4,7 @@
 
 namespace vant::test {
 
-// Counts allocations and makes one of them fail: every form of operator new, also where the built module
+// Counts allocations and makes one of them fail: every form of operator new, also when the built module
 // calls it, and every BSTR. Portable platform only; one thread at a time counts.
 
 /// The `number`th allocation that is counted from now on fails, the first being 1; 0 lets all succeed.

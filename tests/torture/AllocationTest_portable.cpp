@@ -14,7 +14,7 @@ class AllocationFault : public ::testing::TestWithParam<Scenario> {};
 INSTANTIATE_TEST_SUITE_P(Torture, AllocationFault, ::testing::ValuesIn(Scenarios()),
                          [](const auto& instance) { return std::string(instance.param.name); });
 
-TEST_P(AllocationFault, EachAllocationFailing_IsAnsweredAsDocumentedAndLeavesNothing) {
+TEST_P(AllocationFault, EachAllocationFailing_HasTheDocumentedOutcomeAndLeavesNothing) {
     FailedAllocation fault;
     LiveThroughEach(GetParam(), fault);
 }

@@ -20,10 +20,10 @@ protected:
             SCOPED_TRACE(::testing::Message() << "struck at " << number << " of " << allocations);
             EngineForOneUse engine(GetParam());
             FailedAllocation fault;
-            const auto answer = use(engine, fault, number);
+            const auto outcome = use(engine, fault, number);
             if (number == 0)
                 allocations = fault.Opportunities(engine.host);
-            expect(engine, number, answer);
+            expect(engine, number, outcome);
         }
         EXPECT_GT(allocations, 0U);
     }

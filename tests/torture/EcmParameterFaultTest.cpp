@@ -114,7 +114,7 @@ TEST_P(EcmParameterFault, Read_NothingFailing_ReadsOnItsPath) {
     EXPECT_EQ(engine.host.calls, AllCalls());
 }
 
-TEST_P(EcmParameterFault, Read_EachCallFailing_IsAnsweredAsDocumentedAndLeavesNothing) {
+TEST_P(EcmParameterFault, Read_EachCallFailing_HasTheDocumentedOutcomeAndLeavesNothing) {
     for (std::size_t number = 0; number < AllCalls().size(); ++number) {
         SCOPED_TRACE(AllCalls()[number]);
         EngineForOneUse engine(GetParam());

@@ -6,7 +6,7 @@ namespace vant::test {
 
 namespace {
 
-/// The code of what `action` throws, or answers.
+/// The code that `action` throws or returns.
 template <class Action>
 HRESULT CodeOf(Action action) {
     try {

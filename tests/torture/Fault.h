@@ -21,9 +21,9 @@ public:
 
     /// Opportunities so far.
     virtual std::size_t Opportunities(const TestHost& host) const = 0;
-    /// Which of the host's calls it strikes, counted from 0; nothing where only the outcome can tell.
+    /// Which of the host's calls it strikes, counted from 0; nothing if only the outcome can tell.
     virtual std::optional<std::size_t> StruckCall() const = 0;
-    /// What a host's call answers in which it strikes; nothing where the call throws.
+    /// The result of the host's call that it strikes; nothing if the call throws.
     virtual std::optional<HRESULT> Code() const = 0;
     /// Stand before and after each operation of the command. Outside, nothing is an opportunity.
     virtual void Enable() {}

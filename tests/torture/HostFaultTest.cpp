@@ -13,7 +13,7 @@ class HostFault : public ::testing::TestWithParam<Scenario> {};
 INSTANTIATE_TEST_SUITE_P(Torture, HostFault, ::testing::ValuesIn(Scenarios()),
                          [](const auto& instance) { return std::string(instance.param.name); });
 
-TEST_P(HostFault, EachCallFailing_IsAnsweredAsDocumentedAndLeavesNothing) {
+TEST_P(HostFault, EachCallFailing_HasTheDocumentedOutcomeAndLeavesNothing) {
     for (const HRESULT code : {E_FAIL, E_UNEXPECTED, static_cast<HRESULT>(0x80041234)}) {
         SCOPED_TRACE(code);
         FailedCall fault(code);
@@ -21,7 +21,7 @@ TEST_P(HostFault, EachCallFailing_IsAnsweredAsDocumentedAndLeavesNothing) {
     }
 }
 
-TEST_P(HostFault, EachCallThrowing_IsAnsweredAsDocumentedAndLeavesNothing) {
+TEST_P(HostFault, EachCallThrowing_HasTheDocumentedOutcomeAndLeavesNothing) {
     ThrowingCall fault;
     LiveThroughEach(GetParam(), fault);
 }

@@ -24,7 +24,7 @@ constexpr LONG servicesAndController = 10;
 struct Outcome {
     HRESULT code;
     Calls calls;
-    std::string result; ///< the data-store entry "result", as Show gives it
+    std::string result; ///< the data-store entry "result", as Show writes it
 
     bool operator==(const Outcome&) const = default;
     friend std::ostream& operator<<(std::ostream& out, const Outcome& outcome) {
@@ -75,17 +75,17 @@ public:
         const Calls calls = Joined(First(m_work.calls, ignored.number + 1), ignored.then);
         return {ignored.execute, calls, ResultAfter(calls)};
     }
-    /// Where the call answers a failure.
+    /// If the call returns a failure.
     Outcome Refused(std::size_t number) const {
         const IgnoredCall* const ignored = FindIgnored(number);
         return ignored ? Ignoring(*ignored) : EndedIn(number);
     }
-    /// Where the call throws.
+    /// If the call throws.
     Outcome Thrown(std::size_t number) const {
         const IgnoredCall* const ignored = FindIgnored(number);
         return ignored && ignored->alsoThrown ? Ignoring(*ignored) : EndedIn(number);
     }
-    /// Where memory has run out somewhere.
+    /// If memory has run out somewhere.
     std::vector<Outcome> WithoutMemory() const {
         std::vector<Outcome> all;
         for (std::size_t number = 0; number < m_work.calls.size(); ++number) {
@@ -148,7 +148,7 @@ public:
     std::size_t Run() {
         Create();
         if (!m_command) {
-            ADD_FAILURE() << "there is no command";
+            ADD_FAILURE() << "no command was created";
             return 0;
         }
         Initialize();
@@ -203,7 +203,7 @@ private:
         };
         HRESULT code = Do(initialize);
         if (m_struck) {
-            // Where nothing tells what went wrong, the answer is that of the request before.
+            // If nothing tells what went wrong, the result is that of the previous request.
             const std::size_t before = m_fault.StruckCall().value_or(m_host.CallCount());
             EXPECT_EQ(code, m_fault.Code().value_or(before == 0 ? E_FAIL : S_OK));
             EXPECT_EQ(Held(), static_cast<LONG>(before));

@@ -17,20 +17,20 @@ using Calls = std::vector<std::string>;
 struct IgnoredCall {
     std::size_t number;      ///< among the scenario's calls, counted from 0
     Calls then;              ///< the calls that follow its failure
-    HRESULT execute = S_OK;  ///< what Execute then answers
-    bool alsoThrown = false; ///< whether the same follows where the call throws
+    HRESULT execute = S_OK;  ///< what Execute then returns
+    bool alsoThrown = false; ///< whether the same follows if the call throws
 };
 
 /// What an operation asks of the host, and how it can end.
 struct Work {
     Calls calls;    ///< as TestHost notes them
-    HRESULT failed; ///< what it answers where something ends it early
+    HRESULT failed; ///< what it returns if something ends it early
     std::vector<IgnoredCall> ignored = {};
-    /// All calls, where a conversion without memory gives no text, which ends nothing.
+    /// All calls if a conversion without memory yields no text, which ends nothing.
     std::optional<Calls> withoutText = std::nullopt;
-    /// The calls that follow where something ends it early.
+    /// The calls that follow if something ends it early.
     Calls afterFailure = {};
-    HRESULT done = S_OK; ///< what it answers otherwise
+    HRESULT done = S_OK; ///< what it returns otherwise
 };
 
 /// What a persistent command does when its callback is called.
@@ -46,11 +46,11 @@ struct Scenario {
     const CLSID* classId;
     std::vector<std::pair<std::wstring, std::wstring>> properties;
     Calls calls;           ///< what Execute asks of the host, as TestHost notes it
-    HRESULT failedExecute; ///< what Execute answers where something ends it early
+    HRESULT failedExecute; ///< what Execute returns if something ends it early
     std::vector<IgnoredCall> ignored = {};
-    /// All calls, where a conversion without memory gives no text, which ends nothing.
+    /// All calls if a conversion without memory yields no text, which ends nothing.
     std::optional<Calls> withoutText = std::nullopt;
-    /// The calls that follow where something ends Execute early.
+    /// The calls that follow if something ends Execute early.
     Calls afterFailure = {};
     /// Of a persistent command whose callback is to be called.
     std::optional<Body> body = std::nullopt;
@@ -73,7 +73,7 @@ const std::vector<Scenario>& WaitingScenarios();
 
 /// Runs the scenario's whole life in a freshly loaded module: create, Initialize, SetProperty, get_IsValid,
 /// put_Label and get_Label, Execute, of a persistent command its callback and Stop, Release. `fault` strikes
-/// at its opportunity `number`, not at all for 0. The operation that it strikes must answer as documented,
+/// at its opportunity `number`, not at all for 0. The operation it strikes must return as documented,
 /// leave nothing half done, and succeed when it is tried again; all others must succeed; nothing may be left
 /// in the end. Returns the number of opportunities.
 std::size_t Live(const Scenario& scenario, Fault& fault, std::size_t number);

@@ -38,7 +38,7 @@ public:
         : m_module(module), m_classId(classId), m_properties(std::move(properties)) {}
     ~Place() { EndLife(); }
 
-    /// Executes the command, a new one where there is none. Nothing happens while another thread does so or
+    /// Executes the command, a new one if there is none. Nothing happens while another thread does so or
     /// ends the command's life.
     void Execute() {
         const std::unique_lock alone(m_changing, std::try_to_lock);
@@ -123,7 +123,7 @@ private:
             holders = command->Release();
         }
         command.Release();
-        m_life.reset(); // where references are still held, the host fails the test
+        m_life.reset(); // if references are still held, the host fails the test
     }
 
     const BuiltModule& m_module;

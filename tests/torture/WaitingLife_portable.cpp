@@ -63,7 +63,7 @@ struct Adjustment {
 const Calls failTransition = {"SetTransition(bad)"};
 const Calls successTransition = {"SetTransition(good)"};
 
-/// A persistent body answers E_FAIL whatever becomes of it.
+/// A persistent body always returns E_FAIL.
 Work BodyWork(const Calls& calls, const std::vector<IgnoredCall>& ignored = {},
               const Calls& afterFailure = {}) {
     return {calls, E_FAIL, ignored, std::nullopt, afterFailure, E_FAIL};

@@ -20,7 +20,7 @@ class WaitingFault : public ::testing::TestWithParam<Scenario> {
 INSTANTIATE_TEST_SUITE_P(Torture, WaitingFault, ::testing::ValuesIn(WaitingScenarios()),
                          [](const auto& instance) { return std::string(instance.param.name); });
 
-TEST_P(WaitingFault, EachCallFailing_IsAnsweredAsDocumentedAndLeavesNothing) {
+TEST_P(WaitingFault, EachCallFailing_HasTheDocumentedOutcomeAndLeavesNothing) {
     for (const HRESULT code : {E_FAIL, E_UNEXPECTED, static_cast<HRESULT>(0x80041234)}) {
         SCOPED_TRACE(code);
         FailedCall fault(code);
@@ -28,12 +28,12 @@ TEST_P(WaitingFault, EachCallFailing_IsAnsweredAsDocumentedAndLeavesNothing) {
     }
 }
 
-TEST_P(WaitingFault, EachCallThrowing_IsAnsweredAsDocumentedAndLeavesNothing) {
+TEST_P(WaitingFault, EachCallThrowing_HasTheDocumentedOutcomeAndLeavesNothing) {
     ThrowingCall fault;
     LiveThroughEach(GetParam(), fault);
 }
 
-TEST_P(WaitingFault, EachAllocationFailing_IsAnsweredAsDocumentedAndLeavesNothing) {
+TEST_P(WaitingFault, EachAllocationFailing_HasTheDocumentedOutcomeAndLeavesNothing) {
     FailedAllocation fault;
     LiveThroughEach(GetParam(), fault);
 }
