@@ -34,7 +34,7 @@ using namespace vant::host;
 constexpr std::size_t mostRecords = 2'000;
 
 /// A run never has so many threads at once.
-constexpr int mostThreads = 256;
+constexpr int mostThreads = 100;
 
 std::optional<Module> module;
 std::map<std::string, EngineDescription> engines; ///< By the name under which a procedure refers to it.
