@@ -5,9 +5,9 @@
 
 namespace vant::test {
 
-/// A data store whose every entry is a VARIANT of the same type: by default an unknown one, which the platform
-/// can neither copy nor clear. If the host's "GetValue" is to fail, it returns the failure and the value. Made
-/// with new; ends with its last reference.
+/// A data store whose every entry is a VARIANT of the same type: by default an unknown one, which the
+/// platform can neither copy nor clear. If the host's "GetValue" is to fail, it returns the failure and the
+/// value. Made with new; ends with its last reference.
 class StoreOfNoValue final : public HostObject<IDataStore> {
 public:
     explicit StoreOfNoValue(TestHost& host, VARTYPE type = 15) : HostObject(host), m_type(type) {}
