@@ -2,6 +2,7 @@
 
 #include "platform/system.h"
 
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <vector>
@@ -18,5 +19,9 @@ VANT_PLATFORM_API HRESULT RegisterForUserOnly();
 /// with file and line, if the class catalogue cannot be read.
 VANT_PLATFORM_API std::vector<std::optional<std::wstring>>
 RegisteredModules(const std::vector<std::wstring>& classIds);
+
+/// The file in which this system keeps registrations; nothing if it keeps them elsewhere, or the file has no
+/// name because the environment lacks it.
+VANT_PLATFORM_API std::optional<std::filesystem::path> ClassCatalogueFile();
 
 } // namespace vant

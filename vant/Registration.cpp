@@ -33,7 +33,8 @@ ExitCode Change(const RegistrationOptions& options, HRESULT (LoadedModule::*oper
                                             "; what it had done before stays done");
     std::cout << done << ' ' << Printable(options.module) << '\n';
     if (!std::cout.flush())
-        throw Failure(ExitCode::Broken, "done, but the confirmation could not be written");
+        throw Failure(ExitCode::Broken,
+                      std::string(done) + " " + options.module + ", but this could not be written");
     return ExitCode::Passed;
 }
 

@@ -9,6 +9,7 @@
 #include "host/runner/LoadedModule.h"
 #include "host/runner/RegisteredClasses.h"
 #include "host/runner/Runner.h"
+#include "platform/ClassRegistration.h"
 #include "platform/Clock.h"
 #include "platform/Console.h"
 #include "platform/DynamicLibrary.h"
@@ -25,6 +26,7 @@
 #include <optional>
 #include <stdexcept>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 namespace vant::program {
@@ -81,6 +83,8 @@ std::vector<FileInUse> FilesInUse(const RunOptions& options, const LoadedFiles& 
         inUse.push_back({"the module", PathFromUtf8(options.module)});
     }
     inUse.push_back({"the platform library", ProgramFolder() / LibraryFileName("VantPlatform")});
+    if (auto catalogue = ClassCatalogueFile())
+        inUse.push_back({"the class catalogue", std::move(*catalogue)});
     // The report, if it goes to a file. Where the system has no such name there is no such file.
     std::error_code unknown;
     if (const std::filesystem::path report = "/dev/stdout"; std::filesystem::is_regular_file(report, unknown))

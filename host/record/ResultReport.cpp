@@ -15,17 +15,28 @@ ResultReport::ResultReport() {
 void ResultReport::operator()(const Record& record) {
     if (record.service == service::Runner)
         TakeEvent(record);
-    else if (record.result && SUCCEEDED(*record.result) && !m_result["steps"].empty())
+    else if (record.result && SUCCEEDED(*record.result) && m_stepIsKept)
         TakeCall(record);
+}
+
+bool ResultReport::Keeps() {
+    if (m_entries < mostEntries) {
+        ++m_entries;
+        return true;
+    }
+    m_result["omitted"] = ++m_omitted;
+    return false;
 }
 
 void ResultReport::TakeCall(const Record& record) {
     Json& step = m_result["steps"].back();
-    if (record.operation == operation::ShowInstruction)
-        step["instructions"].push_back(record.Text(argument::text));
-    else if (record.operation == operation::SetComponentProperty)
+    if (record.operation == operation::ShowInstruction) {
+        if (Keeps())
+            step["instructions"].push_back(record.Text(argument::text));
+    } else if (record.operation == operation::SetComponentProperty) {
         step["display"][record.Text(argument::componentId)][record.Text(argument::name)] =
             record.Text(argument::value);
+    }
 }
 
 void ResultReport::TakeEvent(const Record& record) {
@@ -37,6 +48,9 @@ void ResultReport::TakeEvent(const Record& record) {
     if (record.operation == event::ProcedureStarted) {
         m_result["procedure"] = json(argument::name);
     } else if (record.operation == event::StepEntered) {
+        m_stepIsKept = Keeps();
+        if (!m_stepIsKept)
+            return;
         Json step;
         step["step"] = json(argument::step);
         step["commands"] = Json::array();
@@ -45,6 +59,8 @@ void ResultReport::TakeEvent(const Record& record) {
         step["next"] = nullptr;
         steps.push_back(std::move(step));
     } else if (record.operation == event::CommandEnded) {
+        if (!m_stepIsKept || !Keeps())
+            return;
         Json command;
         command["command"] = record.command;
         command["class"] = json(argument::className);
@@ -53,7 +69,8 @@ void ResultReport::TakeEvent(const Record& record) {
         command["result"] = record.result ? Json(ToText(*record.result)) : Json();
         steps.back()["commands"].push_back(std::move(command));
     } else if (record.operation == event::TransitionFollowed) {
-        steps.back()["next"] = json(argument::to);
+        if (m_stepIsKept)
+            steps.back()["next"] = json(argument::to);
     } else if (record.operation == event::DataLeft) {
         m_result["data"][record.Text(argument::name)] = json(argument::value);
     } else if (record.operation == event::ProcedureEnded) {

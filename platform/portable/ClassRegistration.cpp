@@ -2,6 +2,8 @@
 
 #include "platform/portable/catalogue.h"
 
+#include <stdexcept>
+
 namespace vant {
 
 HRESULT RegisterForUserOnly() {
@@ -16,6 +18,14 @@ std::vector<std::optional<std::wstring>> RegisteredModules(const std::vector<std
         modules.push_back(module ? std::optional(*module) : std::nullopt);
     }
     return modules;
+}
+
+std::optional<std::filesystem::path> ClassCatalogueFile() {
+    try {
+        return Catalogue::File();
+    } catch (const std::runtime_error&) {
+        return std::nullopt;
+    }
 }
 
 } // namespace vant

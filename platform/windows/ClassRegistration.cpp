@@ -43,4 +43,8 @@ std::vector<std::optional<std::wstring>> RegisteredModules(const std::vector<std
     return modules;
 }
 
+std::optional<std::filesystem::path> ClassCatalogueFile() {
+    return std::nullopt;
+}
+
 } // namespace vant

@@ -37,6 +37,14 @@ TEST(LoadedModule, LiveCommand_ForbidsUnloading) {
     EXPECT_TRUE(module.CanUnload());
 }
 
+TEST(LoadedModule, ModuleThatSucceedsWithoutAnObject_IsAFailure) {
+    const LoadedModule module(ProgramFolder() / LibraryFileName("UnitHostEmptyHandedModule"));
+    CComPtr<IVantCommand> command;
+    EXPECT_EQ(module.Create("Calculator", command), E_UNEXPECTED); // no command
+    EXPECT_EQ(module.Create("Calculator", command), E_UNEXPECTED); // no class object
+    EXPECT_FALSE(command);
+}
+
 TEST(LoadedModule, FileThatIsMissing_Throws) {
     EXPECT_THROW(LoadedModule(ProgramFolder() / "missing.library"), std::runtime_error);
 }

@@ -64,6 +64,28 @@ TEST(ResultReport, CallsOfCommands_AreNotTakenForEvents) {
     EXPECT_EQ(report.Result(), before);
 }
 
+TEST(ResultReport, EndlessRun_IsKeptUpToTheLimit) {
+    ResultReport report;
+    for (std::size_t i = 0; i < ResultReport::mostEntries + 5; ++i) {
+        report(Event(event::StepEntered, {{argument::step, "again"}}));
+        report(Event(event::TransitionFollowed, {{argument::from, "again"}, {argument::to, "again"}}));
+    }
+    report(Call(operation::ShowInstruction, {{argument::text, "late"}}, S_OK));
+    EXPECT_EQ(report.Result()["steps"].size(), ResultReport::mostEntries);
+    EXPECT_EQ(report.Result()["omitted"], 5);
+    EXPECT_EQ(report.Result()["steps"].back()["next"], "again");
+    EXPECT_TRUE(report.Result()["steps"].back()["instructions"].empty());
+}
+
+TEST(ResultReport, ManyInstructionsOfAStep_AreKeptUpToTheLimit) {
+    ResultReport report;
+    report(Event(event::StepEntered, {{argument::step, "long"}}));
+    for (std::size_t i = 0; i < ResultReport::mostEntries; ++i)
+        report(Call(operation::ShowInstruction, {{argument::text, "again"}}, S_OK));
+    EXPECT_EQ(report.Result()["steps"][0]["instructions"].size(), ResultReport::mostEntries - 1);
+    EXPECT_EQ(report.Result()["omitted"], 1);
+}
+
 } // namespace
 
 } // namespace vant::host
