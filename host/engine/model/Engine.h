@@ -60,7 +60,7 @@ private:
     std::vector<LiveParameter*> m_order;  ///< Each after those that it follows.
     std::vector<LiveParameter*> m_inert;  ///< Those with inertia.
     std::vector<std::int64_t> m_schedule; ///< The steps at which inputs change by themselves, in order.
-    mutable bool m_moves = false;         ///< Whether inputs have moved since they were taken last.
+    mutable bool m_moves = false;         ///< Whether an input may move before the next scheduled change.
     mutable std::int64_t m_step = 0;      ///< The step up to which inputs have been taken.
     std::uint64_t m_writes = 0;
 };

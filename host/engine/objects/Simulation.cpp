@@ -26,7 +26,7 @@ HRESULT TryWrite(const EngineDescription& description, const TimedWrite& write) 
     const auto found = description.parameters.find(write.id);
     if (found == description.parameters.end())
         return CodeOf(EngineError::NotFound);
-    // Alone: what it follows has no part in this.
+    // On its own, because what it follows does not matter.
     EngineParameter parameter = found->second;
     const bool readOnly = parameter.behaviour && !parameter.behaviour->FollowsWrites();
     parameter.readOnly = parameter.readOnly || readOnly;

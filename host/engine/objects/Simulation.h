@@ -18,18 +18,17 @@ struct TimedWrite {
     std::int64_t time = 0;
 };
 
-/// How an engine refuses a write; S_OK if it takes it. That depends on nothing that happens before.
+/// The result of a write, S_OK if the engine accepts it. It does not depend on anything that happens before.
 HRESULT TryWrite(const EngineDescription& description, const TimedWrite& write);
 
-/// The values of all parameters at a time, in the order of their ids; nothing for one whose read fails.
+/// The values of all parameters at a time, in the order of their ids. A parameter whose read fails has none.
 struct EngineRow {
     std::int64_t time = 0; ///< Milliseconds since the engine began.
     std::vector<std::optional<Value>> values;
 };
 
-/// Lets an engine run by itself, without waiting: calls `take` with a row at time 0 and after every `every`
-/// milliseconds, up to `duration`, until it returns false. `writes` are in the order of time; refused ones
-/// have no effect.
+/// Runs an engine without waiting: calls `take` with a row at time 0 and then each `every` milliseconds, up
+/// to `duration`, until `take` returns false. `writes` are in order of time; refused writes have no effect.
 void SimulateEngine(const EngineDescription& description, std::int64_t duration, std::int64_t every,
                     const std::vector<TimedWrite>& writes, const std::function<bool(EngineRow)>& take);
 
