@@ -9,8 +9,8 @@ namespace vant::program {
 
 using namespace host;
 
-MessagePrompt::MessagePrompt(std::ostream& out, std::istream& in, bool answers)
-    : m_out(out), m_in(in), m_answers(answers) {
+MessagePrompt::MessagePrompt(std::ostream& out, std::istream& in, bool closesAtOnce)
+    : m_out(out), m_in(in), m_closesAtOnce(closesAtOnce) {
     SetMessagePresenter(
         [this](const std::wstring& text, const std::wstring& caption, UINT) { Show(text, caption); });
 }
@@ -21,11 +21,11 @@ MessagePrompt::~MessagePrompt() {
 
 void MessagePrompt::Show(const std::wstring& text, const std::wstring& caption) {
     const std::lock_guard lock(m_oneAtATime);
-    // In one piece: other threads write, too.
+    // In one piece: other threads write too.
     m_out << '[' + Printable(ToUtf8(caption)) + "] " + Printable(ToUtf8(text)) +
-                 (m_answers ? "\n" : "\nPress Enter to go on.\n");
+                 (m_closesAtOnce ? "\n" : "\nPress Enter to go on.\n");
     m_out.flush();
-    if (m_answers)
+    if (m_closesAtOnce)
         return;
     std::string ignored;
     std::getline(m_in, ignored);

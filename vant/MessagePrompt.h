@@ -9,12 +9,12 @@
 namespace vant::program {
 
 /// While it lives, the message boxes of this process appear on a stream as caption and text, and each one
-/// waits for Enter; the end of the input counts as Enter. Where the system shows messages itself, it does
-/// nothing.
+/// waits for Enter; the end of the input counts as Enter. It does nothing on a system that shows messages
+/// itself.
 class MessagePrompt {
 public:
-    /// `answers`: messages are shown and closed without waiting. The streams must outlive the prompt.
-    MessagePrompt(std::ostream& out, std::istream& in, bool answers);
+    /// `closesAtOnce`: messages are shown and closed without waiting. The streams must outlive the prompt.
+    MessagePrompt(std::ostream& out, std::istream& in, bool closesAtOnce);
     ~MessagePrompt();
     MessagePrompt(const MessagePrompt&) = delete;
     MessagePrompt& operator=(const MessagePrompt&) = delete;
@@ -25,7 +25,7 @@ private:
     std::mutex m_oneAtATime;
     std::ostream& m_out;
     std::istream& m_in;
-    const bool m_answers;
+    const bool m_closesAtOnce;
 };
 
 } // namespace vant::program

@@ -85,7 +85,7 @@ std::vector<FileInUse> FilesInUse(const RunOptions& options, const LoadedFiles& 
     inUse.push_back({"the platform library", ProgramFolder() / LibraryFileName("VantPlatform")});
     if (auto catalogue = ClassCatalogueFile())
         inUse.push_back({"the class catalogue", std::move(*catalogue)});
-    // The report, if it goes to a file. Where the system has no such name there is no such file.
+    // The report, if it goes to a file. On a system without this name there is no such file.
     std::error_code unknown;
     if (const std::filesystem::path report = "/dev/stdout"; std::filesystem::is_regular_file(report, unknown))
         inUse.push_back({"the report", report});

@@ -106,7 +106,7 @@ void BehaviourReader::ReadChanges(const toml::node& node, Behaviour& behaviour, 
     if (!list)
         return;
     if (list->empty())
-        m_found.Error(PositionOf(node), "'changes' is empty: give a change, or leave the key out");
+        m_found.Error(PositionOf(node), "'changes' is empty: add a change, or leave the key out");
     for (const toml::node& each : *list) {
         const toml::table* const table = AsTable(each, "a change");
         if (!table)
@@ -132,7 +132,7 @@ void BehaviourReader::ReadSequence(const toml::table& table, const toml::node& n
     if (!list)
         return;
     if (list->empty())
-        m_found.Error(PositionOf(node), "'sequence' is empty: give a value, or leave the key out");
+        m_found.Error(PositionOf(node), "'sequence' is empty: add a value, or leave the key out");
     std::vector<Value> values;
     for (const toml::node& each : *list) {
         if (auto next = SameKind(each, "a value of the sequence", value))
@@ -208,7 +208,7 @@ void BehaviourReader::ReadFails(const toml::table& table, EngineParameter& param
         if (until && *until <= *from)
             m_found.Error(PositionOf(*keys->get("until")), "'until' must be later than 'from'");
     } else if (until && !keys->contains("from")) {
-        m_found.Error(PositionOfKey(*keys, "until"), "'until' stands beside 'from' only");
+        m_found.Error(PositionOfKey(*keys, "until"), "'until' needs 'from'");
     }
     if (const toml::node* const read = keys->get("read")) {
         parameter.failingRead = read->value_exact<std::int64_t>();
@@ -225,13 +225,12 @@ void BehaviourReader::CheckOneSource(const toml::table& table) {
     }
     for (const auto& [position, source] : present) {
         if (source != present.begin()->second)
-            m_found.Error(position, Quoted(source) + " cannot stand beside " +
-                                        Quoted(present.begin()->second) + ": a behaviour has one source");
+            m_found.Error(position, Quoted(source) + " excludes " + Quoted(present.begin()->second) +
+                                        ": a behaviour has one source");
     }
     const auto needs = [&](std::string_view key, std::string_view source) {
         if (table.contains(key) && !table.contains(source))
-            m_found.Error(PositionOfKey(table, key),
-                          Quoted(key) + " stands beside " + Quoted(source) + " only");
+            m_found.Error(PositionOfKey(table, key), Quoted(key) + " needs " + Quoted(source));
     };
     needs("gain", "follows");
     needs("offset", "follows");
@@ -252,8 +251,7 @@ void BehaviourReader::CheckFits(const toml::table& table, const Value& value) {
             m_found.Error(PositionOfKey(table, key),
                           "only a parameter whose value is a number has " + Quoted(key));
         else if (byReads && (key == "loads" || key == "lag" || key == "rate"))
-            m_found.Error(PositionOfKey(table, key),
-                          Quoted(key) + " needs a sequence in time: give it 'every'");
+            m_found.Error(PositionOfKey(table, key), Quoted(key) + " needs a sequence in time: add 'every'");
     }
 }
 
@@ -278,7 +276,7 @@ void BehaviourReader::CheckReference(const Reference& reference,
         m_found.Error(position, "the value of " + Quoted(id) + " is not a number, so nothing can follow it");
     else if (followed->second.behaviour && !followed->second.behaviour->sequence.empty())
         m_found.Error(position,
-                      Quoted(id) + " changes when it is read, so nothing can follow it: give it 'every'");
+                      Quoted(id) + " changes when it is read, so nothing can follow it: add 'every'");
 }
 
 void BehaviourReader::CheckCircles(const std::map<std::string, EngineParameter>& parameters) {

@@ -45,10 +45,10 @@ private:
     void CheckReference(const Reference& reference, const std::map<std::string, EngineParameter>& parameters);
     void CheckCircles(const std::map<std::string, EngineParameter>& parameters);
 
-    /// A value of the same kind as the parameter's; of a whole number's kind is every number.
+    /// A value of the same kind as the parameter's. All numbers are of one kind.
     std::optional<Value> SameKind(const toml::node& node, const std::string& what, const Value& value);
     std::optional<double> Number(const toml::table& table, std::string_view key);
-    /// 0, and a mistake, for what is no number above 0; 0 for a key that is not there.
+    /// The number at `key`; 0 if the key is missing or, with a mistake, if its value is not above 0.
     double AboveZero(const toml::table& table, std::string_view key);
     /// Seconds from the engine's beginning, in milliseconds.
     std::optional<std::int64_t> Time(const toml::table& table, std::string_view key);

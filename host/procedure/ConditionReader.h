@@ -11,8 +11,7 @@ namespace vant::host {
 /// Reads the conditions of the set `name` from its table. Every mistake goes into `found`.
 std::vector<Condition> ReadConditionSet(const toml::key& name, const toml::node& node, Diagnostics& found);
 
-/// A warning for each message of a condition that is no entry of the data: a command would have to make it
-/// first.
+/// A warning for each message of a condition that is not an entry of the data: a command must make it first.
 void CheckConditionNames(const Procedure& procedure, Diagnostics& found);
 
 /// An error for each parameter of a condition that the procedure's engine does not have.

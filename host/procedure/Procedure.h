@@ -13,7 +13,7 @@
 
 namespace vant::host {
 
-/// A text and where it stands in the procedure file.
+/// A text and its position in the procedure file.
 struct Located {
     std::string text;
     Position position;
@@ -52,8 +52,7 @@ struct Step {
     std::optional<Verdict> end;
 };
 
-/// A diagnostic procedure. Every name in it that refers to something exists; see docs/procedures.md for the
-/// meaning.
+/// A diagnostic procedure; docs/procedures.md describes it. Every name that refers to something exists.
 struct Procedure {
     std::string name;
     Located start;

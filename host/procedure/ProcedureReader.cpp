@@ -115,7 +115,7 @@ private:
         }
     }
 
-    /// An engine stands in the procedure itself or in a file of its own.
+    /// The engine itself, or the name of its file.
     void ReadEngineKey(const toml::node& node) {
         if (node.is_table())
             m_procedure.engine = ReadEngine(*node.as_table(), m_found);
@@ -183,9 +183,8 @@ private:
         }
         const toml::table* const on = table["on"].as_table();
         if (!table.contains("next") && !(on && !on->empty() && table.contains("run")))
-            m_found.Error(PositionOf(key),
-                          "step " + Quoted(key.str()) +
-                              " leads nowhere: give it 'next', or 'end', or 'run' with 'on'");
+            m_found.Error(PositionOf(key), "step " + Quoted(key.str()) +
+                                               " leads nowhere: add 'next', or 'end', or 'run' with 'on'");
     }
 
     Procedure m_procedure;

@@ -76,7 +76,7 @@ private:
     void CheckAlternative(const ClassProperty& known) {
         const Property* const property = Find(known.name);
         const Property* const other = Find(known.alternative);
-        // Reported at the one that stands further down.
+        // Reported at the later one.
         if (property && other && other->name.position < property->name.position)
             m_found.Error(property->name.position,
                           fmt::format("{} and {} exclude each other: leave one of them out",

@@ -14,10 +14,10 @@
 
 namespace vant::host {
 
-/// What a value is, as messages name it.
+/// The kind of a value, as messages name it.
 const char* KindOf(const toml::node& node);
 
-/// What every reader of TOML tables needs. Each mistake is noted, and reading goes on.
+/// The base of all readers of TOML tables. Each mistake is noted, and reading goes on.
 class TableReader {
 protected:
     explicit TableReader(Diagnostics& found) : m_found(found) {}
@@ -25,12 +25,12 @@ protected:
 
     void CheckKeys(const toml::table& table, const std::string& owner, const std::vector<std::string>& known);
 
-    /// Null, and a mistake, for what is no table; `what` names it.
+    /// Null, and a mistake, if the node is not a table; `what` names it.
     const toml::table* AsTable(const toml::node& node, const std::string& what);
-    /// Null, and a mistake, for what is no list; `must` says what it must be.
+    /// Null, and a mistake, if the node is not a list; `must` says what it must be.
     const toml::array* AsList(const toml::node& node, const std::string& must);
 
-    /// Visits the entries of a table that may be absent, in the file's order.
+    /// Visits the entries of a table, if there is one, in the order of the file.
     template <class Visit>
     void ForEach(const toml::table& owner, std::string_view name, Visit visit) {
         const toml::node* const node = owner.get(name);
@@ -48,7 +48,7 @@ protected:
 
     std::optional<Located> Text(const toml::node& node, const std::string& what);
     std::optional<Located> OptionalText(const toml::table& table, std::string_view key);
-    /// `owner` is where a missing key is reported.
+    /// A missing key is reported at `owner`.
     std::optional<Located> RequiredText(const toml::table& table, std::string_view key, Position owner);
     /// As the two above, for names: an empty one is a mistake, too.
     std::optional<Located> OptionalName(const toml::table& table, std::string_view key);

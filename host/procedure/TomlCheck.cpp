@@ -148,7 +148,7 @@ private:
                 throw Mistake{m_position, "a typographic quote: write \" or '"};
         }
         throw Mistake{m_position,
-                      "a character beyond ASCII stands outside quotes: write \" before and after the text"};
+                      "a character beyond ASCII outside quotes: write \" before and after the text"};
     }
 
     const std::string_view m_text;

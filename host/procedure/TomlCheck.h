@@ -6,9 +6,10 @@
 
 namespace vant::host {
 
-/// Looks for the mistakes of TOML's syntax that the parser does not report well, or at all: a wrong encoding,
-/// characters beyond ASCII outside strings and comments, brackets and quotes that are never closed, and
-/// nesting beyond the limits below. Whether there are none; otherwise `found` has the first one.
+/// Checks a text for mistakes in TOML's syntax that the parser does not report well, or at all: a wrong
+/// encoding, characters beyond ASCII outside strings and comments, brackets and quotes that are never closed,
+/// and nesting beyond the limits below. Returns whether it found nothing; otherwise the first mistake is in
+/// `found`.
 bool CheckTomlText(std::string_view toml, Diagnostics& found);
 
 /// Brackets and braces inside one another.

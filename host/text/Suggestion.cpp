@@ -48,7 +48,7 @@ std::optional<std::string> NearestName(std::string_view written, std::span<const
         if (name.size() > longest)
             continue;
         const std::size_t mistakes = Distance(written, name);
-        // A text that shares nothing with the name is no misspelling of it.
+        // A text that shares nothing with the name is not a misspelling of it.
         if (mistakes < fewest && mistakes < std::max(written.size(), name.size())) {
             fewest = mistakes;
             nearest = &name;

@@ -110,7 +110,7 @@ TEST(EngineBehaviourReader, ReferenceThatNothingCanFollow_IsReported) {
               "e:5:21: error: the value of 'b' is not a number, so nothing can follow it\n");
     EXPECT_EQ(Said("[parameters.b]\nvalue = 1\nbehaviour.sequence = [1]\n[parameters.a]\nvalue = 1\n"
                    "behaviour.follows = 'b'\n"),
-              "e:6:21: error: 'b' changes when it is read, so nothing can follow it: give it 'every'\n");
+              "e:6:21: error: 'b' changes when it is read, so nothing can follow it: add 'every'\n");
     EXPECT_EQ(SaidOf("1", "follows = 'a'"),
               "e:3:25: error: a parameter without a source follows what is written to it: leave 'follows' "
               "out\n");
@@ -131,15 +131,14 @@ TEST(EngineBehaviourReader, Circle_IsReportedAtEachOfItsMembers) {
 
 TEST(EngineBehaviourReader, SecondSource_IsReported) {
     EXPECT_EQ(SaidOf("1", "towards = 2, lag = 1, ramp = { to = 1, over = 1 }, sequence = [1], every = 1"),
-              "e:3:37: error: 'ramp' cannot stand beside 'towards': a behaviour has one source\n"
-              "e:3:66: error: 'sequence' cannot stand beside 'towards': a behaviour has one source\n");
+              "e:3:37: error: 'ramp' excludes 'towards': a behaviour has one source\n"
+              "e:3:66: error: 'sequence' excludes 'towards': a behaviour has one source\n");
 }
 
 TEST(EngineBehaviourReader, KeyWithoutItsCompanion_IsReported) {
-    EXPECT_EQ(SaidOf("1", "gain = 2, offset = 1, every = 1"),
-              "e:3:15: error: 'gain' stands beside 'follows' only\n"
-              "e:3:25: error: 'offset' stands beside 'follows' only\n"
-              "e:3:37: error: 'every' stands beside 'sequence' only\n");
+    EXPECT_EQ(SaidOf("1", "gain = 2, offset = 1, every = 1"), "e:3:15: error: 'gain' needs 'follows'\n"
+                                                              "e:3:25: error: 'offset' needs 'follows'\n"
+                                                              "e:3:37: error: 'every' needs 'sequence'\n");
     EXPECT_EQ(SaidOf("1", "towards = 2"), "e:3:15: error: 'towards' needs 'lag' or 'rate'\n");
     EXPECT_EQ(SaidOf("1", "lag = 2, rate = 1"), "e:3:24: error: 'lag' and 'rate' exclude each other\n");
     EXPECT_EQ(Said("[parameters.a]\nvalue = 1\nbehaviour = {}\n"),
@@ -169,7 +168,7 @@ TEST(EngineBehaviourReader, TextWithWhatOnlyNumbersHave_IsReported) {
     EXPECT_EQ(SaidOf("true", "ramp = { to = 1, over = 1 }"),
               "e:3:15: error: only a parameter whose value is a number has 'ramp'\n");
     EXPECT_EQ(SaidOf("1", "sequence = [1], lag = 1, noise = 1"),
-              "e:3:31: error: 'lag' needs a sequence in time: give it 'every'\n");
+              "e:3:31: error: 'lag' needs a sequence in time: add 'every'\n");
 }
 
 TEST(EngineBehaviourReader, WrongRamps_AreReported) {
@@ -185,7 +184,7 @@ TEST(EngineBehaviourReader, WrongChanges_AreReported) {
     EXPECT_EQ(SaidOf("1", "changes = 1"),
               "e:3:25: error: 'changes' must be a list of changes, not a number\n");
     EXPECT_EQ(SaidOf("1", "changes = []"),
-              "e:3:25: error: 'changes' is empty: give a change, or leave the key out\n");
+              "e:3:25: error: 'changes' is empty: add a change, or leave the key out\n");
     EXPECT_EQ(SaidOf("1", "changes = [1, {}]"), "e:3:26: error: a change must be a table, not a number\n"
                                                 "e:3:29: error: 'at' is missing\n"
                                                 "e:3:29: error: 'to' is missing\n");
@@ -199,7 +198,7 @@ TEST(EngineBehaviourReader, WrongSequences_AreReported) {
     EXPECT_EQ(SaidOf("1", "sequence = 1"),
               "e:3:26: error: 'sequence' must be a list of values, not a number\n");
     EXPECT_EQ(SaidOf("1", "sequence = []"),
-              "e:3:26: error: 'sequence' is empty: give a value, or leave the key out\n");
+              "e:3:26: error: 'sequence' is empty: add a value, or leave the key out\n");
     EXPECT_EQ(
         SaidOf("true", "sequence = [false, 1]"),
         "e:3:34: error: a value of the sequence must be of the same kind as the parameter's 'value', not "
@@ -222,7 +221,7 @@ TEST(EngineBehaviourReader, WrongFailures_AreReported) {
     };
     EXPECT_EQ(said("{}"), "e:3:9: error: a failure needs 'from' or 'read'\n");
     EXPECT_EQ(said("{ until = 1 }"), "e:3:9: error: a failure needs 'from' or 'read'\n"
-                                     "e:3:11: error: 'until' stands beside 'from' only\n");
+                                     "e:3:11: error: 'until' needs 'from'\n");
     EXPECT_EQ(said("{ from = 1, until = 1 }"), "e:3:29: error: 'until' must be later than 'from'\n");
     EXPECT_EQ(said("{ from = 'x' }"), "e:3:18: error: 'from' must be a number, not a string\n");
     EXPECT_EQ(said("{ read = 0 }"),

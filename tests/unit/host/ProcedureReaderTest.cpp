@@ -156,7 +156,7 @@ TEST(ProcedureReader, RunThatIsNoList_IsReported) {
 
 TEST(ProcedureReader, StepThatLeadsNowhere_IsReported) {
     const std::string nowhere =
-        "f:5:8: error: step 'a' leads nowhere: give it 'next', or 'end', or 'run' with 'on'\n";
+        "f:5:8: error: step 'a' leads nowhere: add 'next', or 'end', or 'run' with 'on'\n";
     EXPECT_EQ(Said(With("[steps.a]\n")), nowhere);
     EXPECT_EQ(Said(With("[steps.a]\nfailed = 'done'\n")), nowhere);
     EXPECT_EQ(Said(With("[steps.a]\non = { x = 'done' }\n")), nowhere); // nothing runs that could choose

@@ -31,9 +31,8 @@ TEST(TomlText, WithoutClosingQuote_IsReportedAtTheOpeningOne) {
               "f:2:5: error: the string that begins here has no closing \"\n");
     EXPECT_EQ(Messages("b = 'text"), "f:1:5: error: the string that begins here has no closing '\n");
     EXPECT_EQ(Messages("b = \"text\\"), "f:1:5: error: the string that begins here has no closing \"\n");
-    EXPECT_EQ(Messages("ä = 1"),
-              "f:1:1: error: a character beyond ASCII stands outside quotes: write \" before and "
-              "after the text\n");
+    EXPECT_EQ(Messages("ä = 1"), "f:1:1: error: a character beyond ASCII outside quotes: write \" before and "
+                                 "after the text\n");
     EXPECT_EQ(Messages("\nb = '''text''\n\n"),
               "f:2:5: error: the string that begins here has no closing '''\n");
 }
@@ -48,7 +47,7 @@ TEST(TomlText, WithoutClosingBracket_IsReportedAtTheOpeningOne) {
 
 TEST(TomlText, CharactersBeyondAscii_OutsideStrings_AreRefused) {
     EXPECT_EQ(Messages("value = 20 \u00B0C\n"),
-              "f:1:12: error: a character beyond ASCII stands outside quotes: write "
+              "f:1:12: error: a character beyond ASCII outside quotes: write "
               "\" before and after the text\n");
     EXPECT_EQ(Messages("value = \u201Ctext\u201D\n"), "f:1:9: error: a typographic quote: write \" or '\n");
 }
