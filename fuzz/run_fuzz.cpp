@@ -5,8 +5,9 @@
 #include "host/procedure/EngineReader.h"
 #include "host/procedure/ProcedureReader.h"
 #include "host/record/Json.h"
+#include "host/record/Vocabulary.h"
 #include "host/runner/CommandCheck.h"
-#include "host/runner/Module.h"
+#include "host/runner/LoadedModule.h"
 #include "host/runner/Runner.h"
 #include "platform/Clock.h"
 #include "platform/MessagePresenter.h"
@@ -36,7 +37,7 @@ constexpr std::size_t mostRecords = 2'000;
 /// A run never has so many threads at once.
 constexpr int mostThreads = 100;
 
-std::optional<Module> module;
+std::optional<LoadedModule> module;
 std::map<std::string, EngineDescription> engines; ///< By the name under which a procedure refers to it.
 
 void ReadEngines(const std::filesystem::path& folder) {
@@ -63,9 +64,10 @@ std::string JournalOf(const Procedure& procedure) {
     Runner runner(procedure, *module, journal);
     journal.Observe([&](const Record& record) {
         lines += ToJson(record).dump() + '\n';
-        if (record.operation == "RegisterCallback" && record.result == S_OK && ++threads == mostThreads)
+        if (record.operation == operation::RegisterCallback && record.result == S_OK &&
+            ++threads == mostThreads)
             std::abort();
-        if (record.operation == "ThreadEnded")
+        if (record.operation == event::ThreadEnded)
             --threads;
         if (++count == mostRecords)
             runner.Abort();
