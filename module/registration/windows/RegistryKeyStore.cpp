@@ -61,10 +61,9 @@ bool SameName(std::wstring_view left, std::wstring_view right) {
                                 static_cast<int>(right.size()), TRUE) == CSTR_EQUAL;
 }
 
-/// The place of a root from the name of the key that has `path` below it.
-RootPlace PlaceOf(const std::wstring& name, std::wstring_view path) {
+RootPlace PlaceOf(const std::wstring& name) {
     constexpr std::wstring_view user = L"\\REGISTRY\\USER\\";
-    const std::wstring usual = std::wstring(L"\\REGISTRY\\MACHINE\\SOFTWARE\\Classes").append(path);
+    constexpr std::wstring_view usual = L"\\REGISTRY\\MACHINE\\SOFTWARE\\Classes";
     if (SameName(std::wstring_view(name).substr(0, user.size()), user))
         return RootPlace::User;
     return name.empty() || SameName(name, usual) ? RootPlace::Usual : RootPlace::Elsewhere;
@@ -124,14 +123,11 @@ bool RegistryKeyStore::Exists(const std::wstring& path) {
 
 RootPlace PlaceOfTheClassesRoot() {
     Key root;
-    // Some systems open no key for the root itself, but return its predefined handle, which has no name. They
-    // do not show the user's classes in the root, so any key below it lies where the root does.
-    if (FAILED(Open(L"", KEY_READ, root)) || root.Get() == HKEY_CLASSES_ROOT) {
-        Key below;
-        return SUCCEEDED(Open(L"CLSID", KEY_READ, below)) ? PlaceOf(NameOf(below), L"\\CLSID")
-                                                          : RootPlace::Usual;
-    }
-    return PlaceOf(NameOf(root), L"");
+    // Some systems open no key for an empty path, but return the root's predefined handle, which has no name.
+    if (SUCCEEDED(Open(L"", KEY_READ, root)) && root.Get() != HKEY_CLASSES_ROOT)
+        return PlaceOf(NameOf(root));
+    Key opened;
+    return SUCCEEDED(Open(L"\\", KEY_READ, opened)) ? PlaceOf(NameOf(opened)) : RootPlace::Usual;
 }
 
 MachineClassesRoot::MachineClassesRoot(RootPlace place) {
