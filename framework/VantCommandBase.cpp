@@ -6,12 +6,11 @@
 
 #include <tuple>
 #include <type_traits>
-#include <utility>
 
 namespace vant {
 
 HRESULT CVantCommandBase::Initialize(IVantContext* context, IVantController* controller) {
-    if (m_initialised)
+    if (m_initialised.load(std::memory_order_relaxed))
         return E_UNEXPECTED;
     if (!context)
         return E_POINTER;
@@ -19,7 +18,7 @@ HRESULT CVantCommandBase::Initialize(IVantContext* context, IVantController* con
     try {
         RequestServices(*context, result);
         m_controller = controller;
-        m_initialised = true;
+        m_initialised.store(true, std::memory_order_release);
     } catch (...) {
         // Even if something other than a failed request was thrown, the code of the last request is returned.
     }
@@ -31,7 +30,7 @@ void CVantCommandBase::RequestServices(IVantContext& context, CCheckedResult& re
     const auto request = [&](auto& member, auto operation) {
         std::remove_cvref_t<decltype(member)> service;
         result = (context.*operation)(&service);
-        member = std::move(service);
+        member.Attach(service.Detach());
     };
     request(m_commandRunner, &IVantContext::get_CommandRunner);
     request(m_componentService, &IVantContext::get_ComponentService);

@@ -80,7 +80,7 @@ protected:
 
     /// The controller; null until Initialize has succeeded. Lent. [any thread]
     IVantController* ControllerOnceInitialised() const noexcept {
-        return m_initialised ? m_controller.Get() : nullptr;
+        return m_initialised.load(std::memory_order_acquire) ? m_controller.Get() : nullptr;
     }
 
     /// The condition set in a data-store entry. Every call is checked; an entry without an object is a
