@@ -13,6 +13,7 @@ HRESULT RegisterForUserOnly() {
 std::vector<std::optional<std::wstring>> RegisteredModules(const std::vector<std::wstring>& classIds) {
     const Catalogue catalogue = Catalogue::Read(Catalogue::File());
     std::vector<std::optional<std::wstring>> modules;
+    modules.reserve(classIds.size());
     for (const std::wstring& classId : classIds) {
         const std::wstring* const module = catalogue.Find(L"CLSID\\" + classId + L"\\InprocServer32", L"");
         modules.push_back(module ? std::optional(*module) : std::nullopt);

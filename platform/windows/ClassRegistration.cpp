@@ -38,6 +38,7 @@ std::optional<std::wstring> RegisteredModule(const std::wstring& classId) {
 
 std::vector<std::optional<std::wstring>> RegisteredModules(const std::vector<std::wstring>& classIds) {
     std::vector<std::optional<std::wstring>> modules;
+    modules.reserve(classIds.size());
     for (const std::wstring& classId : classIds)
         modules.push_back(RegisteredModule(classId));
     return modules;
