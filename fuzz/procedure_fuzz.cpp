@@ -2,6 +2,7 @@
 
 #include "fuzz/Reading.h"
 #include "host/procedure/ProcedureReader.h"
+#include "host/procedure/PropertyCheck.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -11,6 +12,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     vant::host::Diagnostics found;
     const auto procedure =
         vant::host::ReadProcedure(std::string_view(reinterpret_cast<const char*>(data), size), found);
+    vant::host::CheckProperties(procedure, found);
     vant::fuzz::CheckMessages(found);
     // The runner relies on this.
     if (!found.HasErrors() && !procedure.steps.contains(procedure.start.text))

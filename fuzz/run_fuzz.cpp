@@ -4,6 +4,7 @@
 #include "fuzz/Reading.h"
 #include "host/procedure/EngineReader.h"
 #include "host/procedure/ProcedureReader.h"
+#include "host/procedure/PropertyCheck.h"
 #include "host/record/Json.h"
 #include "host/record/Vocabulary.h"
 #include "host/runner/CommandCheck.h"
@@ -97,8 +98,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             return 0;
         procedure.engine = engine->second;
     }
-    if (!found.HasErrors())
-        CheckCommands(procedure, *module, found);
+    CheckProperties(procedure, found);
+    CheckCommands(procedure, *module, found);
     fuzz::CheckMessages(found);
     if (found.HasErrors())
         return 0;
