@@ -83,7 +83,7 @@ TEST(Vocabulary, Kinds_AreListedOnce) {
 TEST(Vocabulary, Sources_SpellNoNameOfTheirOwn) {
     std::string names;
     for (const RecordKind& kind : recordKinds)
-        names += (names.empty() ? "" : "|") + std::string(kind.operation);
+        names.append(names.empty() ? "" : "|").append(kind.operation);
     const std::regex operationLiteral("\"(" + names + ")\"");
     const std::regex argumentLiteral(R"re(\b(Find|Text|Add|Perform|RecordEvent)\(\s*"\w+")re");
     std::vector<std::string> files = FilesBelow("host", {".h", ".cpp"}, "host/procedure");

@@ -27,7 +27,10 @@ TEST(CommandCheck, CommandsOfTheBuiltModule_AreAccepted) {
 TEST(CommandCheck, IncompleteSet_IsRefusedByTheBuiltModule) {
     const LoadedModule module(test::BuiltModuleFile());
     Procedure procedure;
-    procedure.commands["c"] = {{5, 11}, {"Calculator", {6, 9}}, {{{"sourceA", {}}, {"1", {}}}}};
+    Command& command = procedure.commands["c"];
+    command.position = {5, 11};
+    command.className = {"Calculator", {6, 9}};
+    command.properties.push_back({{"sourceA", {}}, {"1", {}}});
     Diagnostics found;
     CheckCommands(procedure, module, found);
     EXPECT_EQ(found.Print("f"), "f:5:11: error: the module does not accept the properties of command 'c'\n");
@@ -37,7 +40,10 @@ TEST(CommandCheck, PropertyThatTheModuleRefuses_IsReported) {
     test::ScriptedFactory factory;
     factory.classes["Timer"] = {};
     Procedure procedure;
-    procedure.commands["c"] = {{5, 11}, {"Timer", {6, 9}}, {{{"refused", {7, 3}}, {"1", {}}}}};
+    Command& command = procedure.commands["c"];
+    command.position = {5, 11};
+    command.className = {"Timer", {6, 9}};
+    command.properties.push_back({{"refused", {7, 3}}, {"1", {}}});
     Diagnostics found;
     CheckCommands(procedure, factory, found);
     EXPECT_EQ(found.Print("f"),

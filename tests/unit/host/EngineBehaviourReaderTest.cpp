@@ -1,5 +1,6 @@
 #include "host/procedure/EngineReader.h"
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 namespace vant::host {
@@ -231,8 +232,7 @@ TEST(EngineBehaviourReader, WrongFailures_AreReported) {
 TEST(EngineBehaviourReader, ManyParametersThatFollowOneAnother_AreReadInTime) {
     std::string toml = "[parameters]\np0.value = 1\n";
     for (int i = 1; i < 30000; ++i)
-        toml += "p" + std::to_string(i) + " = { value = 1, behaviour = { follows = 'p" +
-                std::to_string(i - 1) + "' } }\n";
+        toml += fmt::format("p{} = {{ value = 1, behaviour = {{ follows = 'p{}' }} }}\n", i, i - 1);
     Diagnostics found;
     EXPECT_EQ(ReadEngine(toml, found).parameters.size(), 30000U);
     EXPECT_FALSE(found.HasErrors());

@@ -9,6 +9,7 @@
 #include <bit>
 #include <chrono>
 #include <cmath>
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 #include <memory>
 #include <thread>
@@ -489,10 +490,10 @@ TEST(EngineOfManyParameters, LevelsThatFollowTwoEach_AreReadInTime) {
     std::map<std::string, EngineParameter> parameters;
     parameters["a0"].value = parameters["b0"].value = 2.0;
     for (int level = 1; level <= 60; ++level) {
-        const std::string below = std::to_string(level - 1);
-        parameters["a" + std::to_string(level)] = Follower({"a" + below, "b" + below});
-        parameters["b" + std::to_string(level)] = Follower({"a" + below, "b" + below});
-        parameters["b" + std::to_string(level)].behaviour->lag = 1;
+        const std::vector<std::string> below = {fmt::format("a{}", level - 1), fmt::format("b{}", level - 1)};
+        parameters[fmt::format("a{}", level)] = Follower(below);
+        EngineParameter& lagging = parameters[fmt::format("b{}", level)] = Follower(below);
+        lagging.behaviour->lag = 1;
     }
     Engine engine(parameters, 0, [] { return 1000; });
     EXPECT_EQ(std::get<Reading>(engine.Read("a60")).value, Value(2.0));
