@@ -65,7 +65,7 @@ private:
         if (const std::size_t null = m_text.substr(0, 4).find('\0'); null != std::string_view::npos)
             throw Mistake{{}, "the file is not a text in UTF-8"};
         if (StartsWith("\xEF\xBB\xBF"))
-            m_at += 3; // a byte order mark
+            m_text.remove_prefix(3); // a byte order mark
     }
 
     void SkipComment() noexcept {
@@ -75,6 +75,9 @@ private:
 
     void SkipString(char quote) {
         const Position begin = m_position;
+        constexpr std::string_view mayPrecede = " \t\r\n=[{,.";
+        if (m_at > 0 && mayPrecede.find(m_text[m_at - 1]) == std::string_view::npos)
+            throw Mistake{begin, "a quote in the middle of a name or value"};
         const std::string three(3, quote);
         const bool manyLines = StartsWith(three);
         Advance(manyLines ? 3 : 1);
@@ -151,7 +154,7 @@ private:
                       "a character beyond ASCII outside quotes: write \" before and after the text"};
     }
 
-    const std::string_view m_text;
+    std::string_view m_text;
     std::size_t m_at = 0;
     Position m_position;
     std::vector<Bracket> m_open;

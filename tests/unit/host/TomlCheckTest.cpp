@@ -52,6 +52,13 @@ TEST(TomlText, CharactersBeyondAscii_OutsideStrings_AreRefused) {
     EXPECT_EQ(Messages("value = \u201Ctext\u201D\n"), "f:1:9: error: a typographic quote: write \" or '\n");
 }
 
+TEST(TomlText, QuoteInTheMiddleOfAValue_IsRefused) {
+    EXPECT_EQ(Messages("x=0'\u039E'"), "f:1:4: error: a quote in the middle of a name or value\n");
+    EXPECT_EQ(Messages("x = 'a'\"b\""), "f:1:8: error: a quote in the middle of a name or value\n");
+    EXPECT_EQ(Messages("\"a\".'b' = ['c','d']\n\"e\"='f'\n['g'.\"h\"]\n"), "");
+    EXPECT_EQ(Messages("\xEF\xBB\xBF\"name\" = 'n'"), "");
+}
+
 TEST(TomlText, InAnotherEncoding_IsRefused) {
     EXPECT_EQ(Messages(std::string_view("\xFF\xFEn\0=\0", 6)),
               "f:1:1: error: the file is UTF-16: save it as UTF-8\n");
