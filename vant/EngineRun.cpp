@@ -126,6 +126,7 @@ ExitCode RunEngine(const EngineRunOptions& options) {
 
     description->seed = options.seed.value_or(description->seed);
     std::vector<TimedWrite> writes;
+    writes.reserve(asked.size());
     for (const AskedWrite& each : asked)
         writes.push_back(each.write);
     if (options.csv) {

@@ -16,6 +16,7 @@ Value TextOrNull(const std::string& text) {
 
 std::string Describe(const std::vector<Condition>& conditions) {
     std::vector<std::string> texts;
+    texts.reserve(conditions.size());
     for (const Condition& condition : conditions)
         texts.push_back(Describe(condition));
     return fmt::format("{}", fmt::join(texts, "; "));
