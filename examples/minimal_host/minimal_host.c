@@ -210,7 +210,7 @@ static const CommandRow commands[] = {
 
 struct Object {
     const Slot* slots;
-    const GUID* interface_id; /* besides IUnknown; NULL if nobody asks */
+    const GUID* interface_id; /* besides IUnknown; NULL if there is none */
     atomic_long references;
 };
 

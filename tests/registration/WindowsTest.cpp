@@ -328,7 +328,7 @@ TEST_F(Registration, ForTheMachine_LeavesTheClassesRootAsItWasFound) {
     ASSERT_EQ(module.RegisterServer(), S_OK);
     HKEY key = nullptr;
     ASSERT_EQ(RegOpenKeyExW(HKEY_CLASSES_ROOT, nullptr, 0, KEY_READ, &key), ERROR_SUCCESS);
-    // Wine opens no key for a root that nobody has redirected.
+    // Wine opens no key for a root that is not redirected.
     EXPECT_EQ(key, HKEY_CLASSES_ROOT);
     RegCloseKey(key);
 }

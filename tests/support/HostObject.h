@@ -46,7 +46,7 @@ protected:
 
     HRESULT Enter(std::string_view operation, std::string_view arguments) {
         if (m_references == 0)
-            ADD_FAILURE() << operation << " was called on a host object that nobody holds";
+            ADD_FAILURE() << operation << " was called on a host object without references";
         return m_host.Enter(operation, arguments);
     }
     HRESULT Unexpected(const char* slot) {

@@ -39,7 +39,7 @@ public:
 
     /// A request for IThreadService returns E_NOINTERFACE.
     bool absent = false;
-    /// Asking for IThreadService succeeds and gives null.
+    /// Asking for IThreadService succeeds and returns null.
     bool givesNothing = false;
     /// Whether a registration starts a thread. Without, the callback waits for Run.
     bool startsThreads = true;

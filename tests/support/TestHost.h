@@ -27,8 +27,8 @@ struct HostParameter {
 
 /// A complete host in memory: the context, its nine services, the controller. It notes every call in order,
 /// can make any call fail or throw, and counts the references that are held on its objects. A call of a slot
-/// that no command uses, of an object that nobody holds, or one Release too many, is a failure of the running
-/// test.
+/// that no command uses, of an object without references, or one Release too many, is a failure of the
+/// running test.
 ///
 /// Calls are accepted on any thread; the public data may be touched only while no command runs. The host must
 /// outlive the commands that hold its services.

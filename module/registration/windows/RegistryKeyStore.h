@@ -20,13 +20,13 @@ public:
 
 /// Where the classes root of this process leads.
 enum class RootPlace {
-    Usual,    ///< To the machine's classes, with the user's covering them: nobody has redirected it.
+    Usual,    ///< To the machine's classes, with the user's covering them; not redirected.
     User,     ///< To a key in the user's part of the registry: per-user registration is in force.
     Elsewhere ///< To any other key.
 };
 RootPlace PlaceOfTheClassesRoot();
 
-/// While it lives, a classes root that nobody has redirected leads to the machine's classes alone. Otherwise,
+/// While it lives, a classes root that is not redirected leads to the machine's classes alone. Otherwise,
 /// what is written to a key that the user's classes have, too, would go there.
 class MachineClassesRoot {
 public:
