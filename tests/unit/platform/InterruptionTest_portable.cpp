@@ -10,6 +10,11 @@
 namespace vant {
 namespace {
 
+/// As a terminal or another program asks: the signal goes to the process, not to a thread.
+void Send(int signal) {
+    kill(getpid(), signal);
+}
+
 class RequestToEnd : public ::testing::TestWithParam<int> {};
 
 TEST_P(RequestToEnd, First_CallsTheHandlerOnAnotherThread) {
@@ -17,7 +22,7 @@ TEST_P(RequestToEnd, First_CallsTheHandlerOnAnotherThread) {
         {
             static const auto here = std::this_thread::get_id();
             OnFirstInterrupt([] { std::_Exit(std::this_thread::get_id() == here ? 8 : 7); });
-            std::raise(GetParam());
+            Send(GetParam());
             for (;;)
                 pause();
         },
@@ -29,9 +34,11 @@ TEST_P(RequestToEnd, SecondOneLater_EndsTheProgram) {
     EXPECT_EXIT(
         {
             OnFirstInterrupt([] {});
-            std::raise(SIGINT);
+            Send(SIGINT);
             std::this_thread::sleep_for(std::chrono::milliseconds(600));
-            std::raise(GetParam());
+            Send(GetParam());
+            for (;;)
+                pause();
         },
         ::testing::KilledBySignal(GetParam()), "");
 }
@@ -46,9 +53,9 @@ TEST(PortableInterruption, SecondOneAtOnce_CountsAsTheFirst) {
                 if (++calls > 1)
                     std::_Exit(8);
             });
-            std::raise(SIGINT);
-            std::raise(SIGINT);
-            std::raise(SIGTERM);
+            Send(SIGINT);
+            Send(SIGINT);
+            Send(SIGTERM);
             std::this_thread::sleep_for(std::chrono::milliseconds(100));
             std::_Exit(7);
         },
@@ -60,7 +67,7 @@ TEST(PortableInterruption, HangUpThatIsIgnored_StaysIgnored) {
         {
             std::signal(SIGHUP, SIG_IGN);
             OnFirstInterrupt([] { std::_Exit(8); });
-            std::raise(SIGHUP);
+            Send(SIGHUP);
             std::this_thread::sleep_for(std::chrono::milliseconds(100));
             std::_Exit(7);
         },
