@@ -20,6 +20,8 @@ std::wstring ProgIdOf(std::wstring_view className) {
 } // namespace
 
 RegisteredClasses::RegisteredClasses() {
+    // Otherwise a registration that cannot be read would look like a class that is not registered.
+    ListRegisteredClasses();
     if (FAILED(CoInitializeEx(nullptr, COINIT_MULTITHREADED)))
         throw std::runtime_error("the system's components cannot be used");
 }

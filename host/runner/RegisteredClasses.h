@@ -11,7 +11,8 @@ namespace vant::host {
 /// class is registered with, and keeps it until this object is destroyed.
 class RegisteredClasses final : public CommandFactory {
 public:
-    /// Throws std::runtime_error if components cannot be used on this thread.
+    /// Throws std::runtime_error if components cannot be used on this thread, or the registrations cannot be
+    /// read.
     RegisteredClasses();
     ~RegisteredClasses() override;
     RegisteredClasses(const RegisteredClasses&) = delete;

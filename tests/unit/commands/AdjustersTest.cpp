@@ -5,6 +5,7 @@
 #include "commands/ThrottleAdjuster.h"
 #include "tests/support/Commands.h"
 #include "tests/support/EngineHost.h"
+#include "tests/unit/commands/EngineAtTarget.h"
 
 #include <chrono>
 #include <string>
@@ -20,16 +21,7 @@ template <class Class>
 class Adjustment {
 public:
     explicit Adjustment(Properties properties) {
-        for (const auto& [id, value] : {std::pair(L"101000", 1500),
-                                        {L"13191", 0},
-                                        {L"13192", 100},
-                                        {L"13190", 0},
-                                        {L"110142", 0},
-                                        {L"199236", 8},
-                                        {L"110143", 10},
-                                        {L"110145", 42},
-                                        {L"14531", 40}})
-            host.parameters[id].value = CComVariant(LONG{value});
+        SetEngineAtTarget(host);
         host.Threads().startsThreads = false;
         command = CreateCommand<Class>(host, properties);
     }

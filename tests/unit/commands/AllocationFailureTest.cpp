@@ -12,6 +12,7 @@
 #include "tests/support/Commands.h"
 #include "tests/support/EngineHost.h"
 #include "tests/support/VirtualTime.h"
+#include "tests/unit/commands/EngineAtTarget.h"
 
 #include <algorithm>
 #include <string>
@@ -150,16 +151,7 @@ protected:
     }
 
     void SetEngine() {
-        for (const auto& [id, value] : {std::pair(L"101000", 1500),
-                                        {L"13191", 0},
-                                        {L"13192", 100},
-                                        {L"13190", 0},
-                                        {L"110142", 0},
-                                        {L"199236", 8},
-                                        {L"110143", 10},
-                                        {L"110145", 42},
-                                        {L"14531", 40}})
-            host.parameters[id].value = CComVariant(LONG{value});
+        SetEngineAtTarget(host);
         engine.sessionValues[101000] = CComVariant(LONG{1500});
     }
     /// Lets memory end ever later, until the adjustment needs no more. Before, it must choose "bad".
