@@ -39,26 +39,36 @@ const char* NameOf(Comparison comparison) {
 }
 
 std::string Describe(const Condition& condition) {
+    const std::string limit =
+        condition.otherEntry.empty() ? ToJson(condition.value).dump() : "data " + condition.otherEntry;
     return fmt::format("{} {} {} {}", condition.kind == Condition::Kind::Parameter ? "parameter" : "data",
-                       condition.subject, NameOf(condition.comparison), ToJson(condition.value).dump());
+                       condition.subject, NameOf(condition.comparison), limit);
 }
 
-bool Holds(const Condition& condition, const Value& actual) {
+std::string Describe(const Conditions& conditions) {
+    std::vector<std::string> texts;
+    texts.reserve(conditions.list.size());
+    for (const Condition& condition : conditions.list)
+        texts.push_back(Describe(condition));
+    return fmt::format("{}{}", conditions.any ? "any of: " : "", fmt::join(texts, "; "));
+}
+
+bool Holds(Comparison comparison, const Value& actual, const Value& limit) {
     const double number = NumberOrNan(actual);
-    const double limit = NumberOrNan(condition.value);
-    switch (condition.comparison) {
+    const double bound = NumberOrNan(limit);
+    switch (comparison) {
     case Comparison::Is:
-        return IsSame(actual, condition.value);
+        return IsSame(actual, limit);
     case Comparison::IsNot:
-        return !IsSame(actual, condition.value);
+        return !IsSame(actual, limit);
     case Comparison::Below:
-        return number < limit;
+        return number < bound;
     case Comparison::Above:
-        return number > limit;
+        return number > bound;
     case Comparison::AtLeast:
-        return number >= limit;
+        return number >= bound;
     default:
-        return number <= limit;
+        return number <= bound;
     }
 }
 

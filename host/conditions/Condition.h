@@ -3,6 +3,7 @@
 #include "host/record/Value.h"
 #include "host/text/Diagnostic.h"
 
+#include <array>
 #include <map>
 #include <string>
 #include <vector>
@@ -11,7 +12,7 @@ namespace vant::host {
 
 enum class Comparison { Is, IsNot, Below, Above, AtLeast, AtMost };
 
-/// Compares a parameter of the engine, or a data-store entry, with a value. Texts are UTF-8.
+/// Compares a parameter of the engine, or a data-store entry, with a value or another entry. Texts are UTF-8.
 struct Condition {
     enum class Kind { Parameter, Data };
 
@@ -20,21 +21,43 @@ struct Condition {
     Position position;   ///< Of the subject in the procedure file.
     Comparison comparison = Comparison::Is;
     Value value; ///< Its type determines whether texts, numbers or truth values are compared.
-    std::string
-        message; ///< The data-store entry with the message for the case that the condition does not hold.
-    Position messagePosition;
+    /// The data-store entry with which the subject is compared, in place of `value`; empty: none. `value` is
+    /// then a number or a text, whichever is compared.
+    std::string otherEntry{};
+    Position otherPosition{};
+    /// The data-store entry with the message for the case that the condition does not hold.
+    std::string message{};
+    Position messagePosition{};
+    bool hasOwnMessage = true; ///< Otherwise `message` is made up, and its text is the description.
+};
+
+/// Conditions that are evaluated together.
+struct Conditions {
+    Position position{}; ///< Of the set's name.
+    bool any = false;    ///< Whether one condition that holds is enough.
+    std::vector<Condition> list{};
 };
 
 /// The condition sets of a procedure, by the data-store entries that hold them.
-using ConditionSets = std::map<std::string, std::vector<Condition>>;
+using ConditionSets = std::map<std::string, Conditions>;
+
+/// All comparisons, in the order in which messages list them.
+inline constexpr std::array comparisons = {Comparison::Is,    Comparison::IsNot,   Comparison::Below,
+                                           Comparison::Above, Comparison::AtLeast, Comparison::AtMost};
 
 /// The key of a comparison in a procedure file.
 const char* NameOf(Comparison comparison);
+/// Whether a comparison is one of numbers alone.
+constexpr bool IsOrder(Comparison comparison) noexcept {
+    return comparison != Comparison::Is && comparison != Comparison::IsNot;
+}
 
 /// A condition as reports show it, such as "parameter 101000 atLeast 600".
 std::string Describe(const Condition& condition);
+/// A set as reports show it: its conditions, separated by "; ", or "any of: " and its conditions.
+std::string Describe(const Conditions& conditions);
 
-/// Whether the actual value, which has the type of the condition's value, satisfies the condition.
-bool Holds(const Condition& condition, const Value& actual);
+/// Whether a value compares with a limit of the same type as the comparison says.
+bool Holds(Comparison comparison, const Value& actual, const Value& limit);
 
 } // namespace vant::host

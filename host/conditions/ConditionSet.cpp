@@ -11,6 +11,8 @@ namespace {
 
 /// The type in which the values of a condition are compared.
 VARTYPE ComparedType(const Condition& condition) {
+    if (!condition.otherEntry.empty())
+        return IsOrder(condition.comparison) ? VT_R8 : VT_BSTR;
     if (std::holds_alternative<std::string>(condition.value))
         return VT_BSTR;
     return std::holds_alternative<bool>(condition.value) ? VT_BOOL : VT_R8;
@@ -24,26 +26,42 @@ HRESULT ConditionSet::Evaluate(VARIANT_BOOL* allMet) {
         if (!allMet)
             return E_POINTER;
         *allMet = VARIANT_FALSE;
-        for (const Condition& condition : m_conditions) {
-            CComVariant actual;
-            const HRESULT code = Read(condition, actual);
-            if (SUCCEEDED(code) && Holds(condition, ToValue(actual.Get())))
+        const Condition* failed = nullptr;
+        Outcome outcome;
+        for (const Condition& condition : m_conditions.list) {
+            Outcome each = Check(condition);
+            if (each.holds && !m_conditions.any)
                 continue;
-            {
-                const std::lock_guard lock(m_access);
-                m_failed = &condition;
+            if (each.holds) {
+                failed = nullptr;
+                break;
             }
-            record.Add(argument::failed, Describe(condition));
-            if (FAILED(code))
-                return code;
-            record.Add(argument::value, ToValue(actual.Get()));
-            record.Add(argument::allMet, false);
-            return S_OK;
+            if (!failed) {
+                failed = &condition;
+                outcome = std::move(each);
+            }
+            if (!m_conditions.any)
+                break;
         }
+        if (failed)
+            return RecordFailure(record, *failed, outcome);
         *allMet = VARIANT_TRUE;
         record.Add(argument::allMet, true);
         return S_OK;
     });
+}
+
+HRESULT ConditionSet::RecordFailure(Record& record, const Condition& failed, const Outcome& outcome) {
+    {
+        const std::lock_guard lock(m_access);
+        m_failed = &failed;
+    }
+    record.Add(argument::failed, m_conditions.any ? Describe(m_conditions) : Describe(failed));
+    if (FAILED(outcome.code))
+        return outcome.code;
+    record.Add(argument::value, outcome.actual);
+    record.Add(argument::allMet, false);
+    return S_OK;
 }
 
 HRESULT ConditionSet::GetFailureKey(BSTR* key) {
@@ -64,23 +82,41 @@ HRESULT ConditionSet::GetFailureKey(BSTR* key) {
     });
 }
 
+ConditionSet::Outcome ConditionSet::Check(const Condition& condition) const {
+    Outcome outcome;
+    CComVariant actual;
+    CComVariant other;
+    outcome.code = Read(condition, actual);
+    if (SUCCEEDED(outcome.code) && !condition.otherEntry.empty())
+        outcome.code = ReadEntry(condition.otherEntry, ComparedType(condition), other);
+    if (FAILED(outcome.code))
+        return outcome;
+    outcome.actual = ToValue(actual.Get());
+    outcome.holds = Holds(condition.comparison, outcome.actual,
+                          condition.otherEntry.empty() ? condition.value : ToValue(other.Get()));
+    return outcome;
+}
+
 /// Reads the subject of a condition, and converts it to the type in which it is compared.
 HRESULT ConditionSet::Read(const Condition& condition, CComVariant& value) const {
     const VARTYPE type = ComparedType(condition);
-    HRESULT code = S_OK;
-    if (condition.kind == Condition::Kind::Data) {
-        code = m_data.Read(ToWide(condition.subject), value);
-    } else if (!m_engine) {
+    if (condition.kind == Condition::Kind::Data)
+        return ReadEntry(condition.subject, type, value);
+    if (!m_engine)
         return HRESULT_FROM_WIN32(ERROR_NOT_FOUND);
-    } else if (type == VT_BSTR) {
+    if (type == VT_BSTR) {
         // The text that screens show.
         CComBSTR text;
-        code = ReadText(*m_engine, condition.subject, text);
+        const HRESULT code = ReadText(*m_engine, condition.subject, text);
         value = CComVariant(std::move(text));
         return code;
-    } else {
-        code = ReadValue(*m_engine, condition.subject, value);
     }
+    const HRESULT code = ReadValue(*m_engine, condition.subject, value);
+    return FAILED(code) ? code : value.ChangeType(type, lcidEnglishUS);
+}
+
+HRESULT ConditionSet::ReadEntry(const std::string& name, VARTYPE type, CComVariant& value) const {
+    const HRESULT code = m_data.Read(ToWide(name), value);
     return FAILED(code) ? code : value.ChangeType(type, lcidEnglishUS);
 }
 

@@ -18,14 +18,15 @@ namespace vant::host {
 class ConditionSet final : public HostObject<IConditionSet> {
 public:
     /// `name` is the data-store entry. `engine` may be null; it and the data must outlive the set.
-    ConditionSet(CallGate& gate, std::string name, std::vector<Condition> conditions, const Engine* engine,
+    ConditionSet(CallGate& gate, std::string name, Conditions conditions, const Engine* engine,
                  const NamedValues& data)
         : HostObject(gate, service::ConditionSet), m_entry(std::move(name)),
           m_conditions(std::move(conditions)), m_engine(engine), m_data(data) {}
 
-    /// Checks the conditions in order up to the first one that does not hold, and remembers that one. If its
-    /// subject cannot be read, or cannot be converted to the type that is compared, the condition does not
-    /// hold either, and the result is the code of that failure. E_POINTER for a null `allMet`.
+    /// Checks the conditions in order up to the first one that does not hold, and remembers that one; if one
+    /// is enough, up to the first one that holds, and remembers the first if none does. A condition whose
+    /// subject cannot be read, or cannot be converted to the type that is compared, does not hold; if it is
+    /// the one that is remembered, the result is the code of that failure. E_POINTER for a null `allMet`.
     HRESULT STDMETHODCALLTYPE Evaluate(VARIANT_BOOL* allMet) override;
     /// Returns the message entry of the condition that was remembered last.
     /// HRESULT_FROM_WIN32(ERROR_NOT_FOUND), null out, if no condition has failed yet; E_POINTER for a null
@@ -38,10 +39,19 @@ protected:
     }
 
 private:
+    struct Outcome {
+        bool holds = false;
+        HRESULT code = S_OK;
+        Value actual{};
+    };
+
+    Outcome Check(const Condition& condition) const;
+    HRESULT RecordFailure(Record& record, const Condition& failed, const Outcome& outcome);
     HRESULT Read(const Condition& condition, CComVariant& value) const;
+    HRESULT ReadEntry(const std::string& name, VARTYPE type, CComVariant& value) const;
 
     const std::string m_entry;
-    const std::vector<Condition> m_conditions;
+    const Conditions m_conditions;
     const Engine* const m_engine;
     const NamedValues& m_data;
     std::mutex m_access;

@@ -2,47 +2,51 @@
 
 #include "host/procedure/TableReader.h"
 
-#include <array>
 #include <cmath>
 
 namespace vant::host {
 
 namespace {
 
-constexpr std::array comparisons = {Comparison::Is,    Comparison::IsNot,   Comparison::Below,
-                                    Comparison::Above, Comparison::AtLeast, Comparison::AtMost};
-
-bool IsOrder(Comparison comparison) {
-    return comparison != Comparison::Is && comparison != Comparison::IsNot;
-}
-
 class ConditionReader : private TableReader {
 public:
     explicit ConditionReader(Diagnostics& found) : TableReader(found) {}
 
-    std::vector<Condition> Read(const toml::key& name, const toml::node& node) {
+    Conditions Read(const toml::key& name, const toml::node& node) {
+        Conditions conditions{.position = PositionOf(name)};
         const toml::table* const table = AsTable(node, "condition set " + Quoted(name.str()));
         if (!table)
-            return {};
-        CheckKeys(*table, "a condition set", {"all"});
-        const toml::node* const all = table->get("all");
-        const toml::array* const list = all ? all->as_array() : nullptr;
-        if (!all)
-            m_found.Error(PositionOf(name), "'all' is missing");
-        else if (!list)
-            m_found.Error(PositionOf(*all),
-                          std::string("'all' must be a list of conditions, not ") + KindOf(*all));
-        else if (list->empty())
-            m_found.Error(PositionOf(*all), "'all' is empty: a condition set needs a condition");
-        std::vector<Condition> conditions;
-        if (list) {
-            for (const toml::node& each : *list)
-                ReadCondition(each, conditions.emplace_back());
-        }
+            return conditions;
+        CheckKeys(*table, "a condition set", {"all", "any"});
+        if (table->contains("all") && table->contains("any"))
+            m_found.Error(PositionOf(table->find("any")->first),
+                          "a condition set has 'all' or 'any', not both");
+        const char* const key = table->contains("all") ? "all" : "any";
+        const toml::node* const list = table->get(key);
+        conditions.any = !table->contains("all");
+        if (!list)
+            m_found.Error(PositionOf(name), "'all' or 'any' is missing");
+        else
+            ReadList(key, *list, std::string(name.str()), conditions.list);
         return conditions;
     }
 
 private:
+    void ReadList(const char* key, const toml::node& node, const std::string& set,
+                  std::vector<Condition>& conditions) {
+        const toml::array* const list = AsList(node, Quoted(key) + " must be a list of conditions");
+        if (!list)
+            return;
+        if (list->empty())
+            m_found.Error(PositionOf(node), Quoted(key) + " is empty: a condition set needs a condition");
+        for (const toml::node& each : *list) {
+            Condition& condition = conditions.emplace_back();
+            ReadCondition(each, condition);
+            if (!condition.hasOwnMessage)
+                condition.message = set + ": " + Describe(condition);
+        }
+    }
+
     void ReadCondition(const toml::node& node, Condition& condition) {
         const toml::table* const table = AsTable(node, "a condition");
         if (!table)
@@ -52,7 +56,8 @@ private:
         const Position position = PositionOf(node);
         ReadSubject(*table, position, condition);
         ReadComparison(*table, position, condition);
-        if (auto message = RequiredName(*table, "message", position)) {
+        condition.hasOwnMessage = table->contains("message");
+        if (auto message = OptionalName(*table, "message")) {
             condition.message = std::move(message->text);
             condition.messagePosition = message->position;
         }
@@ -91,6 +96,14 @@ private:
 
     void ReadValue(const toml::node& node, Condition& condition) {
         const std::string name = Quoted(NameOf(condition.comparison));
+        if (const toml::table* const other = node.as_table()) {
+            CheckKeys(*other, "the other side of a comparison", {"data"});
+            if (auto entry = RequiredName(*other, "data", PositionOf(node))) {
+                condition.otherEntry = std::move(entry->text);
+                condition.otherPosition = entry->position;
+            }
+            return;
+        }
         if (IsOrder(condition.comparison) && !node.is_number())
             m_found.Error(PositionOf(node), name + " must be a number, not " + KindOf(node));
         else if (node.is_number() && !std::isfinite(node.value<double>().value_or(0)))
@@ -103,15 +116,16 @@ private:
 
 } // namespace
 
-std::vector<Condition> ReadConditionSet(const toml::key& name, const toml::node& node, Diagnostics& found) {
+Conditions ReadConditionSet(const toml::key& name, const toml::node& node, Diagnostics& found) {
     return ConditionReader(found).Read(name, node);
 }
 
 void CheckConditionNames(const Procedure& procedure, Diagnostics& found) {
     for (const auto& [name, conditions] : procedure.conditions) {
-        for (const Condition& condition : conditions) {
-            // A message that is missing or empty has been reported already.
-            if (!condition.message.empty() && !procedure.data.contains(condition.message))
+        for (const Condition& condition : conditions.list) {
+            // An empty message has been reported already.
+            if (condition.hasOwnMessage && !condition.message.empty() &&
+                !procedure.data.contains(condition.message))
                 found.Warning(condition.messagePosition,
                               "there is no data entry " + Quoted(condition.message) + " at the beginning" +
                                   found.Suggest(condition.message, procedure.data));
@@ -123,7 +137,7 @@ void CheckConditionParameters(const Procedure& procedure, Diagnostics& found) {
     if (procedure.engineFile && !procedure.engine)
         return; // It could not be read, which has been reported.
     for (const auto& [name, conditions] : procedure.conditions) {
-        for (const Condition& condition : conditions) {
+        for (const Condition& condition : conditions.list) {
             const std::string& id = condition.subject;
             if (condition.kind != Condition::Kind::Parameter || id.empty())
                 continue;

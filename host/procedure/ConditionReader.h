@@ -9,7 +9,7 @@
 namespace vant::host {
 
 /// Reads the conditions of the set `name` from its table. Every mistake goes into `found`.
-std::vector<Condition> ReadConditionSet(const toml::key& name, const toml::node& node, Diagnostics& found);
+Conditions ReadConditionSet(const toml::key& name, const toml::node& node, Diagnostics& found);
 
 /// A warning for each message of a condition that is not an entry of the data: a command must make it first.
 void CheckConditionNames(const Procedure& procedure, Diagnostics& found);

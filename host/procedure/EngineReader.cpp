@@ -102,16 +102,6 @@ private:
         m_behaviours.ReadBehaviour(id, *table, parameter);
     }
 
-    bool OptionalTruth(const toml::table& table, std::string_view key) {
-        const toml::node* const node = table.get(key);
-        if (!node)
-            return false;
-        if (const auto truth = node->value_exact<bool>())
-            return *truth;
-        m_found.Error(PositionOf(*node), Quoted(key) + " must be true or false, not " + KindOf(*node));
-        return false;
-    }
-
     std::optional<double> OptionalLimit(const toml::table& table, std::string_view key, const Value& value) {
         const toml::node* const node = table.get(key);
         if (!node)

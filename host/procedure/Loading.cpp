@@ -9,7 +9,11 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <map>
+#include <memory>
+#include <system_error>
 #include <utility>
+#include <vector>
 
 namespace vant::host {
 
@@ -26,22 +30,104 @@ std::string ReadNamed(const std::string& file) {
 /// An engine from a file that the user has named.
 EngineDescription ReadEngineFile(const std::string& name, LoadedFiles& files) {
     const std::string text = ReadNamed(name);
-    return ReadEngine(text, files.Add(name).found);
+    return ReadEngine(text, files.Add(name, "the engine").found);
 }
 
-/// An engine from the file that the procedure in the main file names. If that cannot be read, it is a mistake
-/// of the procedure.
-std::optional<EngineDescription> ReadEngineOf(const Procedure& procedure, LoadedFiles& files) {
-    const auto& [name, position] = *procedure.engineFile;
-    const std::filesystem::path path = PathFromUtf8(files.Main().name).parent_path() / PathFromUtf8(name);
+/// A file that a procedure names, relative to its folder.
+std::filesystem::path Beside(const LoadedFile& procedure, const std::string& name) {
+    return PathFromUtf8(procedure.name).parent_path() / PathFromUtf8(name);
+}
+
+/// The text of a file that a procedure names; nothing, and a mistake in the procedure, if it cannot be read.
+std::optional<std::string> ReadBeside(LoadedFile& procedure, const Located& name, const char* what) {
     try {
-        const std::string text = ReadFile(path);
-        return ReadEngine(text, files.Add(FileName(path)).found);
+        return ReadFile(Beside(procedure, name.text));
     } catch (const InputError& failure) {
-        files.Main().found.Error(position, "cannot read the engine '" + name + "': " + failure.what());
+        procedure.found.Error(name.position,
+                              std::string("cannot read ") + what + " '" + name.text + "': " + failure.what());
         return std::nullopt;
     }
 }
+
+std::optional<EngineDescription> ReadEngineOf(const Procedure& procedure, LoadedFile& file,
+                                              LoadedFiles& files) {
+    const auto text = ReadBeside(file, *procedure.engineFile, "the engine");
+    if (!text)
+        return std::nullopt;
+    const std::string name = FileName(Beside(file, procedure.engineFile->text));
+    return ReadEngine(*text, files.Add(name, "the engine").found);
+}
+
+/// The files that a procedure names in `include`, as far as they can be read. Their mistakes become the
+/// procedure's.
+std::vector<toml::table> ReadIncluded(const toml::table& root, LoadedFile& file, LoadedFiles& files) {
+    std::vector<toml::table> tables;
+    for (const Located& name : ReadIncludes(root, file.found)) {
+        const auto text = ReadBeside(file, name, "the included file");
+        if (!text)
+            continue;
+        const auto path = std::make_shared<const std::string>(FileName(Beside(file, name.text)));
+        files.Add(*path, "an included file");
+        if (auto table = ParseToml(*text, file.found, path))
+            tables.push_back(std::move(*table));
+    }
+    return tables;
+}
+
+/// Reads a procedure and those that it runs, each file once.
+class ProcedureLoader {
+public:
+    explicit ProcedureLoader(LoadedFiles& files) : m_files(files) {}
+
+    Procedure Load(const std::string& text, LoadedFile& file) {
+        const std::optional<toml::table> root = ParseToml(text, file.found);
+        if (!root)
+            return {};
+        Procedure procedure = ReadProcedure(*root, ReadIncluded(*root, file, m_files), file.found);
+        CheckProperties(procedure, file.found);
+        m_open.push_back(Identity(PathFromUtf8(file.name)));
+        for (auto& [id, step] : procedure.steps) {
+            if (step.procedure)
+                step.procedure->procedure = LoadCalled(step.procedure->file, file);
+        }
+        m_open.pop_back();
+        return procedure;
+    }
+
+private:
+    static std::filesystem::path Identity(const std::filesystem::path& path) {
+        std::error_code unknown;
+        std::filesystem::path identity = std::filesystem::weakly_canonical(path, unknown);
+        return unknown ? path : identity;
+    }
+
+    std::shared_ptr<const Procedure> LoadCalled(const Located& name, LoadedFile& caller) {
+        const std::filesystem::path path = Beside(caller, name.text);
+        const std::filesystem::path identity = Identity(path);
+        if (std::find(m_open.begin(), m_open.end(), identity) != m_open.end()) {
+            caller.found.Error(name.position, "the procedure '" + name.text + "' would run itself");
+            return nullptr;
+        }
+        if (m_open.size() == deepestProcedure) {
+            caller.found.Error(name.position, "procedures that run one another are at most " +
+                                                  std::to_string(deepestProcedure) + " deep");
+            return nullptr;
+        }
+        auto& loaded = m_loaded[identity];
+        if (loaded)
+            return loaded;
+        const auto text = ReadBeside(caller, name, "the procedure");
+        if (!text)
+            return nullptr;
+        return loaded = std::make_shared<const Procedure>(
+                   Load(*text, m_files.Add(FileName(path), "a procedure that it runs")));
+    }
+
+    LoadedFiles& m_files;
+    std::vector<std::filesystem::path>
+        m_open; ///< The procedures that are being read, from the outermost one.
+    std::map<std::filesystem::path, std::shared_ptr<const Procedure>> m_loaded;
+};
 
 /// Procedures have keys that engines do not have.
 bool IsProcedure(const toml::table& root) {
@@ -66,14 +152,14 @@ LoadedProcedure LoadProcedure(const std::string& file, const std::string& engine
     LoadedProcedure loaded;
     auto& [procedure, files] = loaded;
     const std::string text = ReadNamed(file);
-    LoadedFile& main = files.Add(file);
-    procedure = ReadProcedure(text, main.found);
-    CheckProperties(procedure, main.found);
+    LoadedFile& main = files.Add(file, "the procedure");
+    procedure = ProcedureLoader(files).Load(text, main);
+    const LoadedFile& last = files.All().back();
     if (!engineFile.empty())
         procedure.engine = ReadEngineFile(engineFile, files);
     else if (procedure.engineFile)
-        procedure.engine = ReadEngineOf(procedure, files);
-    const bool engineIsWhole = &files.All().back() == &main || !files.All().back().found.HasErrors();
+        procedure.engine = ReadEngineOf(procedure, main, files);
+    const bool engineIsWhole = &files.All().back() == &last || !files.All().back().found.HasErrors();
     if (engineIsWhole)
         CheckConditionParameters(procedure, main.found);
     return loaded;
@@ -83,17 +169,17 @@ LoadedEngine LoadEngine(const std::string& file) {
     LoadedEngine loaded;
     auto& [engine, files] = loaded;
     const std::string text = ReadNamed(file);
-    Diagnostics& found = files.Add(file).found;
-    const std::optional<toml::table> root = ParseToml(text, found);
+    LoadedFile& main = files.Add(file, "the engine");
+    const std::optional<toml::table> root = ParseToml(text, main.found);
     if (!root)
         return loaded;
     if (!IsProcedure(*root)) {
-        engine = ReadEngine(*root, found);
+        engine = ReadEngine(*root, main.found);
         return loaded;
     }
-    Procedure procedure = ReadProcedure(*root, found);
+    Procedure procedure = ProcedureLoader(files).Load(text, main);
     if (procedure.engineFile)
-        engine = ReadEngineOf(procedure, files);
+        engine = ReadEngineOf(procedure, main, files);
     else
         engine = std::move(procedure.engine);
     return loaded;

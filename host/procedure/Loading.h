@@ -13,6 +13,7 @@ namespace vant::host {
 /// A file that was read, and the messages about it.
 struct LoadedFile {
     std::string name; ///< In UTF-8, as messages begin with it.
+    const char* what; ///< For messages, such as "the procedure".
     Diagnostics found;
 };
 
@@ -21,7 +22,9 @@ class LoadedFiles {
 public:
     /// The first file that was named, a procedure or an engine.
     LoadedFile& Main() noexcept { return m_files.front(); }
-    LoadedFile& Add(std::string name) { return m_files.emplace_back(LoadedFile{std::move(name), {}}); }
+    LoadedFile& Add(std::string name, const char* what) {
+        return m_files.emplace_back(LoadedFile{std::move(name), what, {}});
+    }
     const std::list<LoadedFile>& All() const noexcept { return m_files; }
 
     bool HasErrors() const;
@@ -35,11 +38,15 @@ private:
 struct LoadedProcedure {
     /// Whole only if the files have no errors; with the engine that it is to run on.
     Procedure procedure;
-    LoadedFiles files; ///< The procedure's file, then the engine's if that has one of its own.
+    LoadedFiles files; ///< The procedure's file first.
 };
 
-/// Reads a procedure and the engine that it runs on: the one in `engineFile` unless that is empty, else the
-/// procedure's own or the one in the file that the procedure names. All mistakes of all files are found.
+/// Procedures that run one another are at most so deep.
+inline constexpr std::size_t deepestProcedure = 8;
+
+/// Reads a procedure with the files that it includes, the procedures that it runs, and the engine that it
+/// runs on: the one in `engineFile` unless that is empty, else the procedure's own or the one in the file
+/// that it names. The procedures that it runs work on the same engine. All mistakes of all files are found.
 /// Throws InputError, with the file's name, if the procedure or `engineFile` cannot be read. File names in
 /// UTF-8.
 LoadedProcedure LoadProcedure(const std::string& file, const std::string& engineFile);

@@ -1,14 +1,24 @@
 #include "host/procedure/ProcedureNames.h"
 
+#include "host/record/Vocabulary.h"
 #include "host/text/Printable.h"
 
+#include <algorithm>
+#include <iterator>
 #include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace vant::host {
 
 namespace {
+
+bool IsOperation(std::string_view name) {
+    return std::any_of(std::begin(recordKinds), std::end(recordKinds), [name](const RecordKind& kind) {
+        return kind.service != service::Runner && kind.operation == name;
+    });
+}
 
 /// The steps that a step leads to by its own keys.
 std::vector<const Located*> TargetsOf(const Step& step) {
@@ -17,6 +27,10 @@ std::vector<const Located*> TargetsOf(const Step& step) {
         targets.push_back(&*step.next);
     if (step.failed)
         targets.push_back(&*step.failed);
+    if (step.timedOut)
+        targets.push_back(&*step.timedOut);
+    if (step.always)
+        targets.push_back(&*step.always);
     for (const auto& [id, target] : step.on)
         targets.push_back(&target);
     return targets;
@@ -45,26 +59,49 @@ void WarnOfUnreachableSteps(const Procedure& procedure, Diagnostics& found) {
     }
 }
 
+class NameCheck {
+public:
+    NameCheck(const Procedure& procedure, Diagnostics& found) : m_procedure(procedure), m_found(found) {}
+
+    void Check() {
+        // A start that is missing or empty has been reported already.
+        if (!m_procedure.start.text.empty())
+            CheckName("step", m_procedure.start, m_procedure.steps);
+        for (const Located& command : m_procedure.finally)
+            CheckName("command", command, m_procedure.commands);
+        for (const auto& [id, step] : m_procedure.steps)
+            CheckStep(step);
+    }
+
+private:
+    template <class Map>
+    void CheckName(const char* what, const Located& name, const Map& known) {
+        if (!known.contains(name.text))
+            m_found.Error(name.position, std::string("there is no ") + what + ' ' + Quoted(name.text) +
+                                             m_found.Suggest(name.text, known));
+    }
+
+    void CheckStep(const Step& step) {
+        for (const Located* const target : TargetsOf(step))
+            CheckName("step", *target, m_procedure.steps);
+        for (const Located& command : step.run)
+            CheckName("command", command, m_procedure.commands);
+        if (step.until)
+            CheckName("condition set", *step.until, m_procedure.conditions);
+        for (const Located& each : step.mayFail) {
+            if (!IsOperation(each.text))
+                CheckName("operation or command", each, m_procedure.commands);
+        }
+    }
+
+    const Procedure& m_procedure;
+    Diagnostics& m_found;
+};
+
 } // namespace
 
 void CheckNames(const Procedure& procedure, Diagnostics& found) {
-    const auto checkStep = [&](const Located& name) {
-        if (!procedure.steps.contains(name.text))
-            found.Error(name.position,
-                        "there is no step " + Quoted(name.text) + found.Suggest(name.text, procedure.steps));
-    };
-    // A start that is missing or empty has been reported already.
-    if (!procedure.start.text.empty())
-        checkStep(procedure.start);
-    for (const auto& [id, step] : procedure.steps) {
-        for (const Located* const target : TargetsOf(step))
-            checkStep(*target);
-        for (const Located& command : step.run) {
-            if (!procedure.commands.contains(command.text))
-                found.Error(command.position, "there is no command " + Quoted(command.text) +
-                                                  found.Suggest(command.text, procedure.commands));
-        }
-    }
+    NameCheck(procedure, found).Check();
     if (!found.HasErrors())
         WarnOfUnreachableSteps(procedure, found);
 }

@@ -2,11 +2,14 @@
 
 #include "host/procedure/ConditionReader.h"
 #include "host/procedure/EngineReader.h"
+#include "host/procedure/MeasurementReader.h"
 #include "host/procedure/ProcedureNames.h"
+#include "host/procedure/StepReader.h"
 #include "host/procedure/TableReader.h"
-#include "host/text/Suggestion.h"
 
+#include <map>
 #include <set>
+#include <string>
 #include <utility>
 
 namespace vant::host {
@@ -18,33 +21,90 @@ class ProcedureReader : private TableReader {
 public:
     explicit ProcedureReader(Diagnostics& found) : TableReader(found) {}
 
-    Procedure Read(const toml::table& root) {
+    Procedure Read(const toml::table& root, std::span<const toml::table> shared) {
         CheckKeys(root, "a procedure",
-                  {"name", "start", "data", "conditions", "components", "engine", "commands", "steps"});
-        if (const auto name = RequiredName(root, "name", {1, 1}))
-            m_procedure.name = name->text;
-        if (auto start = RequiredName(root, "start", {1, 1}))
-            m_procedure.start = std::move(*start);
-        ForEach(root, "data", [this](const toml::key& key, const toml::node& node) { ReadData(key, node); });
-        ForEach(root, "conditions",
-                [this](const toml::key& key, const toml::node& node) { ReadConditions(key, node); });
-        ForEach(root, "commands",
-                [this](const toml::key& key, const toml::node& node) { ReadCommand(key, node); });
-        ForEach(root, "components",
-                [this](const toml::key& key, const toml::node& node) { ReadComponent(key, node); });
+                  {"name", "description", "revision", "author", "maxTime", "maxSteps", "start", "finally",
+                   "finallyTime", "include", "data", "conditions", "components", "measurements", "engine",
+                   "commands", "steps"});
+        ReadHead(root);
+        for (const toml::table& each : shared) {
+            CheckKeys(each, "an included file",
+                      {"data", "conditions", "components", "measurements", "commands"});
+            ReadShared(each);
+        }
+        ReadShared(root);
         if (const toml::node* const engine = root.get("engine"))
             ReadEngineKey(*engine);
-        ForEach(root, "steps", [this](const toml::key& key, const toml::node& node) { ReadStep(key, node); });
+        ForEach(root, "steps", [this](const toml::key& key, const toml::node& node) {
+            m_procedure.steps[std::string(key.str())] = ReadStep(key, node, m_found);
+        });
         if (m_procedure.steps.empty() && !root.contains("steps"))
             m_found.Error({1, 1}, "'steps' is missing: a procedure needs a step that ends it");
         return std::move(m_procedure);
     }
 
+    std::vector<Located> ReadIncludes(const toml::table& root) { return Names(root, "include", "file name"); }
+
 private:
+    void ReadHead(const toml::table& root) {
+        if (auto name = RequiredName(root, "name", {1, 1}))
+            m_procedure.name = std::move(name->text);
+        if (auto start = RequiredName(root, "start", {1, 1}))
+            m_procedure.start = std::move(*start);
+        const auto read = [&](const char* key, std::string& text) {
+            if (auto located = OptionalText(root, key))
+                text = std::move(located->text);
+        };
+        read("description", m_procedure.description);
+        read("revision", m_procedure.revision);
+        read("author", m_procedure.author);
+        m_procedure.maxTime = OptionalLimit(root, "maxTime", defaultMaxTime);
+        m_procedure.maxSteps = OptionalCount(root, "maxSteps", 1).value_or(defaultMaxSteps);
+        m_procedure.finally = Names(root, "finally", "command id");
+        m_procedure.finallyTime = OptionalLimit(root, "finallyTime", defaultFinallyTime);
+        if (root.contains("finallyTime") && !root.contains("finally"))
+            m_found.Error(PositionOf(root.find("finallyTime")->first), "'finallyTime' needs 'finally'");
+    }
+
+    std::int64_t OptionalLimit(const toml::table& root, std::string_view key, std::int64_t standard) {
+        const auto limit = OptionalDuration(root, key);
+        if (limit == 0)
+            m_found.Error(PositionOf(*root.get(key)), Quoted(key) + " must be above 0");
+        return limit.value_or(standard);
+    }
+
+    /// What procedures can share.
+    void ReadShared(const toml::table& table) {
+        ForEach(table, "data", [this](const toml::key& key, const toml::node& node) { ReadData(key, node); });
+        ForEach(table, "conditions",
+                [this](const toml::key& key, const toml::node& node) { ReadConditions(key, node); });
+        ForEach(table, "commands",
+                [this](const toml::key& key, const toml::node& node) { ReadCommand(key, node); });
+        ForEach(table, "components",
+                [this](const toml::key& key, const toml::node& node) { ReadComponent(key, node); });
+        ForEach(table, "measurements", [this](const toml::key& key, const toml::node& node) {
+            if (Measurement* const measurement = Add(m_procedure.measurements, "measurement", key))
+                *measurement = ReadMeasurement(key, node, m_found);
+        });
+    }
+
+    /// The new entry of that name; null, and a mistake, if there is one already, from another file.
+    template <class Entry>
+    Entry* Add(std::map<std::string, Entry>& entries, const std::string& what, const toml::key& key) {
+        const auto [entry, isNew] = entries.try_emplace(std::string(key.str()));
+        if (!isNew)
+            m_found.Error(PositionOf(key),
+                          what + " " + Quoted(key.str()) + " exists already, in an included file");
+        return isNew ? &entry->second : nullptr;
+    }
+
     void ReadData(const toml::key& key, const toml::node& node) {
-        Value& value = m_procedure.data[std::string(key.str())];
+        Value* const value = Add(m_procedure.data, "data entry", key);
+        if (!value)
+            return;
+        m_procedure.dataPositions[std::string(key.str())] = PositionOf(key);
         if (auto read = Scalar(node, "data entry " + Quoted(key.str())))
-            value = std::move(*read);
+            *value = std::move(*read);
     }
 
     void ReadConditions(const toml::key& key, const toml::node& node) {
@@ -52,49 +112,36 @@ private:
         if (m_procedure.data.contains(name))
             m_found.Error(PositionOf(key), "a condition set is an entry of the data store, and " +
                                                Quoted(name) + " is one already");
-        m_procedure.conditions[name] = ReadConditionSet(key, node, m_found);
+        if (Conditions* const conditions = Add(m_procedure.conditions, "condition set", key))
+            *conditions = ReadConditionSet(key, node, m_found);
     }
 
     void ReadCommand(const toml::key& key, const toml::node& node) {
-        Command& command = m_procedure.commands[std::string(key.str())];
-        command.position = PositionOf(key);
+        Command* const command = Add(m_procedure.commands, "command", key);
+        if (!command)
+            return;
+        command->position = PositionOf(key);
         const toml::table* const table = AsTable(node, "command " + Quoted(key.str()));
         if (!table)
             return;
-        CheckKeys(*table, "a command", {"class", "properties"});
-        if (auto className = RequiredName(*table, "class", command.position))
-            command.className = std::move(*className);
+        CheckKeys(*table, "a command", {"class", "description", "properties"});
+        if (auto className = RequiredName(*table, "class", command->position))
+            command->className = std::move(*className);
+        if (auto description = OptionalText(*table, "description"))
+            command->description = std::move(description->text);
         ForEach(*table, "properties", [&](const toml::key& name, const toml::node& value) {
             if (auto text = Text(value, "property " + Quoted(name.str())))
-                command.properties.push_back({{std::string(name.str()), PositionOf(name)}, std::move(*text)});
+                command->properties.push_back(
+                    {{std::string(name.str()), PositionOf(name)}, std::move(*text)});
             else
-                command.misread.emplace_back(name.str());
+                command->misread.emplace_back(name.str());
         });
-    }
-
-    void ReadStep(const toml::key& key, const toml::node& node) {
-        Step& step = m_procedure.steps[std::string(key.str())];
-        step.position = PositionOf(key);
-        const toml::table* const table = AsTable(node, "step " + Quoted(key.str()));
-        if (!table)
-            return;
-        CheckKeys(*table, "a step", {"run", "wait", "next", "failed", "on", "end"});
-        if (const toml::node* const run = table->get("run"))
-            ReadRun(*run, step);
-        ReadWait(*table, step);
-        step.next = OptionalText(*table, "next");
-        step.failed = OptionalText(*table, "failed");
-        ForEach(*table, "on", [&](const toml::key& id, const toml::node& target) {
-            if (auto text = Text(target, "transition " + Quoted(id.str())))
-                step.on.emplace(std::string(id.str()), std::move(*text));
-        });
-        ReadEnd(*table, step);
-        CheckShape(key, *table);
     }
 
     void ReadComponent(const toml::key& key, const toml::node& node) {
-        std::set<std::string>& properties = m_procedure.components[std::string(key.str())];
-        const toml::table* const table = AsTable(node, "component " + Quoted(key.str()));
+        std::set<std::string>* const properties = Add(m_procedure.components, "component", key);
+        const toml::table* const table =
+            properties ? AsTable(node, "component " + Quoted(key.str())) : nullptr;
         if (!table)
             return;
         CheckKeys(*table, "a component", {"properties"});
@@ -111,7 +158,7 @@ private:
         }
         for (const toml::node& each : *list) {
             if (const auto name = Text(each, "a property name"))
-                properties.insert(name->text);
+                properties->insert(name->text);
         }
     }
 
@@ -126,82 +173,25 @@ private:
                           std::string("'engine' must be a table or the name of a file, not ") + KindOf(node));
     }
 
-    void ReadRun(const toml::node& node, Step& step) {
-        const toml::array* const list = node.as_array();
-        if (!list) {
-            m_found.Error(PositionOf(node),
-                          std::string("'run' must be a list of command ids, not ") + KindOf(node));
-            return;
-        }
-        if (list->empty())
-            m_found.Error(PositionOf(node), "'run' is empty: name a command, or leave the key out");
-        for (const toml::node& each : *list) {
-            if (auto id = Text(each, "a command id"))
-                step.run.push_back(std::move(*id));
-        }
-    }
-
-    void ReadWait(const toml::table& table, Step& step) {
-        const auto wait = OptionalText(table, "wait");
-        if (!wait)
-            return;
-        if (wait->text == "transition") {
-            step.wait = Wait::Transition;
-        } else if (wait->text == "end") {
-            step.wait = Wait::End;
-        } else {
-            const std::string names[] = {"transition", "end"};
-            m_found.Error(wait->position,
-                          "'wait' is \"transition\" or \"end\"" + DidYouMean(wait->text, names));
-        }
-    }
-
-    void ReadEnd(const toml::table& table, Step& step) {
-        const auto end = OptionalText(table, "end");
-        if (!end)
-            return;
-        if (end->text == "passed") {
-            step.end = Verdict::Passed;
-        } else if (end->text == "failed") {
-            step.end = Verdict::Failed;
-        } else {
-            const std::string names[] = {"passed", "failed"};
-            m_found.Error(end->position, "'end' is \"passed\" or \"failed\"" + DidYouMean(end->text, names));
-        }
-    }
-
-    /// A step either ends the procedure or leads somewhere.
-    void CheckShape(const toml::key& key, const toml::table& table) {
-        if (table.contains("end")) {
-            for (const auto& [other, node] : table) {
-                if (other != "end")
-                    m_found.Error(PositionOf(other), "step " + Quoted(key.str()) +
-                                                         " ends the procedure, so it can have no " +
-                                                         Quoted(other.str()));
-            }
-            return;
-        }
-        const toml::table* const on = table["on"].as_table();
-        if (!table.contains("next") && !(on && !on->empty() && table.contains("run")))
-            m_found.Error(PositionOf(key), "step " + Quoted(key.str()) +
-                                               " leads nowhere: add 'next', or 'end', or 'run' with 'on'");
-    }
-
     Procedure m_procedure;
 };
 
 } // namespace
 
-Procedure ReadProcedure(const toml::table& root, Diagnostics& found) {
-    Procedure procedure = ProcedureReader(found).Read(root);
+Procedure ReadProcedure(const toml::table& root, std::span<const toml::table> shared, Diagnostics& found) {
+    Procedure procedure = ProcedureReader(found).Read(root, shared);
     CheckConditionNames(procedure, found);
     CheckNames(procedure, found);
     return procedure;
 }
 
+std::vector<Located> ReadIncludes(const toml::table& root, Diagnostics& found) {
+    return ProcedureReader(found).ReadIncludes(root);
+}
+
 Procedure ReadProcedure(std::string_view toml, Diagnostics& found) {
     const std::optional<toml::table> root = ParseToml(toml, found);
-    return root ? ReadProcedure(*root, found) : Procedure();
+    return root ? ReadProcedure(*root, {}, found) : Procedure();
 }
 
 } // namespace vant::host

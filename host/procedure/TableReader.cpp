@@ -1,5 +1,6 @@
 #include "host/procedure/TableReader.h"
 
+#include "host/text/Duration.h"
 #include "host/text/Suggestion.h"
 
 #include <limits>
@@ -81,6 +82,65 @@ std::optional<Located> TableReader::RequiredName(const toml::table& table, std::
     if (!table.contains(key))
         m_found.Error(owner, Quoted(key) + " is missing");
     return OptionalName(table, key);
+}
+
+std::vector<Located> TableReader::Names(const toml::table& table, std::string_view key,
+                                        const std::string& what) {
+    std::vector<Located> names;
+    const toml::node* const node = table.get(key);
+    const toml::array* const list =
+        node ? AsList(*node, Quoted(key) + " must be a list of " + what + "s") : nullptr;
+    if (!list)
+        return names;
+    if (list->empty())
+        m_found.Error(PositionOf(*node),
+                      Quoted(key) + " is empty: name a " + what + ", or leave the key out");
+    for (const toml::node& each : *list) {
+        auto name = Text(each, "a " + what);
+        if (name && name->text.empty())
+            m_found.Error(name->position, "a " + what + " is empty");
+        else if (name)
+            names.push_back(std::move(*name));
+    }
+    return names;
+}
+
+std::optional<std::int64_t> TableReader::Duration(const toml::node& node, std::string_view key) {
+    const auto text = node.value_exact<std::string>();
+    const auto duration = text ? ParseDuration(*text) : std::nullopt;
+    if (!duration)
+        m_found.Error(PositionOf(node),
+                      Quoted(key) +
+                          " must be a duration such as \"250ms\", \"5s\", \"10min\" or \"1h\", not " +
+                          (text ? "\"" + *text + "\"" : KindOf(node)));
+    return duration;
+}
+
+std::optional<std::int64_t> TableReader::OptionalDuration(const toml::table& table, std::string_view key) {
+    const toml::node* const node = table.get(key);
+    return node ? Duration(*node, key) : std::nullopt;
+}
+
+std::optional<std::int64_t> TableReader::OptionalCount(const toml::table& table, std::string_view key,
+                                                       std::int64_t least) {
+    const toml::node* const node = table.get(key);
+    if (!node)
+        return std::nullopt;
+    const auto count = node->value_exact<std::int64_t>();
+    if (count && *count >= least && *count <= std::numeric_limits<std::int32_t>::max())
+        return count;
+    m_found.Error(PositionOf(*node), Quoted(key) + " must be a whole number from " + std::to_string(least));
+    return std::nullopt;
+}
+
+bool TableReader::OptionalTruth(const toml::table& table, std::string_view key) {
+    const toml::node* const node = table.get(key);
+    if (!node)
+        return false;
+    if (const auto truth = node->value_exact<bool>())
+        return *truth;
+    m_found.Error(PositionOf(*node), Quoted(key) + " must be true or false, not " + KindOf(*node));
+    return false;
 }
 
 std::optional<Value> TableReader::Scalar(const toml::node& node, const std::string& what) {

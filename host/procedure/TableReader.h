@@ -6,6 +6,7 @@
 #include "host/text/Printable.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -53,6 +54,16 @@ protected:
     /// As the two above, for names: an empty one is a mistake, too.
     std::optional<Located> OptionalName(const toml::table& table, std::string_view key);
     std::optional<Located> RequiredName(const toml::table& table, std::string_view key, Position owner);
+    /// The names in a list, each not empty; `what` names one of them, as in "a command id". Empty if the key
+    /// is absent.
+    std::vector<Located> Names(const toml::table& table, std::string_view key, const std::string& what);
+    /// A duration such as "250ms" or "5s", in milliseconds.
+    std::optional<std::int64_t> Duration(const toml::node& node, std::string_view key);
+    std::optional<std::int64_t> OptionalDuration(const toml::table& table, std::string_view key);
+    /// A whole number from `least` to 2^31 - 1.
+    std::optional<std::int64_t> OptionalCount(const toml::table& table, std::string_view key,
+                                              std::int64_t least);
+    bool OptionalTruth(const toml::table& table, std::string_view key);
     /// A string, a number, true or false; `what` names it.
     std::optional<Value> Scalar(const toml::node& node, const std::string& what);
 

@@ -57,21 +57,25 @@ Position PositionOfFailure(std::string_view toml) {
 
 } // namespace
 
-std::optional<toml::table> ParseToml(std::string_view toml, Diagnostics& found) {
-    if (!CheckTomlText(toml, found))
-        return std::nullopt;
-    try {
-        return toml::parse(toml);
-    } catch (const toml::parse_error& mistake) {
-        found.Error(PositionOf(mistake.source()), std::string(mistake.description()));
-    } catch (const TomlAssertion&) {
-        found.Error(PositionOfFailure(toml), "this line is not valid TOML");
+std::optional<toml::table> ParseToml(std::string_view toml, Diagnostics& found,
+                                     const std::shared_ptr<const std::string>& file) {
+    Diagnostics mistakes;
+    if (CheckTomlText(toml, mistakes)) {
+        try {
+            return file ? toml::parse(toml, *file) : toml::parse(toml);
+        } catch (const toml::parse_error& mistake) {
+            mistakes.Error(PositionOf(mistake.source()), std::string(mistake.description()));
+        } catch (const TomlAssertion&) {
+            mistakes.Error(PositionOfFailure(toml), "this line is not valid TOML");
+        }
     }
+    for (const Diagnostic& each : mistakes.Sorted())
+        found.Error({each.position.line, each.position.column, file}, each.message);
     return std::nullopt;
 }
 
 Position PositionOf(const toml::source_region& region) {
-    return {std::max(region.begin.line, 1U), std::max(region.begin.column, 1U)};
+    return {std::max(region.begin.line, 1U), std::max(region.begin.column, 1U), region.path};
 }
 
 Position PositionOf(const toml::key& key) {

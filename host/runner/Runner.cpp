@@ -14,14 +14,6 @@ Value TextOrNull(const std::string& text) {
     return text.empty() ? Value(nullptr) : Value(text);
 }
 
-std::string Describe(const std::vector<Condition>& conditions) {
-    std::vector<std::string> texts;
-    texts.reserve(conditions.size());
-    for (const Condition& condition : conditions)
-        texts.push_back(Describe(condition));
-    return fmt::format("{}", fmt::join(texts, "; "));
-}
-
 } // namespace
 
 const char* NameOf(Verdict verdict) {

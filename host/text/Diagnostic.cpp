@@ -9,8 +9,9 @@
 namespace vant::host {
 
 std::string Diagnostic::Text(std::string_view file) const {
-    return Printable(fmt::format("{}:{}:{}: {}: {}", file, position.line, position.column,
-                                 severity == Severity::Error ? "error" : "warning", message));
+    return Printable(fmt::format("{}:{}:{}: {}: {}", position.file ? *position.file : file, position.line,
+                                 position.column, severity == Severity::Error ? "error" : "warning",
+                                 message));
 }
 
 void Diagnostics::Error(Position position, std::string message) {

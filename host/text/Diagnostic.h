@@ -4,8 +4,10 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <vector>
 
 namespace vant::host {
@@ -14,9 +16,14 @@ namespace vant::host {
 struct Position {
     std::uint32_t line = 1;
     std::uint32_t column = 1;
+    /// The file's name, if it is not the one that the messages are about but one that this one includes.
+    std::shared_ptr<const std::string> file{};
 
+    /// Places in the file itself come first, then those in other files, by name.
     friend bool operator<(const Position& a, const Position& b) noexcept {
-        return a.line != b.line ? a.line < b.line : a.column < b.column;
+        const std::string_view left = a.file ? std::string_view(*a.file) : std::string_view();
+        const std::string_view right = b.file ? std::string_view(*b.file) : std::string_view();
+        return std::tie(left, a.line, a.column) < std::tie(right, b.line, b.column);
     }
 };
 
@@ -28,7 +35,8 @@ struct Diagnostic {
     Severity severity = Severity::Error;
     std::string message;
 
-    /// "FILE:LINE:COLUMN: error: MESSAGE" (or "warning"), with control characters written out.
+    /// "FILE:LINE:COLUMN: error: MESSAGE" (or "warning"), with control characters written out. `file` is the
+    /// file that the message is about, unless its position names another one.
     std::string Text(std::string_view file) const;
 };
 
