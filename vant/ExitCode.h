@@ -6,7 +6,7 @@
 namespace vant::program {
 
 /// How the program ends.
-enum class ExitCode { Passed = 0, Failed = 1, WrongInput = 2, Broken = 3, Aborted = 130 };
+enum class ExitCode { Passed = 0, Failed = 1, WrongInput = 2, Broken = 3, Error = 4, Aborted = 130 };
 
 /// Ends the program with an exit code and a message to standard error.
 class Failure : public std::runtime_error {

@@ -9,6 +9,7 @@
 #include "host/runner/LoadedModule.h"
 #include "host/runner/RegisteredClasses.h"
 #include "host/runner/Runner.h"
+#include "host/text/Duration.h"
 #include "platform/ClassRegistration.h"
 #include "platform/Clock.h"
 #include "platform/Console.h"
@@ -75,7 +76,7 @@ std::unique_ptr<CommandFactory> OpenCommands(const RunOptions& options) {
 std::vector<FileInUse> FilesInUse(const RunOptions& options, const LoadedFiles& files) {
     std::vector<FileInUse> inUse;
     for (const LoadedFile& each : files.All())
-        inUse.push_back({inUse.empty() ? "the procedure" : "the engine", PathFromUtf8(each.name)});
+        inUse.push_back({each.what, PathFromUtf8(each.name)});
     if (options.registered) {
         for (const RegisteredClass& each : ListRegisteredClasses())
             inUse.push_back({"a registered module", PathFromUtf8(each.module)});
@@ -114,6 +115,8 @@ ExitCode ExitCodeOf(Verdict verdict) {
         return ExitCode::Passed;
     case Verdict::Failed:
         return ExitCode::Failed;
+    case Verdict::Error:
+        return ExitCode::Error;
     default:
         return ExitCode::Aborted;
     }
@@ -131,6 +134,25 @@ void CheckAfterwards(const Runner& runner, const CommandFactory& commands) {
         throw Failure(ExitCode::Broken, "the module still has live objects after the run");
 }
 
+RunSettings SettingsOf(const RunOptions& options) {
+    RunSettings settings{.maxSteps = options.maxSteps, .allowFailedCalls = options.allowFailedCalls};
+    if (!options.maxTime.empty()) {
+        settings.maxTime = ParseDuration(options.maxTime);
+        if (settings.maxTime.value_or(0) == 0)
+            throw Failure(ExitCode::WrongInput,
+                          "--max-time needs a duration such as 500ms, 60s, 10min or 1h, not '" +
+                              options.maxTime + "'");
+    }
+    for (const std::string& tag : options.tags) {
+        const std::size_t equals = tag.find('=');
+        if (equals == std::string::npos || equals == 0)
+            throw Failure(ExitCode::WrongInput,
+                          "--tag needs KEY=VALUE, such as serial=4711, not '" + tag + "'");
+        settings.tags.insert_or_assign(tag.substr(0, equals), tag.substr(equals + 1));
+    }
+    return settings;
+}
+
 ExitCode RunLoaded(const RunOptions& options, const LoadedProcedure& loaded, const CommandFactory& commands) {
     Journal journal;
     ResultReport result;
@@ -142,7 +164,7 @@ ExitCode RunLoaded(const RunOptions& options, const LoadedProcedure& loaded, con
     else
         journal.Observe(ConsoleReport(std::cout, WantsColour()));
 
-    Runner runner(loaded.procedure, commands, journal);
+    Runner runner(loaded.procedure, commands, journal, SettingsOf(options));
     Verdict verdict{};
     {
         // What a program reads from standard output stays JSON.
@@ -193,6 +215,8 @@ ExitCode Run(const RunOptions& options) {
     try {
         commands = OpenCommands(options);
         CheckCommands(loaded.procedure, *commands, loaded.files.Main().found);
+        for (const CalledProcedure& each : loaded.called)
+            CheckCommands(*each.procedure, *commands, each.file->found);
     } catch (const std::exception&) {
         // The files' own mistakes are worth telling all the same.
         std::cerr << loaded.files.Print();

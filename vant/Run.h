@@ -2,7 +2,10 @@
 
 #include "vant/ExitCode.h"
 
+#include <cstdint>
+#include <optional>
 #include <string>
+#include <vector>
 
 namespace vant::program {
 
@@ -18,6 +21,10 @@ struct RunOptions {
     bool closesMessages = false; ///< Messages are closed without waiting for the user.
     bool virtualTime = false;    ///< Nothing is waited for.
     double speed = 1;            ///< Otherwise: how many times as fast as real time.
+    std::string maxTime;         ///< A duration in place of the procedure's; empty: none.
+    std::optional<std::int64_t> maxSteps;
+    bool allowFailedCalls = false;
+    std::vector<std::string> tags; ///< Each "KEY=VALUE".
 };
 
 /// Runs one procedure: the report goes to standard output, mistakes in the files to standard error. Throws

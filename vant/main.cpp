@@ -86,8 +86,22 @@ void AddRun(CLI::App& app, ExitCode& result) {
     run.add_option("--speed", options->speed, "Let time pass so many times as fast")
         ->type_name("N")
         ->excludes(virtualTime);
-    run.footer(
-        "Exit codes: 0 passed, 1 failed, 2 wrong usage or file, 3 module or host failure, 130 aborted.");
+    run.add_option("--max-time", options->maxTime,
+                   "End the run as an error after this time, instead of 'maxTime'")
+        ->type_name("DURATION");
+    run.add_option("--max-steps", options->maxSteps,
+                   "End the run as an error after so many steps, instead of 'maxSteps'")
+        ->type_name("N")
+        ->check(CLI::PositiveNumber);
+    run.add_flag("--allow-failed-calls", options->allowFailedCalls,
+                 "Let the run pass although host calls have failed");
+    run.add_option("--tag", options->tags,
+                   "Add this to result and journal, such as a serial number; can be repeated")
+        ->type_name("KEY=VALUE")
+        ->allow_extra_args(false);
+    run.footer("Exit codes: 0 passed, 1 failed, 2 wrong usage or file, 3 module or host failure, 4 error: "
+               "the bench or "
+               "a command could not do its work, 130 aborted.");
     OnSelected<RunOptions>(run, options, result, Run);
 }
 

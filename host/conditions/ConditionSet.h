@@ -23,6 +23,9 @@ public:
         : HostObject(gate, service::ConditionSet), m_entry(std::move(name)),
           m_conditions(std::move(conditions)), m_engine(engine), m_data(data) {}
 
+    /// The data-store entry.
+    const std::string& Entry() const noexcept { return m_entry; }
+
     /// Checks the conditions in order up to the first one that does not hold, and remembers that one; if one
     /// is enough, up to the first one that holds, and remembers the first if none does. A condition whose
     /// subject cannot be read, or cannot be converted to the type that is compared, does not hold; if it is

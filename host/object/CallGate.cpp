@@ -12,4 +12,16 @@ std::optional<HRESULT> CallGate::Intercepted(Record& call) const {
     return m_interceptor(call);
 }
 
+void CallGate::ShowToWatcher(Record& call) noexcept {
+    if (!m_watcher)
+        return;
+    try {
+        call.thread = CurrentThread();
+        call.command = CurrentCommand();
+        m_watcher(call);
+    } catch (...) {
+        m_journal.MarkIncomplete();
+    }
+}
+
 } // namespace vant::host

@@ -24,8 +24,16 @@ public:
     /// The journal must outlive the gate.
     explicit CallGate(Journal& journal) noexcept : m_journal(journal) {}
 
+    /// Is shown each call when it is over, with its service, operation, thread, command, arguments and
+    /// result. Called on the thread of the call, possibly on several threads at once. Must not throw.
+    using Watcher = std::function<void(const Record& call)>;
+
+    /// Not during a run.
+    void Watch(Watcher watcher) { m_watcher = std::move(watcher); }
+
     /// Not during a run. An empty interceptor lets every call pass, as at the beginning.
     void Intercept(Interceptor interceptor) { m_interceptor = std::move(interceptor); }
+    const Interceptor& CurrentInterceptor() const noexcept { return m_interceptor; }
 
     /// Performs one call: `body(record)` adds the arguments to the record and returns the HRESULT. The record
     /// is written when the call is over. No exception gets out: CComException becomes its code,
@@ -46,15 +54,18 @@ public:
             record.result = E_FAIL;
         }
         const HRESULT result = *record.result;
+        ShowToWatcher(record);
         m_journal.Add(std::move(record));
         return result;
     }
 
 private:
     std::optional<HRESULT> Intercepted(Record& call) const;
+    void ShowToWatcher(Record& call) noexcept;
 
     Journal& m_journal;
     Interceptor m_interceptor;
+    Watcher m_watcher;
 };
 
 } // namespace vant::host

@@ -79,6 +79,8 @@ class ProcedureLoader {
 public:
     explicit ProcedureLoader(LoadedFiles& files) : m_files(files) {}
 
+    std::vector<CalledProcedure> TakeCalled() { return std::move(m_called); }
+
     Procedure Load(const std::string& text, LoadedFile& file) {
         const std::optional<toml::table> root = ParseToml(text, file.found);
         if (!root)
@@ -119,14 +121,17 @@ private:
         const auto text = ReadBeside(caller, name, "the procedure");
         if (!text)
             return nullptr;
-        return loaded = std::make_shared<const Procedure>(
-                   Load(*text, m_files.Add(FileName(path), "a procedure that it runs")));
+        LoadedFile& file = m_files.Add(FileName(path), "a procedure that it runs");
+        loaded = std::make_shared<const Procedure>(Load(*text, file));
+        m_called.push_back({loaded, &file});
+        return loaded;
     }
 
     LoadedFiles& m_files;
     std::vector<std::filesystem::path>
         m_open; ///< The procedures that are being read, from the outermost one.
     std::map<std::filesystem::path, std::shared_ptr<const Procedure>> m_loaded;
+    std::vector<CalledProcedure> m_called;
 };
 
 /// Procedures have keys that engines do not have.
@@ -150,10 +155,12 @@ std::string LoadedFiles::Print() const {
 
 LoadedProcedure LoadProcedure(const std::string& file, const std::string& engineFile) {
     LoadedProcedure loaded;
-    auto& [procedure, files] = loaded;
+    auto& [procedure, called, files] = loaded;
     const std::string text = ReadNamed(file);
     LoadedFile& main = files.Add(file, "the procedure");
-    procedure = ProcedureLoader(files).Load(text, main);
+    ProcedureLoader loader(files);
+    procedure = loader.Load(text, main);
+    called = loader.TakeCalled();
     const LoadedFile& last = files.All().back();
     if (!engineFile.empty())
         procedure.engine = ReadEngineFile(engineFile, files);

@@ -5,8 +5,10 @@
 #include "host/text/Diagnostic.h"
 
 #include <list>
+#include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace vant::host {
 
@@ -35,10 +37,17 @@ private:
     std::list<LoadedFile> m_files;
 };
 
+/// A procedure that another one runs, and the file that it is in.
+struct CalledProcedure {
+    std::shared_ptr<const Procedure> procedure;
+    LoadedFile* file;
+};
+
 struct LoadedProcedure {
     /// Whole only if the files have no errors; with the engine that it is to run on.
     Procedure procedure;
-    LoadedFiles files; ///< The procedure's file first.
+    std::vector<CalledProcedure> called{}; ///< All that it runs, directly or through others; each once.
+    LoadedFiles files;                     ///< The procedure's file first.
 };
 
 /// Procedures that run one another are at most so deep.

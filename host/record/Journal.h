@@ -55,6 +55,9 @@ public:
     /// Fills in time, thread and command, then calls the observers. Any thread may call. If an observer
     /// throws, or memory runs out, the journal is incomplete from then on.
     void Add(Record record) noexcept;
+    /// Milliseconds since the run began, as in records. Any thread may call.
+    std::int64_t Now() const { return m_clock(); }
+
     /// For a record that could not even be made.
     void MarkIncomplete() noexcept { m_complete = false; }
 

@@ -54,12 +54,20 @@ inline constexpr const char* CommandInitialized = "CommandInitialized";
 inline constexpr const char* ConditionsGiven = "ConditionsGiven";
 inline constexpr const char* DataGiven = "DataGiven";
 inline constexpr const char* DataLeft = "DataLeft";
+inline constexpr const char* FinallyStarted = "FinallyStarted";
+inline constexpr const char* Measured = "Measured";
+inline constexpr const char* ParameterLeft = "ParameterLeft";
 inline constexpr const char* ProcedureEnded = "ProcedureEnded";
 inline constexpr const char* ProcedureStarted = "ProcedureStarted";
 inline constexpr const char* PropertySet = "PropertySet";
+inline constexpr const char* ResultMissing = "ResultMissing";
 inline constexpr const char* StepEntered = "StepEntered";
+inline constexpr const char* StepRetried = "StepRetried";
+inline constexpr const char* StepTimedOut = "StepTimedOut";
+inline constexpr const char* TagGiven = "TagGiven";
 inline constexpr const char* ThreadEnded = "ThreadEnded";
 inline constexpr const char* TransitionFollowed = "TransitionFollowed";
+inline constexpr const char* WaitStarted = "WaitStarted";
 
 } // namespace event
 
@@ -120,6 +128,9 @@ inline constexpr const char* get_Value = "get_Value";
 namespace argument {
 
 inline constexpr const char* allMet = "allMet";
+inline constexpr const char* at = "at";
+inline constexpr const char* attempt = "attempt";
+inline constexpr const char* author = "author";
 inline constexpr const char* caller = "caller";
 inline constexpr const char* className = "class";
 inline constexpr const char* commandId = "commandId";
@@ -127,6 +138,8 @@ inline constexpr const char* componentId = "componentId";
 inline constexpr const char* conditions = "conditions";
 inline constexpr const char* cookie = "cookie";
 inline constexpr const char* count = "count";
+inline constexpr const char* data = "data";
+inline constexpr const char* description = "description";
 inline constexpr const char* ecmId = "ecmId";
 inline constexpr const char* failed = "failed";
 inline constexpr const char* from = "from";
@@ -135,17 +148,23 @@ inline constexpr const char* id = "id";
 inline constexpr const char* index = "index";
 inline constexpr const char* key = "key";
 inline constexpr const char* kind = "kind";
+inline constexpr const char* limit = "limit";
+inline constexpr const char* limits = "limits";
 inline constexpr const char* name = "name";
 inline constexpr const char* phase = "phase";
 inline constexpr const char* reason = "reason";
+inline constexpr const char* revision = "revision";
 inline constexpr const char* step = "step";
 inline constexpr const char* text = "text";
 inline constexpr const char* threadName = "threadName";
 inline constexpr const char* to = "to";
 inline constexpr const char* transitionId = "transitionId";
+inline constexpr const char* units = "units";
 inline constexpr const char* unitsKey = "unitsKey";
 inline constexpr const char* value = "value";
 inline constexpr const char* verdict = "verdict";
+inline constexpr const char* waitsFor = "for";
+inline constexpr const char* was = "was";
 
 } // namespace argument
 
@@ -154,25 +173,38 @@ struct RecordKind {
     const char* service;
     const char* operation; ///< Of a service, or an event.
     /// In the order in which they are recorded, then null. A call that fails may lack some.
-    std::array<const char*, 4> arguments{};
+    std::array<const char*, 9> arguments{};
 };
 
 /// Every kind of record that a run can leave, but for the calls of operations that the host does not
 /// implement.
 inline constexpr RecordKind recordKinds[] = {
-    {service::Runner, event::ProcedureStarted, {argument::name}},
+    {service::Runner,
+     event::ProcedureStarted,
+     {argument::name, argument::description, argument::revision, argument::author}},
+    {service::Runner, event::TagGiven, {argument::name, argument::value}},
     {service::Runner, event::DataGiven, {argument::name, argument::value}},
     {service::Runner, event::ConditionsGiven, {argument::name, argument::conditions}},
-    {service::Runner, event::StepEntered, {argument::step}},
+    {service::Runner, event::StepEntered, {argument::step, argument::description}},
     {service::Runner, event::CommandCreated, {argument::className}},
     {service::Runner, event::CommandInitialized},
     {service::Runner, event::PropertySet, {argument::name, argument::value}},
     {service::Runner, event::CommandEnded, {argument::className, argument::caller, argument::phase}},
+    {service::Runner, event::ResultMissing, {argument::name, argument::value}},
     {service::Runner, event::ThreadEnded, {argument::cookie}},
+    {service::Runner, event::WaitStarted, {argument::waitsFor, argument::limit}},
+    {service::Runner, event::StepTimedOut, {argument::step, argument::reason}},
+    {service::Runner, event::StepRetried, {argument::step, argument::attempt, argument::reason}},
     {service::Runner,
      event::TransitionFollowed,
      {argument::from, argument::to, argument::key, argument::transitionId}},
+    {service::Runner, event::FinallyStarted},
     {service::Runner, event::DataLeft, {argument::name, argument::value}},
+    {service::Runner,
+     event::Measured,
+     {argument::name, argument::data, argument::value, argument::units, argument::limits, argument::verdict,
+      argument::at, argument::step, argument::description}},
+    {service::Runner, event::ParameterLeft, {argument::id, argument::name, argument::value, argument::was}},
     {service::Runner, event::ProcedureEnded, {argument::verdict, argument::reason}},
 
     {service::Context, operation::get_ProcedureController},

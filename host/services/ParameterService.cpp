@@ -3,6 +3,7 @@
 #include "host/engine/objects/EngineAccess.h"
 #include "host/object/HandOut.h"
 #include "host/object/VariantValue.h"
+#include "host/record/CallScope.h"
 #include "host/record/Vocabulary.h"
 
 namespace vant::host {
@@ -47,7 +48,8 @@ HRESULT ParameterService::SetParameter(BSTR id, LONG kind, VARIANT value, IUnkno
         record.Add(argument::value, ToValue(value));
         if (parameter)
             *parameter = nullptr;
-        if (m_closed)
+        const Refusal refusal = m_refusal;
+        if (refusal == Refusal::All || (refusal == Refusal::MainThread && CurrentThread() == mainThread))
             return E_ABORT;
         if (!m_engine)
             return HRESULT_FROM_WIN32(ERROR_NOT_FOUND);

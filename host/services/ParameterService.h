@@ -25,15 +25,25 @@ public:
     /// out, for an unknown id; E_INVALIDARG for another kind; E_POINTER for a null `parameter`.
     HRESULT STDMETHODCALLTYPE GetParameter(BSTR id, LONG kind, IUnknown** parameter) override;
     /// Writes a parameter (kind 1), and hands it out unless `parameter` is null. Fails, null out, like
-    /// GetParameter and WriteValue, and with E_ABORT once closed.
+    /// GetParameter and WriteValue, and with E_ABORT while it is refused.
     HRESULT STDMETHODCALLTYPE SetParameter(BSTR id, LONG kind, VARIANT value, IUnknown** parameter) override;
 
-    /// From now on nothing is written. Any thread may call.
-    void Close() noexcept { m_closed = true; }
+    /// From now on refuses every write, or none. Any thread may call.
+    void Close() noexcept { m_refusal = Refusal::All; }
+    void Open() noexcept { m_refusal = Refusal::None; }
+    /// Refuses the writes of the commands that a step runs, or allows them again, unless every write is
+    /// refused.
+    void RefuseMainThread() noexcept { Change(Refusal::None, Refusal::MainThread); }
+    void AllowMainThread() noexcept { Change(Refusal::MainThread, Refusal::None); }
 
 private:
+    /// Whose writes are refused.
+    enum class Refusal { None, MainThread, All };
+
+    void Change(Refusal from, Refusal to) noexcept { m_refusal.compare_exchange_strong(from, to); }
+
     EngineObjects* const m_engine;
-    std::atomic<bool> m_closed{false};
+    std::atomic<Refusal> m_refusal{Refusal::None};
 };
 
 } // namespace vant::host

@@ -48,8 +48,8 @@ thread_local std::uint32_t currentStep = 0;
 
 } // namespace
 
-PersistentThreads::PersistentThreads(EndObserver ended, Event& changed)
-    : m_ended(std::move(ended)), m_changed(changed) {}
+PersistentThreads::PersistentThreads(EndObserver ended, Event& changed, std::uint32_t lastCookie)
+    : m_ended(std::move(ended)), m_changed(changed), m_lastCookie(lastCookie) {}
 
 PersistentThreads::~PersistentThreads() {
     End();
@@ -208,6 +208,39 @@ void PersistentThreads::Close() noexcept {
     m_closed = true;
     for (const auto& [cookie, thread] : m_threads)
         thread->released.Set();
+}
+
+void PersistentThreads::Open() noexcept {
+    const std::lock_guard lock(m_access);
+    m_closed = false;
+}
+
+void PersistentThreads::StopOfStep() {
+    std::vector<WorkPtr> found;
+    {
+        const std::lock_guard lock(m_access);
+        for (const auto& [cookie, thread] : m_threads) {
+            if (thread->work && thread->step == m_step.load())
+                found.push_back(thread->work);
+        }
+    }
+    for (const WorkPtr& work : found)
+        Stop(work);
+}
+
+std::vector<std::string> PersistentThreads::RunningCommands() const {
+    std::vector<std::string> ids;
+    const std::lock_guard lock(m_access);
+    for (const auto& [cookie, thread] : m_threads) {
+        if (thread->work)
+            ids.push_back(thread->work->commandId);
+    }
+    return ids;
+}
+
+std::uint32_t PersistentThreads::LastCookie() const {
+    const std::lock_guard lock(m_access);
+    return m_lastCookie;
 }
 
 void PersistentThreads::End() {

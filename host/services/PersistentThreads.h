@@ -39,14 +39,14 @@ public:
     using EndObserver = std::function<void(std::uint32_t cookie, HRESULT result)>;
 
     /// `ended` may be empty. `changed` is signalled each time a thread has ended; it must outlive this
-    /// object.
-    PersistentThreads(EndObserver ended, Event& changed);
+    /// object. Cookies are counted from the one after `lastCookie`.
+    PersistentThreads(EndObserver ended, Event& changed, std::uint32_t lastCookie = 0);
     /// Does what End does.
     ~PersistentThreads();
     PersistentThreads(const PersistentThreads&) = delete;
     PersistentThreads& operator=(const PersistentThreads&) = delete;
 
-    /// Starts a thread that calls `callback` once, and gives it the next cookie, counted from 1. The callback
+    /// Starts a thread that calls `callback` once, and gives it the next cookie. The callback
     /// and the object of the current command are held until the call has returned. E_ABORT once closed;
     /// HRESULT_FROM_WIN32(ERROR_MAX_THRDS_REACHED) while maxLiveThreads run.
     HRESULT Start(IThreadCallback& callback, std::wstring_view name, std::uint32_t& cookie);
@@ -77,6 +77,14 @@ public:
 
     /// From now on no thread is started. Waits for threads end.
     void Close() noexcept;
+    /// Undoes Close once all threads have ended.
+    void Open() noexcept;
+    /// Stops every running command of the step that was begun last.
+    void StopOfStep();
+    /// The commands that run, by the cookies of their threads; a command that is not known is "".
+    std::vector<std::string> RunningCommands() const;
+    /// The last cookie that was given.
+    std::uint32_t LastCookie() const;
     /// Closes, stops every running command, and waits until all threads have ended. One thread at a time.
     void End();
 
@@ -106,7 +114,7 @@ private:
     std::atomic<std::uint32_t> m_step{0};
     mutable std::mutex m_access; ///< Protects what follows.
     bool m_closed = false;
-    std::uint32_t m_lastCookie = 0;
+    std::uint32_t m_lastCookie;
     std::map<std::uint32_t, ThreadPtr>
         m_threads;                          ///< By cookie; also those that have ended, until they are joined.
     std::set<std::uint32_t> m_endedCookies; ///< Of joined threads; without the forgotten ones.

@@ -8,12 +8,14 @@ namespace vant::host {
 
 namespace {
 
-EngineObjects* Fill(std::optional<EngineObjects>& engine, CallGate& gate, ThreadService& threadService,
-                    const std::optional<EngineDescription>& description) {
-    if (!description)
-        return nullptr;
-    threadService.SetEngine(engine.emplace(gate, *description, threadService));
-    return &*engine;
+EngineObjects* EngineFor(ThreadService& threadService, std::optional<EngineObjects>& own, CallGate& gate,
+                         const std::optional<EngineDescription>& description, const Services* outer) {
+    EngineObjects* engine = outer ? outer->engine : nullptr;
+    if (!outer && description)
+        engine = &own.emplace(gate, *description, threadService);
+    if (engine)
+        threadService.SetEngine(*engine);
+    return engine;
 }
 
 CComVariant Referenced(IUnknown& object) {
@@ -29,24 +31,36 @@ CComVariant Referenced(IUnknown& object) {
 
 Services::Services(Journal& journal, CommandRunner::Run run, PersistentThreads::EndObserver threadEnded,
                    const std::optional<EngineDescription>& engineDescription, const Components& components,
-                   const ConditionSets& conditions)
+                   const ConditionSets& conditions, Services* outer)
     : gate(journal), commandRunner(gate, std::move(run)), componentService(gate, components),
       service3(gate, service::Service3), dataStore(gate, data), presentationService(gate),
-      threadService(gate, persistentThreads), service7(gate, service::Service7),
-      procedureController(gate, changed),
-      parameterService(gate, Fill(engine, gate, threadService, engineDescription)),
+      threadService(gate, persistentThreads),
+      engine(EngineFor(threadService, ownEngine, gate, engineDescription, outer)),
+      service7(gate, service::Service7), procedureController(gate, changed), parameterService(gate, engine),
       controller(gate, persistentThreads),
       context(gate, {&procedureController, &commandRunner, &componentService, &service7, &service3,
                      &presentationService, &dataStore, &threadService, &parameterService}),
-      persistentThreads(std::move(threadEnded), changed) {
-    for (const auto& [name, each] : conditions)
+      persistentThreads(std::move(threadEnded), changed, outer ? outer->persistentThreads.LastCookie() : 0) {
+    if (outer)
+        gate.Intercept(outer->gate.CurrentInterceptor());
+    for (const auto& [name, each] : conditions) {
         data.Set(ToWide(name), Referenced(conditionSets.emplace_back(
                                    gate, name, each, engine ? &engine->Model() : nullptr, data)));
+        for (const Condition& condition : each.list) {
+            if (!condition.hasOwnMessage)
+                data.Set(ToWide(condition.message), CComVariant(CComBSTR(ToWide(Describe(condition)))));
+        }
+    }
 }
 
 void Services::Close() noexcept {
     parameterService.Close();
     persistentThreads.Close();
+}
+
+void Services::Open() noexcept {
+    parameterService.Open();
+    persistentThreads.Open();
 }
 
 std::vector<std::string> Services::StillHeld() const {
@@ -68,8 +82,8 @@ std::vector<std::string> Services::StillHeld() const {
     look(parameterService);
     for (const ConditionSet& set : conditionSets)
         look(set);
-    if (engine) {
-        for (std::string& name : engine->StillHeld())
+    if (ownEngine) {
+        for (std::string& name : ownEngine->StillHeld())
             held.push_back(std::move(name));
     }
     return held;

@@ -26,13 +26,18 @@ namespace vant::host {
 struct Services {
     /// `run` and `threadEnded` are passed to the command runner and to the threads. Without an engine there
     /// are no parameters, faults or connection. The data store holds the condition sets from the beginning.
+    /// `outer`, if it is not null, is the run that this one is part of: both then share its engine and the
+    /// interceptor of its calls, and it must outlive this one.
     Services(Journal& journal, CommandRunner::Run run, PersistentThreads::EndObserver threadEnded = {},
              const std::optional<EngineDescription>& engineDescription = std::nullopt,
-             const Components& components = {}, const ConditionSets& conditions = {});
+             const Components& components = {}, const ConditionSets& conditions = {},
+             Services* outer = nullptr);
 
     /// From now on nothing is actuated any more: no thread is started and no parameter is written. Any thread
     /// may call.
     void Close() noexcept;
+    /// Undoes Close once all threads have ended.
+    void Open() noexcept;
 
     /// The names of the objects that commands or the data store still hold. Once every command has been
     /// destroyed and the data is cleared, each name is a leak.
@@ -50,7 +55,8 @@ struct Services {
     DataStore dataStore;
     PresentationService presentationService;
     ThreadService threadService;
-    std::optional<EngineObjects> engine;
+    std::optional<EngineObjects> ownEngine;
+    EngineObjects* const engine; ///< Null if there is none.
     UnusedService service7;
     ProcedureController procedureController;
     ParameterService parameterService;

@@ -90,6 +90,16 @@ std::optional<EngineError> Engine::Write(const std::string& id, Value value) {
     return std::nullopt;
 }
 
+std::vector<Engine::Left> Engine::LeftWritten() const {
+    std::vector<Left> left;
+    const std::lock_guard lock(m_access);
+    for (const auto& [id, parameter] : m_parameters) {
+        if (parameter.Written() && *parameter.Written() != parameter.Kind())
+            left.push_back({id, *parameter.Written(), parameter.Kind()});
+    }
+    return left;
+}
+
 std::int64_t Engine::Advance() const {
     const std::int64_t time = std::max<std::int64_t>(m_clock() - m_began, m_step * engineStep);
     const std::int64_t now = time / engineStep;

@@ -41,6 +41,15 @@ public:
     /// WrongKind or OutOfLimits.
     std::optional<EngineError> Write(const std::string& id, Value value);
 
+    /// A parameter that was written and does not have the value of the beginning.
+    struct Left {
+        std::string id;
+        Value value; ///< As written.
+        Value was;
+    };
+    /// All of them, by id.
+    std::vector<Left> LeftWritten() const;
+
 private:
     /// The parameters, each after those that it follows.
     std::vector<LiveParameter*> InOrder();

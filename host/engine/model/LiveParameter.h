@@ -42,6 +42,8 @@ public:
     /// Whether a value lies within the limits. Texts and truth values always do; NaN does not if there is a
     /// limit.
     bool Admits(const Value& value) const;
+    /// What was written last; null if nothing was. The value of the beginning is that of Kind.
+    const Value* Written() const noexcept { return m_writtenAs == 0 ? nullptr : &m_value; }
     /// `order` rises with every write of the engine.
     void Write(Value value, std::uint64_t order);
 

@@ -37,7 +37,7 @@ protected:
     HRESULT Evaluate(std::vector<Condition> conditions, bool& allMet) {
         services.emplace(
             journal, [](const std::string&) { return S_OK; }, PersistentThreads::EndObserver(), description,
-            Components(), ConditionSets{{"set", std::move(conditions)}});
+            Components(), ConditionSets{{"set", Conditions{.list = std::move(conditions)}}});
         services->data.Set(L"text", CComVariant(CComBSTR(L" 12.5 ")));
         services->data.Set(L"word", CComVariant(CComBSTR(L"warm")));
         services->data.Set(L"number", CComVariant(12.5));

@@ -1,0 +1,67 @@
+#pragma once
+
+#include "host/procedure/Procedure.h"
+#include "host/record/Journal.h"
+
+#include <cstdint>
+#include <map>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace vant::host {
+
+/// What became of a measurement.
+enum class Outcome {
+    Passed,
+    Failed,
+    Missing, ///< It was not made.
+    Skipped  ///< It was not made, and need not be.
+};
+
+/// "passed", "failed", "missing" or "skipped".
+const char* NameOf(Outcome outcome);
+
+/// The limits of a measurement as reports show them, such as "atLeast 40, atMost 140"; empty if there are
+/// none.
+std::string DescribeLimits(const Measurement& measurement);
+
+/// Whether a value satisfies the limits. Numbers and truth values are read from texts under locale 1033.
+bool Satisfies(const Measurement& measurement, const Value& value);
+
+/// The measurements of a procedure during its run. Any thread may call.
+class Measurements {
+public:
+    /// The measurements must outlive this object.
+    explicit Measurements(const std::map<std::string, Measurement>& measurements)
+        : m_measurements(measurements) {}
+
+    /// An entry of the data store was written.
+    void Take(const std::string& entry, Value value, std::int64_t time, const std::string& step);
+
+    struct Result {
+        std::string name;
+        const Measurement* measurement;
+        Outcome outcome;
+        std::optional<Value> value; ///< The last one; nothing if the measurement was not made.
+        std::int64_t time = 0;      ///< When and in which step it was written.
+        std::string step{};
+    };
+    /// One for each measurement, by name.
+    std::vector<Result> Results() const;
+
+private:
+    struct Written {
+        Value value;
+        std::int64_t time;
+        std::string step;
+    };
+
+    const std::map<std::string, Measurement>& m_measurements;
+    mutable std::mutex m_access;
+    std::map<std::string, Written> m_written; ///< By entry.
+};
+
+} // namespace vant::host

@@ -1,0 +1,672 @@
+#include "host/runner/ProcedureRun.h"
+
+#include "framework/interfaces/ClassProperties.h"
+#include "host/object/VariantValue.h"
+#include "host/record/Codes.h"
+#include "host/record/Json.h"
+#include "host/record/Vocabulary.h"
+#include "host/text/Duration.h"
+#include "host/text/Printable.h"
+#include "platform/Clock.h"
+
+#include <algorithm>
+#include <fmt/format.h>
+#include <memory>
+
+namespace vant::host {
+
+namespace {
+
+/// How often a step looks whether the conditions that it waits for hold.
+constexpr DWORD conditionsPeriod = 250;
+
+Value TextOrNull(const std::string& text) {
+    return text.empty() ? Value(nullptr) : Value(text);
+}
+
+/// Arguments whose text is empty are left out.
+std::vector<Argument> WithoutEmpty(std::vector<Argument> arguments) {
+    std::erase_if(arguments, [](const Argument& each) { return each.value == Value(std::string()); });
+    return arguments;
+}
+
+std::string Measured(const Measurements::Result& result) {
+    const std::string units = result.measurement->units.empty() ? "" : " " + result.measurement->units;
+    return fmt::format("measurement {} is {}{}, required {}", Quoted(result.name),
+                       ToJson(*result.value).dump(), units, DescribeLimits(*result.measurement));
+}
+
+} // namespace
+
+const char* NameOf(Verdict verdict) {
+    switch (verdict) {
+    case Verdict::Passed:
+        return "passed";
+    case Verdict::Failed:
+        return "failed";
+    case Verdict::Error:
+        return "error";
+    default:
+        return "aborted";
+    }
+}
+
+ProcedureRun::ProcedureRun(const Procedure& procedure, RunShared& shared, ProcedureRun* outer)
+    : m_procedure(procedure), m_shared(shared), m_outer(outer), m_measurements(procedure.measurements),
+      m_services(
+          shared.journal, [this](const std::string& id) { return RunCommand(id); },
+          [this](std::uint32_t cookie, HRESULT result) { RecordThreadEnded(cookie, result); },
+          procedure.engine, procedure.components, procedure.conditions,
+          outer ? &outer->m_services : nullptr) {
+    m_services.gate.Watch([this](const Record& call) { Watch(call); });
+}
+
+void ProcedureRun::Give(const std::string& entry, CComVariant value) {
+    m_arguments.emplace_back(entry, std::move(value));
+}
+
+ProcedureRun::Ending ProcedureRun::Run() {
+    RecordBeginning();
+    const std::int64_t maxTime =
+        m_outer ? m_procedure.maxTime : m_shared.settings.maxTime.value_or(m_procedure.maxTime);
+    Ending ending;
+    try {
+        const Watchdog::Guard limit(m_watchdog, maxTime, [this] { End(Cause::MaxTime); });
+        ending = RunSteps();
+    } catch (...) {
+        EndPersistentCommands(); // They use what the caller may destroy now.
+        RunFinally();
+        throw;
+    }
+    EndPersistentCommands();
+    RunFinally();
+    for (const auto& [name, value] : m_services.data.All())
+        RecordEvent(event::DataLeft, {{argument::name, name}, {argument::value, value}});
+    const auto measured = RecordMeasurements();
+    if (!m_outer)
+        RecordLeft();
+    ending = Judge(std::move(ending), measured);
+    RecordEvent(event::ProcedureEnded,
+                {{argument::verdict, NameOf(ending.verdict)}, {argument::reason, ending.reason}});
+    return ending;
+}
+
+void ProcedureRun::RecordBeginning() {
+    RecordEvent(event::ProcedureStarted, WithoutEmpty({{argument::name, m_procedure.name},
+                                                       {argument::description, m_procedure.description},
+                                                       {argument::revision, m_procedure.revision},
+                                                       {argument::author, m_procedure.author}}));
+    if (!m_outer) {
+        for (const auto& [name, value] : m_shared.settings.tags)
+            RecordEvent(event::TagGiven, {{argument::name, name}, {argument::value, value}});
+    }
+    for (const auto& [name, value] : m_procedure.data)
+        m_services.data.Set(ToWide(name), ToVariant(value));
+    for (auto& [name, value] : m_arguments)
+        m_services.data.Set(ToWide(name), std::move(value));
+    m_arguments.clear();
+    for (const auto& [name, value] : m_services.data.All()) {
+        if (!m_procedure.conditions.contains(name))
+            RecordEvent(event::DataGiven, {{argument::name, name}, {argument::value, value}});
+    }
+    for (const auto& [name, conditions] : m_procedure.conditions)
+        RecordEvent(event::ConditionsGiven,
+                    {{argument::name, name}, {argument::conditions, Describe(conditions)}});
+}
+
+ProcedureRun::Ending ProcedureRun::RunSteps() {
+    const std::int64_t maxSteps =
+        m_outer ? m_procedure.maxSteps : m_shared.settings.maxSteps.value_or(m_procedure.maxSteps);
+    std::string current = m_procedure.start.text;
+    for (std::int64_t entered = 0; m_cause == Cause::None; ++entered) {
+        if (entered == maxSteps)
+            return {Verdict::Error, fmt::format("the limit of {} steps was reached, before step {}", maxSteps,
+                                                Quoted(current))};
+        const Step& step = m_procedure.steps.at(current);
+        {
+            const std::lock_guard lock(m_access);
+            m_step = &step;
+            m_stepId = current;
+        }
+        RecordEvent(event::StepEntered,
+                    WithoutEmpty({{argument::step, current}, {argument::description, step.description}}));
+        if (step.end)
+            return {*step.end, fmt::format("step '{}'", current)};
+        const Attempt attempt = RunStep(step);
+        if (m_cause != Cause::None)
+            break;
+        std::string key;
+        const std::string* const target = TargetOf(step, attempt, key);
+        if (!target)
+            return EndingIn(current, attempt);
+        RecordEvent(event::TransitionFollowed,
+                    {{argument::from, current},
+                     {argument::to, *target},
+                     {argument::key, key},
+                     {argument::transitionId, attempt.chosen ? Value(*attempt.chosen) : Value(nullptr)}});
+        current = *target;
+    }
+    return EndingBy(m_cause);
+}
+
+ProcedureRun::Attempt ProcedureRun::RunStep(const Step& step) {
+    for (std::int64_t number = 1;; ++number) {
+        m_failedCalls.BeginTry();
+        Attempt attempt = TryStep(step);
+        if (m_cause != Cause::None || number > step.retry.times || !WantsRetry(step, attempt)) {
+            m_failedCalls.KeepTry();
+            return attempt;
+        }
+        m_failedCalls.DropTry();
+        m_services.persistentThreads.StopOfStep();
+        RecordEvent(event::StepRetried,
+                    {{argument::step, m_stepId},
+                     {argument::attempt, number + 1},
+                     {argument::reason, attempt.failure    ? attempt.failure->reason
+                                        : attempt.timedOut ? "its time has run out"
+                                                           : "transition " + Quoted(*attempt.chosen)}});
+        m_stepExpired = false;
+        WaitUntil([this] { return !m_services.persistentThreads.IsAnyOfStepRunning(); }, INFINITE);
+        Pause(step.retry.after);
+    }
+}
+
+bool ProcedureRun::WantsRetry(const Step& step, const Attempt& attempt) const {
+    if (attempt.failure || attempt.timedOut)
+        return true;
+    const auto isChosen = [&attempt](const Located& transition) { return transition.text == attempt.chosen; };
+    return attempt.chosen && std::any_of(step.retry.on.begin(), step.retry.on.end(), isChosen);
+}
+
+ProcedureRun::Attempt ProcedureRun::TryStep(const Step& step) {
+    m_services.persistentThreads.EnterStep();
+    m_services.procedureController.EnterStep([this, &step](const std::string& id) {
+        return step.on.contains(id) || m_procedure.steps.contains(id);
+    });
+    m_stepExpired = false;
+    Attempt attempt;
+    {
+        std::optional<Watchdog::Guard> limit;
+        if (step.timeout)
+            limit.emplace(m_watchdog, *step.timeout, [this] { ExpireStep(); });
+        m_executing = true;
+        if (step.procedure)
+            attempt.failure = RunCalled(*step.procedure);
+        if (!attempt.failure) {
+            if (const auto failed = RunCommandsOf(step))
+                attempt.failure = Ending{Verdict::Error, fmt::format("command '{}' failed", *failed)};
+        }
+        m_executing = false;
+        const bool isOver = attempt.failure ? !m_stepExpired : !m_stepExpired && WaitInStep(step);
+        attempt.timedOut = !isOver && m_stepExpired;
+    }
+    m_services.parameterService.AllowMainThread();
+    if (attempt.timedOut && m_cause == Cause::None) {
+        attempt.failure.reset();
+        attempt.timedOutReason = DescribeWaiting();
+        RecordEvent(event::StepTimedOut,
+                    {{argument::step, m_stepId}, {argument::reason, attempt.timedOutReason}});
+    }
+    EndWait();
+    attempt.chosen = m_services.procedureController.LeaveStep();
+    return attempt;
+}
+
+bool ProcedureRun::WaitInStep(const Step& step) {
+    const auto isChosen = [this] { return m_services.procedureController.Chosen().has_value(); };
+    if (step.delay && !isChosen()) {
+        BeginWait(step, "a delay of " + FormatDuration(*step.delay));
+        if (!Pause(*step.delay))
+            return false;
+    }
+    if (step.until && !isChosen()) {
+        BeginWait(step, "conditions " + Quoted(step.until->text));
+        if (!AwaitConditions(step.until->text))
+            return false;
+    }
+    if (step.wait == Wait::Not)
+        return true;
+    BeginWait(step, step.wait == Wait::End ? "the end of its commands" : "a transition");
+    return AwaitCommands(step.wait);
+}
+
+template <class IsOver>
+bool ProcedureRun::WaitUntil(IsOver isOver, DWORD period) {
+    for (;;) {
+        if (m_cause != Cause::None)
+            return false;
+        if (isOver())
+            return true;
+        if (m_stepExpired)
+            return false;
+        m_services.changed.Wait(period);
+    }
+}
+
+bool ProcedureRun::Pause(std::int64_t milliseconds) {
+    const std::int64_t end = ClockMilliseconds() + milliseconds;
+    for (;;) {
+        const std::int64_t rest = end - ClockMilliseconds();
+        if (m_cause != Cause::None || m_stepExpired)
+            return false;
+        if (rest <= 0 || m_services.procedureController.Chosen())
+            return true;
+        m_services.changed.Wait(static_cast<DWORD>(std::min<std::int64_t>(rest, longestWait)));
+    }
+}
+
+bool ProcedureRun::AwaitConditions(const std::string& name) {
+    const auto set = std::find_if(m_services.conditionSets.begin(), m_services.conditionSets.end(),
+                                  [&name](const ConditionSet& each) { return each.Entry() == name; });
+    return WaitUntil(
+        [&] {
+            VARIANT_BOOL hold = VARIANT_FALSE;
+            return m_services.procedureController.Chosen() ||
+                   (SUCCEEDED(set->Evaluate(&hold)) && hold != VARIANT_FALSE);
+        },
+        conditionsPeriod);
+}
+
+bool ProcedureRun::AwaitCommands(Wait wait) {
+    return WaitUntil(
+        [&] {
+            if (wait == Wait::End)
+                return !m_services.persistentThreads.IsAnyOfStepRunning();
+            return m_services.procedureController.Chosen().has_value() ||
+                   !m_services.persistentThreads.IsAnyRunning();
+        },
+        INFINITE);
+}
+
+void ProcedureRun::BeginWait(const Step& step, std::string what) {
+    RecordEvent(event::WaitStarted,
+                {{argument::waitsFor, what},
+                 {argument::limit, step.timeout ? Value(*step.timeout) : Value(nullptr)}});
+    const std::lock_guard lock(m_access);
+    m_waitsFor = std::move(what);
+    m_waitsSince = m_shared.journal.Now();
+}
+
+void ProcedureRun::EndWait() {
+    const std::lock_guard lock(m_access);
+    m_waitsFor.clear();
+}
+
+std::string ProcedureRun::DescribeWaiting() const {
+    std::vector<std::string> texts;
+    {
+        const std::lock_guard lock(m_access);
+        if (!m_waitsFor.empty())
+            texts.push_back(
+                fmt::format("it has waited for {} since {}", m_waitsFor, FormatTime(m_waitsSince)));
+    }
+    std::vector<std::string> running = m_services.persistentThreads.RunningCommands();
+    for (std::string& id : running)
+        id = Quoted(id);
+    if (!running.empty())
+        texts.push_back(fmt::format("still running: {}", fmt::join(running, ", ")));
+    if (std::string failing = m_failedCalls.StillFailing(); !failing.empty())
+        texts.push_back(std::move(failing));
+    return fmt::format("{}", fmt::join(texts, "; "));
+}
+
+void ProcedureRun::ExpireStep() noexcept {
+    m_stepExpired = true;
+    if (m_executing)
+        m_services.parameterService.RefuseMainThread();
+    {
+        const std::lock_guard lock(m_access);
+        if (m_called)
+            m_called->End(Cause::Outer);
+    }
+    m_services.changed.Set();
+}
+
+void ProcedureRun::End(Cause cause) noexcept {
+    const std::lock_guard lock(m_access);
+    Cause none = Cause::None;
+    m_cause.compare_exchange_strong(none, cause);
+    if (m_called)
+        m_called->End(cause == Cause::Aborted ? cause : Cause::Outer);
+    if (m_inFinally)
+        return; // It has a limit of its own.
+    m_ending = true;
+    m_services.Close();
+    m_services.changed.Set();
+}
+
+std::optional<std::string> ProcedureRun::RunCommandsOf(const Step& step) {
+    for (const Located& id : step.run) {
+        if (m_cause != Cause::None || m_stepExpired || m_services.procedureController.Chosen())
+            break;
+        const HRESULT result = RunCommand(id.text);
+        if (SUCCEEDED(result))
+            continue;
+        if (result != E_ABORT && !MayFail(id.text, ""))
+            m_failedCalls.Add(fmt::format("{} failed: {}", Quoted(id.text), DescribeCode(result)));
+        return id.text;
+    }
+    return std::nullopt;
+}
+
+std::optional<ProcedureRun::Ending> ProcedureRun::RunCalled(const ProcedureCall& call) {
+    auto called = std::make_unique<ProcedureRun>(*call.procedure, m_shared, this);
+    for (const auto& [entry, value] : call.given)
+        called->Give(entry, ToVariant(value));
+    for (const auto& [entry, own] : call.passed) {
+        CComVariant value;
+        if (FAILED(m_services.data.Read(ToWide(own.text), value)))
+            return Ending{Verdict::Error,
+                          fmt::format("there is no data entry {} to pass on", Quoted(own.text))};
+        called->Give(entry, std::move(value));
+    }
+    {
+        const std::lock_guard lock(m_access);
+        m_called = called.get();
+        if (m_cause != Cause::None)
+            called->End(m_cause);
+    }
+    Ending ending = called->Run();
+    {
+        const std::lock_guard lock(m_access);
+        m_called = nullptr;
+    }
+    ending.reason = fmt::format("procedure {} ended {}: {}", Quoted(call.procedure->name),
+                                NameOf(ending.verdict), ending.reason);
+    for (const auto& [own, entry] : call.results) {
+        CComVariant value;
+        if (SUCCEEDED(called->m_services.data.Read(ToWide(entry.text), value))) {
+            NoteWrite(own, ToValue(value.Get()));
+            m_services.data.Set(ToWide(own), std::move(value));
+        } else if (ending.verdict == Verdict::Passed) {
+            ending = {Verdict::Error, fmt::format("procedure {} has left no data entry {}",
+                                                  Quoted(call.procedure->name), Quoted(entry.text))};
+        }
+    }
+    called->ReleaseData();
+    if (!called->StillHeld().empty())
+        m_stillHeld.push_back(std::move(called));
+    if (ending.verdict == Verdict::Error)
+        m_failedCalls.Add(ending.reason);
+    return ending.verdict == Verdict::Passed ? std::nullopt : std::optional(std::move(ending));
+}
+
+const std::string* ProcedureRun::TargetOf(const Step& step, const Attempt& attempt, std::string& key) const {
+    const auto follow = [&key](const char* name, const std::optional<Located>& target) {
+        key = name;
+        return target ? &target->text : nullptr;
+    };
+    if (step.always)
+        return follow("always", step.always);
+    if (attempt.timedOut)
+        return step.timedOut ? follow("timedOut", step.timedOut) : follow("failed", step.failed);
+    if (attempt.chosen) {
+        key = "on";
+        const auto entry = step.on.find(*attempt.chosen);
+        return entry != step.on.end() ? &entry->second.text : &m_procedure.steps.find(*attempt.chosen)->first;
+    }
+    return attempt.failure ? follow("failed", step.failed) : follow("next", step.next);
+}
+
+ProcedureRun::Ending ProcedureRun::EndingIn(const std::string& step, const Attempt& attempt) const {
+    const auto with = [](std::string reason, const std::string& details) {
+        return details.empty() ? reason : reason + ": " + details;
+    };
+    if (attempt.timedOut)
+        return {m_failedCalls.StillFailing().empty() ? Verdict::Failed : Verdict::Error,
+                with(fmt::format("the time of step {} ran out", Quoted(step)), attempt.timedOutReason)};
+    if (!attempt.failure)
+        return {Verdict::Error, fmt::format("no transition was chosen in step '{}'", step)};
+    const std::string reason = fmt::format("{} in step '{}'", attempt.failure->reason, step);
+    return {attempt.failure->verdict,
+            attempt.failure->verdict == Verdict::Error ? with(reason, m_failedCalls.Summary()) : reason};
+}
+
+ProcedureRun::Ending ProcedureRun::EndingBy(Cause cause) const {
+    if (cause == Cause::Aborted)
+        return {Verdict::Aborted, "interrupted"};
+    const std::string waiting = DescribeWaiting();
+    return {Verdict::Error,
+            fmt::format("the time limit {} was reached in step {}{}{}",
+                        cause == Cause::Outer ? "of the calling procedure" : "of the procedure",
+                        Quoted(m_stepId), waiting.empty() ? "" : ": ", waiting)};
+}
+
+void ProcedureRun::EndPersistentCommands() {
+    {
+        const std::lock_guard lock(m_access);
+        m_ending = true;
+        m_services.Close();
+    }
+    m_services.persistentThreads.End();
+}
+
+void ProcedureRun::RunFinally() {
+    if (m_procedure.finally.empty())
+        return;
+    {
+        const std::lock_guard lock(m_access);
+        m_inFinally = true;
+        m_step = nullptr;
+        m_stepExpired = false;
+        m_ending = false;
+        m_services.Open();
+    }
+    RecordEvent(event::FinallyStarted, {});
+    m_services.persistentThreads.EnterStep();
+    m_services.procedureController.EnterStep([](const std::string&) { return true; });
+    {
+        const Watchdog::Guard limit(m_watchdog, m_procedure.finallyTime, [this] {
+            m_stepExpired = true;
+            m_ending = true;
+            m_services.Close();
+            m_services.changed.Set();
+        });
+        for (const Located& id : m_procedure.finally) {
+            if (const HRESULT result = RunCommand(id.text); FAILED(result))
+                m_failedCleanUp.Add(fmt::format("{} failed: {}", Quoted(id.text), DescribeCode(result)));
+        }
+        while (!m_stepExpired && m_services.persistentThreads.IsAnyRunning())
+            m_services.changed.Wait(INFINITE);
+    }
+    if (m_stepExpired)
+        m_failedCleanUp.Add("its time of " + FormatDuration(m_procedure.finallyTime) + " ran out");
+    m_services.procedureController.LeaveStep();
+    EndPersistentCommands();
+}
+
+std::vector<Measurements::Result> ProcedureRun::RecordMeasurements() {
+    auto results = m_measurements.Results();
+    for (const Measurements::Result& each : results) {
+        const bool made = each.value.has_value();
+        RecordEvent(event::Measured, {{argument::name, each.name},
+                                      {argument::data, each.measurement->data.text},
+                                      {argument::value, each.value.value_or(nullptr)},
+                                      {argument::units, each.measurement->units},
+                                      {argument::limits, DescribeLimits(*each.measurement)},
+                                      {argument::verdict, NameOf(each.outcome)},
+                                      {argument::at, made ? Value(each.time) : Value(nullptr)},
+                                      {argument::step, made ? Value(each.step) : Value(nullptr)},
+                                      {argument::description, each.measurement->description}});
+    }
+    return results;
+}
+
+void ProcedureRun::RecordLeft() {
+    if (!m_services.engine)
+        return;
+    for (const Engine::Left& each : m_services.engine->Model().LeftWritten())
+        RecordEvent(event::ParameterLeft, {{argument::id, each.id},
+                                           {argument::name, m_procedure.engine->parameters.at(each.id).name},
+                                           {argument::value, each.value},
+                                           {argument::was, each.was}});
+}
+
+ProcedureRun::Ending ProcedureRun::Judge(Ending ending,
+                                         const std::vector<Measurements::Result>& measured) const {
+    const auto become = [&ending](Verdict verdict, std::string reason) {
+        ending = {verdict, std::move(reason)};
+    };
+    const auto ofOutcome = [&measured](Outcome outcome, auto describe) {
+        std::vector<std::string> texts;
+        for (const Measurements::Result& each : measured) {
+            if (each.outcome == outcome)
+                texts.push_back(describe(each));
+        }
+        return fmt::format("{}", fmt::join(texts, "; "));
+    };
+    const std::string cleanUp = m_failedCleanUp.Summary();
+    if (ending.verdict == Verdict::Passed) {
+        const std::string failed = ofOutcome(Outcome::Failed, Measured);
+        const std::string missing = ofOutcome(Outcome::Missing, [](const Measurements::Result& each) {
+            return fmt::format("measurement {} was not made", Quoted(each.name));
+        });
+        const std::string calls = m_shared.settings.allowFailedCalls ? "" : m_failedCalls.Summary();
+        if (!failed.empty())
+            become(Verdict::Failed, failed);
+        else if (!missing.empty())
+            become(Verdict::Error, missing);
+        else if (!calls.empty())
+            become(Verdict::Error, "not everything was done: " + calls);
+        else if (!cleanUp.empty())
+            become(Verdict::Error, ending.reason);
+    }
+    if (!cleanUp.empty())
+        ending.reason += "; the clean-up failed: " + cleanUp;
+    return ending;
+}
+
+HRESULT ProcedureRun::RunCommand(const std::string& id) {
+    if (m_ending || (m_stepExpired && CurrentThread() == mainThread))
+        return E_ABORT;
+    const auto command = m_procedure.commands.find(id);
+    if (command == m_procedure.commands.end())
+        return E_INVALIDARG;
+    if (CommandDepth() >= maxCommandDepth)
+        return HRESULT_FROM_WIN32(ERROR_STACK_OVERFLOW);
+    const std::string caller = CurrentCommand();
+    const std::uint64_t before = WriteCount();
+    CComPtr<IVantCommand> object;
+    CommandScope scope(id);
+    const char* phase = "";
+    const HRESULT result = CreateAndExecute(command->second, object, scope, phase);
+    if (SUCCEEDED(result))
+        CheckResults(command->second, id, *object.Get(), before);
+    RecordEvent(event::CommandEnded,
+                {{argument::className, command->second.className.text},
+                 {argument::caller, TextOrNull(caller)},
+                 {argument::phase, phase}},
+                result);
+    return result;
+}
+
+HRESULT ProcedureRun::CreateAndExecute(const Command& command, CComPtr<IVantCommand>& object,
+                                       CommandScope& scope, const char*& phase) {
+    phase = "create";
+    HRESULT result = m_shared.factory.Create(command.className.text, object);
+    RecordEvent(event::CommandCreated, {{argument::className, command.className.text}}, result);
+    if (FAILED(result))
+        return result;
+
+    phase = "initialize";
+    result = object->Initialize(&m_services.context, &m_services.controller);
+    RecordEvent(event::CommandInitialized, {}, result);
+    if (FAILED(result))
+        return result;
+
+    phase = "set property";
+    for (const auto& [name, value] : command.properties) {
+        result = object->SetProperty(CComBSTR(ToWide(name.text)).Get(), CComBSTR(ToWide(value.text)).Get());
+        RecordEvent(event::PropertySet, {{argument::name, name.text}, {argument::value, value.text}}, result);
+        if (FAILED(result))
+            return result;
+    }
+
+    phase = "execute";
+    scope.SetObject(object.Get());
+    return object->Execute();
+}
+
+void ProcedureRun::CheckResults(const Command& command, const std::string& id, IVantCommand& object,
+                                std::uint64_t before) {
+    CComPtr<IVantPersistentCommand> persistent;
+    if (SUCCEEDED(object.QueryInterface(IID_IVantPersistentCommand, reinterpret_cast<void**>(&persistent))))
+        return; // It writes while it runs on.
+    for (const auto& [name, value] : command.properties) {
+        const ClassProperty* const property = FindClassProperty(command.className.text, name.text);
+        if (!property || !property->required || property->kind != PropertyKind::DataEntryWritten ||
+            LastWrite(value.text) > before)
+            continue;
+        RecordEvent(event::ResultMissing, {{argument::name, name.text}, {argument::value, value.text}});
+        if (!m_ending && !MayFail(id, ""))
+            (m_inFinally ? m_failedCleanUp : m_failedCalls)
+                .Add(fmt::format("{} has not written {}", Quoted(id), Quoted(value.text)));
+    }
+}
+
+void ProcedureRun::Watch(const Record& call) {
+    const HRESULT result = call.result.value_or(S_OK);
+    if (result == E_ABORT)
+        return; // It was refused because the step or the run ends.
+    if (SUCCEEDED(result) && call.operation == operation::SetValue) {
+        const Value* const value = call.Find(argument::value);
+        NoteWrite(call.Text(argument::name), value ? *value : Value(nullptr));
+    }
+    // The step's own evaluations are repeated until they succeed.
+    const bool counts = !m_ending && !call.command.empty() && !MayFail(call.command, call.operation);
+    (m_inFinally ? m_failedCleanUp : m_failedCalls).Take(call, m_shared.journal.Now(), counts);
+}
+
+bool ProcedureRun::MayFail(const std::string& command, const std::string& operation) const {
+    const std::lock_guard lock(m_access);
+    return m_step && std::any_of(m_step->mayFail.begin(), m_step->mayFail.end(), [&](const Located& each) {
+               return each.text == command || each.text == operation;
+           });
+}
+
+void ProcedureRun::NoteWrite(const std::string& entry, Value value) {
+    const std::int64_t now = m_shared.journal.Now();
+    const std::lock_guard lock(m_access);
+    m_lastWrite[entry] = ++m_writes;
+    m_measurements.Take(entry, std::move(value), now, m_inFinally ? "finally" : m_stepId);
+}
+
+std::uint64_t ProcedureRun::WriteCount() const {
+    const std::lock_guard lock(m_access);
+    return m_writes;
+}
+
+std::uint64_t ProcedureRun::LastWrite(const std::string& entry) const {
+    const std::lock_guard lock(m_access);
+    const auto found = m_lastWrite.find(entry);
+    return found == m_lastWrite.end() ? 0 : found->second;
+}
+
+std::vector<std::string> ProcedureRun::StillHeld() const {
+    std::vector<std::string> held = m_services.StillHeld();
+    for (const auto& called : m_stillHeld) {
+        for (std::string& name : called->StillHeld())
+            held.push_back(std::move(name));
+    }
+    return held;
+}
+
+void ProcedureRun::RecordThreadEnded(std::uint32_t cookie, HRESULT result) noexcept {
+    try {
+        RecordEvent(event::ThreadEnded, {{argument::cookie, std::int64_t{cookie}}}, result);
+    } catch (...) {
+        m_shared.journal.MarkIncomplete();
+    }
+}
+
+void ProcedureRun::RecordEvent(const char* event, std::vector<Argument> arguments,
+                               std::optional<HRESULT> result) {
+    Record record;
+    record.service = service::Runner;
+    record.operation = event;
+    record.arguments = std::move(arguments);
+    record.result = result;
+    m_shared.journal.Add(std::move(record));
+}
+
+} // namespace vant::host

@@ -1,0 +1,189 @@
+#pragma once
+
+#include "host/procedure/Procedure.h"
+#include "host/record/CallScope.h"
+#include "host/record/Journal.h"
+#include "host/runner/CommandFactory.h"
+#include "host/runner/FailedCalls.h"
+#include "host/runner/Measurements.h"
+#include "host/runner/Watchdog.h"
+#include "host/services/Services.h"
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace vant::host {
+
+/// The greatest depth of commands that run or start one another; a thread that a command starts is one level
+/// deeper than the command. RunCommand returns HRESULT_FROM_WIN32(ERROR_STACK_OVERFLOW) to a request that
+/// would go deeper.
+inline constexpr std::size_t maxCommandDepth = 32;
+
+/// "passed", "failed", "error" or "aborted".
+const char* NameOf(Verdict verdict);
+
+/// What the user asks of a run.
+struct RunSettings {
+    std::optional<std::int64_t> maxTime{};  ///< In place of the procedure's, in milliseconds.
+    std::optional<std::int64_t> maxSteps{}; ///< In place of the procedure's.
+    bool allowFailedCalls = false;          ///< Failed calls leave the verdict as it is.
+    std::map<std::string, std::string> tags{};
+};
+
+/// What a procedure and those that it runs have in common.
+struct RunShared {
+    RunShared(const CommandFactory& usedFactory, Journal& usedJournal, RunSettings usedSettings)
+        : factory(usedFactory), journal(usedJournal), settings(std::move(usedSettings)) {}
+
+    const CommandFactory& factory;
+    Journal& journal;
+    const RunSettings settings;
+};
+
+/// Why a procedure ends before its steps lead to an end.
+enum class Cause {
+    None,
+    Aborted, ///< By the user.
+    MaxTime, ///< Its time has run out.
+    Outer    ///< The time of the procedure that runs it, or of its step, has run out.
+};
+
+/// One run of one procedure: its steps, then the commands under `finally`, then the verdict.
+class ProcedureRun {
+public:
+    struct Ending {
+        Verdict verdict = Verdict::Error;
+        std::string reason;
+    };
+
+    /// `outer`: the run that this one is part of; null for the outermost one. All arguments must outlive this
+    /// object.
+    ProcedureRun(const Procedure& procedure, RunShared& shared, ProcedureRun* outer);
+
+    /// Before the run.
+    void Intercept(CallGate::Interceptor interceptor) { m_services.gate.Intercept(std::move(interceptor)); }
+
+    /// An entry of the data store at the beginning. Before the run.
+    void Give(const std::string& entry, CComVariant value);
+
+    /// Call it once, see Runner::Run.
+    Ending Run();
+
+    /// Lets go of the data, which stays for the caller to read. After the run.
+    void ReleaseData() { m_services.data.Clear(); }
+
+    /// Ends the run, and the one that it waits for; the first cause counts. Any thread may call.
+    void End(Cause cause) noexcept;
+
+    /// See Runner::StillHeld.
+    std::vector<std::string> StillHeld() const;
+
+private:
+    /// What came of one try of a step.
+    struct Attempt {
+        std::optional<Ending> failure{};     ///< A command or a called procedure failed.
+        std::optional<std::string> chosen{}; ///< The transition.
+        bool timedOut = false;
+        std::string timedOutReason{};
+    };
+
+    static constexpr std::int64_t longestWait = 1'000'000'000;
+
+    void RecordBeginning();
+    Ending RunSteps();
+    /// Tries the step as often as it says.
+    Attempt RunStep(const Step& step);
+    Attempt TryStep(const Step& step);
+    /// Waits as the step says. Whether it has waited to the end.
+    bool WaitInStep(const Step& step);
+    bool WantsRetry(const Step& step, const Attempt& attempt) const;
+    /// Runs the commands of a step, up to the first one that fails or after which a transition has been
+    /// chosen. Returns the id of the one that failed; nothing if none did.
+    std::optional<std::string> RunCommandsOf(const Step& step);
+    /// Runs the procedure that the step calls; returns its ending unless it passed.
+    std::optional<Ending> RunCalled(const ProcedureCall& call);
+    /// The step to which `step` leads, null if there is none. `key` becomes the key of the file that names
+    /// it.
+    const std::string* TargetOf(const Step& step, const Attempt& attempt, std::string& key) const;
+    /// How the procedure ends in a step that leads nowhere.
+    Ending EndingIn(const std::string& step, const Attempt& attempt) const;
+    Ending EndingBy(Cause cause) const;
+
+    // Waiting. Each returns whether it has waited to the end; a choice of a transition ends the first two.
+    bool Pause(std::int64_t milliseconds);
+    bool AwaitConditions(const std::string& name);
+    bool AwaitCommands(Wait wait);
+    /// Waits until `isOver` returns true, the step's time has run out or the run is to end. Looks again after
+    /// `period`.
+    template <class IsOver>
+    bool WaitUntil(IsOver isOver, DWORD period);
+    void BeginWait(const Step& step, std::string what);
+    void EndWait();
+    /// The time of the current try has run out. On the watchdog's thread.
+    void ExpireStep() noexcept;
+    /// What the run waits for, what still runs, and what has not worked since when.
+    std::string DescribeWaiting() const;
+
+    void RunFinally();
+    void EndPersistentCommands();
+    std::vector<Measurements::Result> RecordMeasurements();
+    void RecordLeft();
+    /// What the steps' ending becomes by measurements and failed calls.
+    Ending Judge(Ending ending, const std::vector<Measurements::Result>& measured) const;
+
+    HRESULT RunCommand(const std::string& id);
+    /// Gives `scope` the object before it is executed. `phase` becomes the last phase that was begun.
+    HRESULT CreateAndExecute(const Command& command, CComPtr<IVantCommand>& object, CommandScope& scope,
+                             const char*& phase);
+    /// Notes the required results that a command which has succeeded did not write.
+    void CheckResults(const Command& command, const std::string& id, IVantCommand& object,
+                      std::uint64_t before);
+    /// A call that is over. Any thread may call.
+    void Watch(const Record& call);
+    void NoteWrite(const std::string& entry, Value value);
+    std::uint64_t WriteCount() const;
+    std::uint64_t LastWrite(const std::string& entry) const;
+    /// Whether failures of that command or operation are expected in the current step.
+    bool MayFail(const std::string& command, const std::string& operation) const;
+
+    /// On the thread that has ended.
+    void RecordThreadEnded(std::uint32_t cookie, HRESULT result) noexcept;
+    void RecordEvent(const char* event, std::vector<Argument> arguments, std::optional<HRESULT> result = {});
+
+    const Procedure& m_procedure;
+    RunShared& m_shared;
+    ProcedureRun* const m_outer;
+    FailedCalls m_failedCalls;
+    FailedCalls m_failedCleanUp;
+    Measurements m_measurements;
+    std::vector<std::pair<std::string, CComVariant>> m_arguments;
+    std::vector<std::unique_ptr<ProcedureRun>>
+        m_stillHeld; ///< Called ones whose objects commands still hold.
+    std::atomic<Cause> m_cause{Cause::None};
+    std::atomic<bool> m_ending{false};      ///< Whether requests are refused.
+    std::atomic<bool> m_inFinally{false};   ///< Whether the clean-up has begun.
+    std::atomic<bool> m_stepExpired{false}; ///< Whether the time of the current try has run out.
+    std::atomic<bool> m_executing{false};   ///< Whether the step runs its commands, instead of waiting.
+
+    mutable std::mutex m_access;      ///< Protects what follows.
+    ProcedureRun* m_called = nullptr; ///< The run that this one waits for.
+    const Step* m_step = nullptr;     ///< The current one.
+    std::string m_stepId;
+    std::string m_waitsFor; ///< Empty if the run does not wait.
+    std::int64_t m_waitsSince = 0;
+    std::uint64_t m_writes = 0;
+    std::map<std::string, std::uint64_t> m_lastWrite; ///< The number of the last write of each entry.
+
+    Watchdog m_watchdog;
+    Services m_services; ///< Destroyed first: its threads may use everything above.
+};
+
+} // namespace vant::host
