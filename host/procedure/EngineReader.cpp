@@ -39,6 +39,7 @@ public:
             if (const auto text = Text(node, "unit " + Quoted(key.str())))
                 m_engine.units.emplace(std::string(key.str()), text->text);
         });
+        CheckUnits();
         ForEach(table, "faults",
                 [this](const toml::key& key, const toml::node& node) { ReadFaultArray(key, node); });
         return std::move(m_engine);
@@ -83,8 +84,10 @@ private:
             parameter.name = name->text;
         if (const auto text = OptionalText(*table, "text"))
             parameter.text = text->text;
-        if (const auto units = OptionalText(*table, "units"))
+        if (auto units = OptionalText(*table, "units")) {
             parameter.unitsKey = units->text;
+            m_unitsKeys.push_back(std::move(*units));
+        }
         parameter.readOnly = OptionalTruth(*table, "readOnly");
         m_behaviours.ReadFails(*table, parameter);
         const toml::node* const value = table->get("value");
@@ -100,6 +103,14 @@ private:
         parameter.max = OptionalLimit(*table, "max", parameter.value);
         CheckLimits(parameter, *table);
         m_behaviours.ReadBehaviour(id, *table, parameter);
+    }
+
+    void CheckUnits() {
+        for (const Located& key : m_unitsKeys) {
+            if (!m_engine.units.contains(key.text))
+                m_found.Warning(key.position, "'units' of the engine has no " + Quoted(key.text) +
+                                                  m_found.Suggest(key.text, m_engine.units));
+        }
     }
 
     std::optional<double> OptionalLimit(const toml::table& table, std::string_view key, const Value& value) {
@@ -171,6 +182,7 @@ private:
 
     BehaviourReader m_behaviours;
     EngineDescription m_engine;
+    std::vector<Located> m_unitsKeys; ///< Of the parameters.
 };
 
 } // namespace
