@@ -30,11 +30,18 @@ public:
         : m_procedure(procedure), m_commands(commands), m_flow(procedure, commands), m_found(found) {}
 
     void Check() {
+        const std::size_t errors = m_found.Errors();
+        for (std::size_t step = 0; step < m_flow.StepCount() && m_flow.IsWhole(); ++step)
+            NoteTransitions(step, m_flow.CommandsOf(step));
+        if (m_flow.IsWhole())
+            CheckTransitions();
+        // A wrong transition makes steps look out of reach.
+        if (m_found.Errors() != errors)
+            return;
         for (std::size_t step = 0; step < m_flow.StepCount() && m_flow.IsWhole(); ++step)
             CheckStep(step);
         if (!m_flow.IsWhole())
             return;
-        CheckTransitions();
         CheckReached();
         CheckCircles();
     }
@@ -45,7 +52,6 @@ private:
     void CheckStep(std::size_t number) {
         const Step& step = m_flow.StepAt(number);
         const Working working = m_flow.CommandsOf(number);
-        NoteTransitions(number, working);
         CheckChoices(number, working);
         CheckTerminators(number, working);
         CheckMayFail(number, working);
@@ -118,7 +124,7 @@ private:
                                             Quoted(use.name)));
             return;
         }
-        const std::string suggestion = m_found.Suggest(use.name, m_keys);
+        const std::string suggestion = exists ? std::string() : m_found.Suggest(use.name, m_keys);
         m_found.Error(use.property->value.position,
                       fmt::format("no step that runs command {} has the transition {}{}", Quoted(command.id),
                                   Quoted(use.name), suggestion));
@@ -263,15 +269,17 @@ private:
 
     void CheckReached() {
         const std::vector<bool> reached = m_flow.Reached();
-        for (const std::size_t step : Beginnings(m_flow.Leads(), reached))
-            m_found.Warning(m_flow.StepAt(step).position, "nothing leads to step " + Name(step));
-        for (std::size_t step = 0; step < reached.size(); ++step) {
-            if (reached[step] && m_flow.StepAt(step).end)
-                return;
+        bool ends = false;
+        for (std::size_t step = 0; step < reached.size(); ++step)
+            ends = ends || (reached[step] && m_flow.StepAt(step).end);
+        for (const std::size_t step : Beginnings(m_flow.Leads(), reached)) {
+            if (ends || !m_flow.StepAt(step).end)
+                m_found.Warning(m_flow.StepAt(step).position, "nothing leads to step " + Name(step));
         }
-        m_found.Warning(m_procedure.start.position,
-                        "no step with 'end' can be reached: the procedure ends only if something "
-                        "fails");
+        if (!ends)
+            m_found.Warning(m_procedure.start.position,
+                            "no step with 'end' can be reached: the procedure ends "
+                            "only if something fails");
     }
 
     void CheckCircles() {

@@ -28,8 +28,13 @@ public:
                    "commands", "steps"});
         ReadHead(root);
         for (const toml::table& each : shared) {
-            CheckKeys(each, "an included file",
-                      {"data", "conditions", "components", "measurements", "commands"});
+            if (const auto steps = each.find("steps"); steps != each.end())
+                m_found.Error(PositionOf(steps->first),
+                              "an included file has no steps: to run a procedure, name it "
+                              "in 'procedure' of a step");
+            else
+                CheckKeys(each, "an included file",
+                          {"data", "conditions", "components", "measurements", "commands"});
             ReadShared(each);
         }
         ReadShared(root);

@@ -33,12 +33,15 @@ public:
             CheckUse(command, use);
         if (MayLackEngine(command))
             return;
+        std::string missing;
         for (const std::string_view id : command.traits->parameters) {
             if (!id.empty() && !m_engine.engine->parameters.contains(std::string(id)))
-                m_found.Error(command.command->className.position,
-                              fmt::format("the engine has no parameter {}, which the class {} uses",
-                                          Quoted(id), command.traits->className));
+                missing += (missing.empty() ? "" : ", ") + Quoted(id);
         }
+        if (!missing.empty())
+            m_found.Error(command.command->className.position,
+                          fmt::format("the engine lacks what the class {} uses: {}",
+                                      command.traits->className, missing));
     }
 
     void CheckRest() {
@@ -69,6 +72,7 @@ private:
         case PropertyKind::DataEntry:
         case PropertyKind::DataEntryRead:
             CheckEntry(use.name, position);
+            CheckEntryRead(command, use);
             break;
         case PropertyKind::DataEntryWritten:
             if (m_procedure.conditions.contains(use.name))
@@ -131,6 +135,25 @@ private:
         if (m_whole.commands && !name.empty() && !m_data.Exists(name))
             m_found.Error(position, "there is no data entry " + Quoted(name) +
                                         ": nothing gives or writes it" + SuggestEntry(name));
+    }
+
+    void CheckEntryRead(const CommandUse& command, const NameUse& use) {
+        const Position& position = use.property->value.position;
+        if (use.kind != PropertyKind::DataEntryRead)
+            return;
+        if (m_procedure.conditions.contains(use.name)) {
+            m_found.Error(position, Quoted(use.name) + " is a condition set, which has no value to read");
+            return;
+        }
+        if (use.known->holds != PropertyKind::Parameter || MayLackEngine(command) ||
+            !m_data.IsConstant(use.name))
+            return;
+        const auto value = m_procedure.data.find(use.name);
+        const auto* const id =
+            value == m_procedure.data.end() ? nullptr : std::get_if<std::string>(&value->second);
+        if (id)
+            CheckEngineHas("parameter", m_engine.engine->parameters, *id,
+                           m_procedure.dataPositions.at(use.name));
     }
 
     std::string SuggestEntry(const std::string& name) {
