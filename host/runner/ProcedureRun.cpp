@@ -339,10 +339,12 @@ std::optional<std::string> ProcedureRun::RunCommandsOf(const Step& step) {
     for (const Located& id : step.run) {
         if (m_cause != Cause::None || m_stepExpired || m_services.procedureController.Chosen())
             break;
+        const std::size_t before = m_failedCalls.Count();
         const HRESULT result = RunCommand(id.text);
         if (SUCCEEDED(result))
             continue;
-        if (result != E_ABORT && !MayFail(id.text, ""))
+        // A call that failed says more than the command's own result.
+        if (m_failedCalls.Count() == before && result != E_ABORT && !MayFail(id.text, ""))
             m_failedCalls.Add(fmt::format("{} failed: {}", Quoted(id.text), DescribeCode(result)));
         return id.text;
     }
