@@ -108,6 +108,15 @@ const Property* FindProperty(const Command& command, std::string_view name) {
     return found == command.properties.end() ? nullptr : &*found;
 }
 
+std::set<std::string_view> NamesThatMayFail(const Procedure& procedure) {
+    std::set<std::string_view> names;
+    for (const auto& [id, step] : procedure.steps) {
+        for (const Located& each : step.mayFail)
+            names.insert(each.text);
+    }
+    return names;
+}
+
 References ReferencesIn(std::string_view text, std::string_view opening) {
     References references;
     for (std::size_t at = text.find(opening); at != std::string_view::npos; at = text.find(opening, at)) {

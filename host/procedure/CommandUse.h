@@ -4,6 +4,7 @@
 #include "host/procedure/ClassTraits.h"
 #include "host/procedure/Procedure.h"
 
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -35,6 +36,9 @@ PropertyKind HeldKind(const Command& command, const ClassProperty& known);
 
 /// The value of a property; null if the command does not have it.
 const Property* FindProperty(const Command& command, std::string_view name);
+
+/// The commands and operations that steps list in `mayFail`.
+std::set<std::string_view> NamesThatMayFail(const Procedure& procedure);
 
 /// The names in a text in which references are replaced: each NAME in `opening` NAME ")". `isOpen` tells
 /// whether the text ends inside a reference.

@@ -11,6 +11,7 @@ public:
 
     DataUse Find(const CallerUse& callers) {
         m_use.given.insert(callers.given.begin(), callers.given.end());
+        m_use.arguments.insert(callers.given.begin(), callers.given.end());
         m_use.read.insert(callers.taken.begin(), callers.taken.end());
         for (const auto& [name, value] : m_procedure.data) {
             m_use.given.insert(name);

@@ -20,9 +20,10 @@ struct CallerUse {
 struct DataUse {
     using Names = std::set<std::string, std::less<>>;
 
-    Names given{};   ///< At the beginning, condition sets among them.
-    Names written{}; ///< By a command, or as the result of a called procedure.
-    Names read{};    ///< By anything, references in texts among them.
+    Names given{};     ///< At the beginning, condition sets among them.
+    Names written{};   ///< By a command, or as the result of a called procedure.
+    Names arguments{}; ///< Of those given, the ones that callers give.
+    Names read{};      ///< By anything, references in texts among them.
     /// Whose texts may have references replaced; in the second, those to entries, too.
     Names expanded{};
     Names expandedWithEntries{};

@@ -26,7 +26,13 @@ public:
                   {"name", "description", "revision", "author", "maxTime", "maxSteps", "start", "finally",
                    "finallyTime", "include", "data", "conditions", "components", "measurements", "engine",
                    "commands", "steps"});
-        ReadHead(root);
+        if (HasOrMeans(root, "name") || HasOrMeans(root, "start") || HasOrMeans(root, "steps"))
+            ReadHead(root);
+        else
+            m_found.Error(
+                {},
+                "'name', 'start' and 'steps' are missing: this is not a procedure; a file that procedures "
+                "include is checked with them");
         for (const toml::table& each : shared) {
             if (const auto steps = each.find("steps"); steps != each.end())
                 m_found.Error(PositionOf(steps->first),
@@ -43,8 +49,6 @@ public:
         ForEach(root, "steps", [this](const toml::key& key, const toml::node& node) {
             m_procedure.steps[std::string(key.str())] = ReadStep(key, node, m_found);
         });
-        if (!HasOrMeans(root, "steps"))
-            m_found.Error({1, 1}, "'steps' is missing: a procedure needs a step that ends it");
         return std::move(m_procedure);
     }
 
@@ -56,6 +60,8 @@ private:
             m_procedure.name = std::move(name->text);
         if (auto start = RequiredName(root, "start", {1, 1}))
             m_procedure.start = std::move(*start);
+        if (!HasOrMeans(root, "steps"))
+            m_found.Error({1, 1}, "'steps' is missing: a procedure needs a step that ends it");
         const auto read = [&](const char* key, std::string& text) {
             if (auto located = OptionalText(root, key))
                 text = std::move(located->text);

@@ -11,22 +11,12 @@ namespace vant::host {
 
 namespace {
 
-/// The commands that a step lists in `mayFail`.
-std::set<std::string_view> CommandsThatMayFail(const Procedure& procedure) {
-    std::set<std::string_view> ids;
-    for (const auto& [id, step] : procedure.steps) {
-        for (const Located& each : step.mayFail)
-            ids.insert(each.text);
-    }
-    return ids;
-}
-
 class ReferenceCheck {
 public:
     ReferenceCheck(const Procedure& procedure, const DataUse& data, const CalledData& called,
                    const EngineAtHand& engine, const WholeParts& whole, Diagnostics& found)
         : m_procedure(procedure), m_data(data), m_called(called), m_engine(engine), m_whole(whole),
-          m_found(found), m_mayFail(CommandsThatMayFail(procedure)) {}
+          m_found(found), m_mayFail(NamesThatMayFail(procedure)) {}
 
     void CheckCommand(const CommandUse& command) {
         for (const NameUse& use : command.names)
@@ -234,10 +224,11 @@ private:
 
     void CheckMeasurement(const std::string& name, const Measurement& measurement) {
         const std::string& entry = measurement.data.text;
-        if (m_whole.commands && !entry.empty() && !m_data.written.contains(entry))
-            m_found.Error(measurement.data.position,
-                          fmt::format("nothing writes the data entry {}, which measurement {} reads{}",
-                                      Quoted(entry), Quoted(name), m_found.Suggest(entry, m_data.written)));
+        if (!m_whole.commands || entry.empty() || m_data.written.contains(entry))
+            return;
+        m_found.Error(measurement.data.position,
+                      fmt::format("nothing writes the data entry {}, which measurement {} reads{}",
+                                  Quoted(entry), Quoted(name), m_found.Suggest(entry, m_data.written)));
     }
 
     void CheckCall(const ProcedureCall& call) {

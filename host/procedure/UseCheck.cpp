@@ -50,7 +50,9 @@ public:
 
     void CheckData() {
         for (const auto& [name, position] : m_procedure.dataPositions) {
-            if (!m_data.read.contains(name) && !m_data.written.contains(name))
+            // That an argument is not read has been told to who gives it.
+            if (!m_data.read.contains(name) && !m_data.written.contains(name) &&
+                !m_data.arguments.contains(name))
                 Warn(position, "nothing uses the data entry " + Quoted(name));
         }
         std::set<std::string_view> told;

@@ -89,7 +89,7 @@ std::optional<std::int64_t> AsUnits(const Value& value, std::int64_t unit) {
 class ValueCheck {
 public:
     ValueCheck(const Procedure& procedure, const DataUse& data, Diagnostics& found)
-        : m_procedure(procedure), m_data(data), m_found(found) {}
+        : m_procedure(procedure), m_data(data), m_found(found), m_mayFail(NamesThatMayFail(procedure)) {}
 
     void Check(const CommandUse& use) {
         for (const Property& property : use.command->properties) {
@@ -136,7 +136,7 @@ private:
     void CheckEntry(const CommandUse& use, const Property& property, const ClassProperty& known) {
         const std::string& name = property.value.text;
         const auto value = m_procedure.data.find(name);
-        if (value == m_procedure.data.end() || !m_data.IsConstant(name))
+        if (value == m_procedure.data.end() || !m_data.IsConstant(name) || m_mayFail.contains(use.id))
             return;
         const PropertyKind held = HeldKind(*use.command, known);
         if (!m_checked.emplace(name, held).second)
@@ -216,6 +216,7 @@ private:
     const DataUse& m_data;
     std::set<std::pair<std::string, PropertyKind>> m_checked; ///< Entries, and as what they are read.
     Diagnostics& m_found;
+    const std::set<std::string_view> m_mayFail;
 };
 
 } // namespace

@@ -10,7 +10,7 @@ std::span<const CodeMeaning> CodeMeanings() noexcept {
     static constexpr CodeMeaning meanings[] = {
         {S_OK, "S_OK", "done"},
         {S_FALSE, "S_FALSE", "has ended"},
-        {E_FAIL, "E_FAIL", "failed"},
+        {E_FAIL, "E_FAIL", "unspecified failure"},
         {E_ABORT, "E_ABORT", "refused, because the procedure ends"},
         {E_ACCESSDENIED, "E_ACCESSDENIED", "read-only"},
         {E_BOUNDS, "E_BOUNDS", "beyond the limits of the parameter"},

@@ -76,6 +76,16 @@ void FailedCalls::DropTry() {
     m_inTry = false;
 }
 
+std::size_t FailedCalls::Count() const {
+    const std::lock_guard lock(m_access);
+    return m_kept.count + m_tried.count;
+}
+
+std::size_t FailedCalls::CountOfTry() const {
+    const std::lock_guard lock(m_access);
+    return m_tried.count;
+}
+
 std::string FailedCalls::Summary() const {
     const std::lock_guard lock(m_access);
     if (m_kept.count == 0)

@@ -116,7 +116,7 @@ TEST(ProcedureReader, ManyMistakes_AreAllReportedInTheOrderOfTheFile) {
         "f:10:8: error: there is no command 'drp' (did you mean 'drop'?)\n"
         "f:10:15: error: a command id must be a string, not a number: write it in quotes\n"
         "f:11:8: error: there is no step 'don' (did you mean 'done'?)\n"
-        "f:13:7: error: 'end' is \"passed\" or \"failed\" (did you mean 'passed'?)\n");
+        "f:13:7: error: 'end' is \"passed\", \"failed\" or \"error\" (did you mean 'passed'?)\n");
 }
 
 TEST(ProcedureReader, UnknownKey_IsReportedInEveryTable) {
@@ -162,7 +162,7 @@ TEST(ProcedureReader, StepThatLeadsNowhere_IsReported) {
     EXPECT_EQ(Said(With("[steps.a]\non = { x = 'done' }\n")), nowhere); // nothing runs that could choose
     EXPECT_EQ(Said(With("[steps.a]\nrun = ['c']\n[commands.c]\nclass = 'C'\n")), nowhere);
     EXPECT_EQ(Said(With("[steps.a]\nrun = []\nnext = 'done'\n")),
-              "f:6:7: error: 'run' is empty: name a command, or leave the key out\n");
+              "f:6:7: error: 'run' is empty: name a command id, or leave the key out\n");
 }
 
 TEST(ProcedureReader, StepThatEndsAndGoesOn_IsReportedAtEveryKeyTooMany) {

@@ -49,7 +49,7 @@ protected:
     }
     Verdict Run(const std::string& steps, const CommandFactory& commands) {
         Read(steps);
-        Runner runner(procedure, commands, journal);
+        Runner runner(procedure, commands, journal, settings);
         const Verdict verdict = runner.Run();
         EXPECT_TRUE(runner.StillHeld().empty());
         return verdict;
@@ -76,6 +76,7 @@ protected:
     Journal journal{[] { return std::int64_t{0}; }};
     test::ScriptedFactory factory;
     Procedure procedure;
+    RunSettings settings{.allowFailedCalls = true};
 };
 
 using Texts = std::vector<std::string>;
@@ -145,20 +146,22 @@ TEST_F(RunnerTest, TransitionOfAnotherStepsTable_IsRefused) {
     factory.classes["choose"] = [](const test::Scene& scene) { return scene.SetTransition(L"weak"); };
     EXPECT_EQ(Run(Commands({"choose", "ok"}) + "[steps.s]\nrun = ['ok']\nnext = 't'\non = { weak = 'good' }\n"
                                                "[steps.t]\nrun = ['choose']\nnext = 'good'\n"),
-              Verdict::Failed);
-    EXPECT_EQ(Reason(), "command 'choose' failed in step 't'");
+              Verdict::Error);
+    EXPECT_EQ(Reason(),
+              "command 'choose' failed in step 't': 'choose' ProcedureController.SetTransition weak: "
+              "invalid argument, 0x80070057");
 }
 
-TEST_F(RunnerTest, NothingChosenWithoutNext_EndsFailed) {
-    EXPECT_EQ(Run(Commands({"ok"}) + "[steps.s]\nrun = ['ok']\non = { weak = 'good' }\n"), Verdict::Failed);
+TEST_F(RunnerTest, NothingChosenWithoutNext_IsAnError) {
+    EXPECT_EQ(Run(Commands({"ok"}) + "[steps.s]\nrun = ['ok']\non = { weak = 'good' }\n"), Verdict::Error);
     EXPECT_EQ(Reason(), "no transition was chosen in step 's'");
 }
 
 TEST_F(RunnerTest, FailedCommand_EndsTheRunWithoutRunningTheRest) {
     EXPECT_EQ(Run(Commands({"ok", "fail"}) + "[steps.s]\nrun = ['fail', 'ok']\nnext = 'good'\n"),
-              Verdict::Failed);
+              Verdict::Error);
     EXPECT_EQ(executed, (Texts{"fail"}));
-    EXPECT_EQ(Reason(), "command 'fail' failed in step 's'");
+    EXPECT_EQ(Reason(), "command 'fail' failed in step 's': 'fail' failed: unspecified failure, 0x80004005");
     EXPECT_EQ(StepsEntered(), (Texts{"s"}));
 }
 
@@ -241,7 +244,7 @@ TEST_F(RunnerTest, CommandThatRunsItself_IsStoppedAtTheDepthLimit) {
             innermost = result;
         return result;
     };
-    EXPECT_EQ(Run(Commands({"self"}) + "[steps.s]\nrun = ['self']\nnext = 'good'\n"), Verdict::Failed);
+    EXPECT_EQ(Run(Commands({"self"}) + "[steps.s]\nrun = ['self']\nnext = 'good'\n"), Verdict::Error);
     EXPECT_EQ(deepest, maxCommandDepth);
     EXPECT_EQ(innermost, HRESULT_FROM_WIN32(ERROR_STACK_OVERFLOW));
     EXPECT_EQ(CommandDepth(), 0U);
@@ -323,7 +326,7 @@ TEST_F(RunnerTest, InterceptedCall_FailsTheCommandThatMakesIt) {
     const LoadedModule module(test::BuiltModuleFile());
     Read("[commands.write]\nclass = 'DataStoreWriter'\nproperties = { dsLocation = 'a', value = '1' }\n"
          "[steps.s]\nrun = ['write', 'write']\nnext = 'bad'\nfailed = 'good'\n");
-    Runner runner(procedure, module, journal);
+    Runner runner(procedure, module, journal, settings);
     int writes = 0;
     runner.Intercept([&writes](const Record& call) -> std::optional<HRESULT> {
         if (call.operation == operation::SetValue && ++writes == 2)
@@ -399,7 +402,7 @@ TEST_F(RunnerTest, BuiltModule_CompositeThatNamesItself_FailsAtTheDepthLimit) {
     EXPECT_EQ(Run("[commands.c]\nclass = 'CompositeCommand'\nproperties = { commandIDList = 'c' }\n"
                   "[steps.s]\nrun = ['c']\nnext = 'good'\n",
                   module),
-              Verdict::Failed);
+              Verdict::Error);
     EXPECT_TRUE(module.CanUnload());
     const auto refused = std::count_if(records.begin(), records.end(), [](const Record& record) {
         return record.operation == operation::RunCommand &&
