@@ -162,8 +162,10 @@ void LoadAll(const toml::table& root, LoadedFile& main, const std::string& engin
     std::vector<ProcedureToCheck> toCheck = {{&procedure, &main.found}};
     for (const CalledProcedure& each : called)
         toCheck.push_back({each.procedure.get(), &each.file->found});
-    CheckProcedures(toCheck, {procedure.engine ? &*procedure.engine : nullptr, engineIsWhole && engineIsRead},
-                    engineFile.empty() && !procedure.engineFile);
+    const EngineAtHand engine = {.engine = procedure.engine ? &*procedure.engine : nullptr,
+                                 .isAnother = !engineFile.empty(),
+                                 .isKnown = engineIsWhole && engineIsRead};
+    CheckProcedures(toCheck, engine, engineFile.empty() && !procedure.engineFile);
 }
 
 } // namespace

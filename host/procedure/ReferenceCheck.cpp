@@ -6,6 +6,7 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace vant::host {
 
@@ -29,9 +30,9 @@ public:
                 missing += (missing.empty() ? "" : ", ") + Quoted(id);
         }
         if (!missing.empty())
-            m_found.Error(command.command->className.position,
-                          fmt::format("the engine lacks what the class {} uses: {}",
-                                      command.traits->className, missing));
+            ReportLack(command.command->className.position,
+                       fmt::format("the engine lacks what the class {} uses: {}", command.traits->className,
+                                   missing));
     }
 
     void CheckRest() {
@@ -165,8 +166,19 @@ private:
     template <class Map>
     void CheckEngineHas(const char* what, const Map& known, const std::string& id, const Position& position) {
         if (!known.contains(id))
-            m_found.Error(position, fmt::format("the engine has no {} {}{}", what, Quoted(id),
-                                                m_found.Suggest(id, known)));
+            ReportLack(position, LackOf(what, known, id));
+    }
+
+    template <class Map>
+    std::string LackOf(const char* what, const Map& known, const std::string& id) {
+        return fmt::format("the engine has no {} {}{}", what, Quoted(id), m_found.Suggest(id, known));
+    }
+
+    void ReportLack(const Position& position, std::string message) {
+        if (m_engine.isAnother)
+            m_found.Warning(position, std::move(message));
+        else
+            m_found.Error(position, std::move(message));
     }
 
     /// A procedure without components accepts every component, and a component without properties every
@@ -207,8 +219,8 @@ private:
             return;
         if (!m_engine.engine)
             m_found.Error(condition.position, "a condition on a parameter needs an engine");
-        else
-            CheckEngineHas("parameter", m_engine.engine->parameters, condition.subject, condition.position);
+        else if (const auto& known = m_engine.engine->parameters; !known.contains(condition.subject))
+            m_found.Error(condition.position, LackOf("parameter", known, condition.subject));
     }
 
     /// A message that a command makes may come too late.
@@ -288,10 +300,9 @@ private:
             return;
         for (const std::string& id : ReferencesIn(text, parameterReference).names) {
             if (!m_engine.engine->parameters.contains(id))
-                m_found.Error(position,
-                              fmt::format("{} refers to parameter {}, which the engine does not have{}",
-                                          place, Quoted(id),
-                                          m_found.Suggest(id, m_engine.engine->parameters)));
+                ReportLack(position,
+                           fmt::format("{} refers to parameter {}, which the engine does not have{}", place,
+                                       Quoted(id), m_found.Suggest(id, m_engine.engine->parameters)));
         }
     }
 

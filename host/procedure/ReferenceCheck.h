@@ -13,8 +13,11 @@ namespace vant::host {
 /// The engine that a procedure is checked against.
 struct EngineAtHand {
     const EngineDescription* engine = nullptr; ///< Null: there is none.
-    bool isKnown =
-        true; ///< Otherwise it has mistakes or could not be read, and nothing is checked against it.
+    /// It takes the place of the procedure's own. Commands may ask in vain then: it is to be found out what
+    /// they do on an engine that lacks something.
+    bool isAnother = false;
+    /// Otherwise it has mistakes or could not be read, and nothing is checked against it.
+    bool isKnown = true;
 };
 
 /// What becomes of the entries of the procedures that a procedure runs, as far as these have no mistakes.
