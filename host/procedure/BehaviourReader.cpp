@@ -5,9 +5,7 @@
 #include "host/text/Suggestion.h"
 
 #include <array>
-#include <cmath>
 #include <functional>
-#include <limits>
 #include <set>
 #include <utility>
 
@@ -15,7 +13,6 @@ namespace vant::host {
 
 namespace {
 
-constexpr double longestSeconds = 1e9;
 constexpr std::int64_t mostDecimals = 9;
 
 const std::array<std::string_view, 5> sources = {"follows", "towards", "ramp", "changes", "sequence"};
@@ -46,7 +43,7 @@ void BehaviourReader::ReadBehaviour(const std::string& id, const toml::table& ta
     ReadSource(id, *keys, behaviour, parameter.value);
     if (const toml::node* const loads = keys->get("loads"))
         ReadLoads(*loads, behaviour);
-    behaviour.lag = AboveZero(*keys, "lag");
+    behaviour.lag = SecondsAboveZero(*keys, "lag");
     behaviour.rate = AboveZero(*keys, "rate");
     behaviour.noise = AboveZero(*keys, "noise");
     if (const toml::node* const decimals = keys->get("decimals"))
@@ -299,67 +296,6 @@ void BehaviourReader::CheckCircles(const std::map<std::string, EngineParameter>&
             m_found.Error(followed.position,
                           Quoted(follower) + " follows itself through " + Quoted(followed.text));
     });
-}
-
-std::optional<Value> BehaviourReader::SameKind(const toml::node& node, const std::string& what,
-                                               const Value& value) {
-    auto read = Scalar(node, what);
-    if (!read)
-        return std::nullopt;
-    const bool same = NumberIn(value) ? NumberIn(*read).has_value() : read->index() == value.index();
-    if (!same) {
-        m_found.Error(PositionOf(node),
-                      what + " must be of the same kind as the parameter's 'value', not " + KindOf(node));
-        return std::nullopt;
-    }
-    return read;
-}
-
-std::optional<double> BehaviourReader::Number(const toml::table& table, std::string_view key) {
-    const toml::node* const node = table.get(key);
-    if (!node)
-        return std::nullopt;
-    const auto number = node->is_number() ? node->value<double>() : std::nullopt;
-    if (!number || !std::isfinite(*number)) {
-        m_found.Error(PositionOf(*node), Quoted(key) + " must be a number, not " +
-                                             (number ? "nan or an infinite one" : KindOf(*node)));
-        return std::nullopt;
-    }
-    return number;
-}
-
-double BehaviourReader::AboveZero(const toml::table& table, std::string_view key) {
-    const auto number = Number(table, key);
-    if (!number || *number > 0)
-        return number.value_or(0);
-    m_found.Error(PositionOf(*table.get(key)), Quoted(key) + " must be above 0");
-    return 0;
-}
-
-std::optional<std::int64_t> BehaviourReader::Time(const toml::table& table, std::string_view key) {
-    const auto seconds = Number(table, key);
-    if (!seconds)
-        return std::nullopt;
-    if (*seconds < 0 || *seconds > longestSeconds) {
-        m_found.Error(PositionOf(*table.get(key)),
-                      Quoted(key) + " must lie between 0 and 1000000000 seconds");
-        return std::nullopt;
-    }
-    return std::llround(*seconds * 1000);
-}
-
-std::optional<std::int64_t> BehaviourReader::RequiredTime(const toml::table& table, std::string_view key,
-                                                          Position owner) {
-    if (!table.contains(key))
-        m_found.Error(owner, Quoted(key) + " is missing");
-    return Time(table, key);
-}
-
-std::optional<double> BehaviourReader::RequiredNumber(const toml::table& table, std::string_view key,
-                                                      Position owner) {
-    if (!table.contains(key))
-        m_found.Error(owner, Quoted(key) + " is missing");
-    return Number(table, key);
 }
 
 } // namespace vant::host

@@ -79,6 +79,48 @@ behaviour = { towards = 3, rate = 2 }
     EXPECT_FALSE(read.parameters.at("x").behaviour);
 }
 
+TEST(EngineBehaviourReader, TimesWithUnits_AreThoseInSeconds) {
+    Diagnostics found;
+    const EngineDescription read = ReadEngine(R"([parameters.ramp]
+value = 1.0
+fails = { from = "250ms", until = "1h" }
+behaviour = { ramp = { to = 2, at = "5s", over = "10min" }, lag = "1500ms", loads = [
+  { at = "0.5s", until = "1.5min", by = 1 }] }
+[parameters.changes]
+value = 1
+behaviour.changes = [{ at = "2.5s", to = 2 }]
+[parameters.sequence]
+value = 1
+behaviour = { sequence = [1, 2, 3], every = "20ms" }
+)",
+                                              found);
+    EXPECT_EQ(found.Print("e"), "");
+    const EngineParameter& ramp = read.parameters.at("ramp");
+    EXPECT_EQ(ramp.outage->from, 250);
+    EXPECT_EQ(ramp.outage->until, 3600000);
+    EXPECT_EQ(ramp.behaviour->ramp->at, 5000);
+    EXPECT_EQ(ramp.behaviour->ramp->over, 600000);
+    EXPECT_EQ(ramp.behaviour->lag, 1.5);
+    EXPECT_EQ(ramp.behaviour->loads[0].at, 500);
+    EXPECT_EQ(ramp.behaviour->loads[1].at, 90000);
+    EXPECT_EQ(read.parameters.at("changes").behaviour->changes[0].at, 2500);
+    EXPECT_EQ(read.parameters.at("sequence").behaviour->changes[2].at, 40);
+}
+
+TEST(EngineBehaviourReader, WrongTimes_AreReported) {
+    const std::string must = " must be a number of seconds, or a text such as '250ms', '5s', '10min' or "
+                             "'1h', not ";
+    EXPECT_EQ(SaidOf("1.0", "lag = '5'"), "e:3:21: error: 'lag'" + must + "'5'\n");
+    EXPECT_EQ(SaidOf("1.0", "lag = '5 s'"), "e:3:21: error: 'lag'" + must + "'5 s'\n");
+    EXPECT_EQ(SaidOf("1.0", "lag = true"), "e:3:21: error: 'lag'" + must + "true or false\n");
+    EXPECT_EQ(SaidOf("1.0", "lag = '0s'"), "e:3:21: error: 'lag' must be above 0\n");
+    EXPECT_EQ(SaidOf("1", "sequence = [1], every = '-1s'"), "e:3:39: error: 'every'" + must + "'-1s'\n");
+    EXPECT_EQ(SaidOf("1", "sequence = [1], every = nan"),
+              "e:3:39: error: 'every' must be a number, not nan or an infinite one\n");
+    EXPECT_EQ(SaidOf("1", "sequence = [1], every = 1e10"),
+              "e:3:39: error: 'every' must lie between 0 and 1000000000 seconds\n");
+}
+
 TEST(EngineBehaviourReader, WrongSeed_IsReported) {
     EXPECT_EQ(Said("seed = -1"), "e:1:8: error: 'seed' must be a whole number from 0\n");
     EXPECT_EQ(Said("seed = 1.5"), "e:1:8: error: 'seed' must be a whole number from 0\n");
@@ -224,7 +266,10 @@ TEST(EngineBehaviourReader, WrongFailures_AreReported) {
     EXPECT_EQ(said("{ until = 1 }"), "e:3:9: error: a failure needs 'from' or 'read'\n"
                                      "e:3:11: error: 'until' needs 'from'\n");
     EXPECT_EQ(said("{ from = 1, until = 1 }"), "e:3:29: error: 'until' must be later than 'from'\n");
-    EXPECT_EQ(said("{ from = 'x' }"), "e:3:18: error: 'from' must be a number, not a string\n");
+    EXPECT_EQ(
+        said("{ from = 'x' }"),
+        "e:3:18: error: 'from' must be a number of seconds, or a text such as '250ms', '5s', '10min' or "
+        "'1h', not 'x'\n");
     EXPECT_EQ(said("{ read = 0 }"),
               "e:3:18: error: 'read' must be a whole number above 0: 1 is the first read\n");
 }
