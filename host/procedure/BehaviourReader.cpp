@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::int64_t mostDecimals = 9;
 
-const std::array<std::string_view, 5> sources = {"follows", "towards", "ramp", "changes", "sequence"};
+const std::array<std::string_view, 6> sources = {"follows", "sum", "towards", "ramp", "changes", "sequence"};
 
 Position PositionOfKey(const toml::table& table, std::string_view name) {
     return PositionOf(table.find(name)->first);
@@ -30,8 +30,8 @@ void BehaviourReader::ReadBehaviour(const std::string& id, const toml::table& ta
     if (!keys)
         return;
     CheckKeys(*keys, "a behaviour",
-              {"follows", "gain", "offset", "towards", "ramp", "changes", "sequence", "every", "loads", "lag",
-               "rate", "noise", "decimals"});
+              {"follows", "gain", "offset", "sum", "towards", "ramp", "changes", "sequence", "every", "loads",
+               "lag", "rate", "noise", "decimals"});
     if (keys->empty())
         m_found.Error(PositionOf(*node),
                       "'behaviour' is empty: say what the parameter does, or leave it out");
@@ -56,6 +56,8 @@ void BehaviourReader::ReadSource(const std::string& id, const toml::table& table
         ReadFollows(id, *follows, behaviour);
     behaviour.gain = Number(table, "gain").value_or(1);
     behaviour.offset = Number(table, "offset").value_or(0);
+    if (const toml::node* const sum = table.get("sum"))
+        ReadSum(id, *sum, behaviour);
     behaviour.towards = Number(table, "towards");
     if (const toml::node* const ramp = table.get("ramp"))
         ReadRamp(*ramp, behaviour, value);
@@ -69,7 +71,7 @@ void BehaviourReader::ReadFollows(const std::string& id, const toml::node& node,
     const auto add = [&](const toml::node& each) {
         if (auto followed = Text(each, "the id of a parameter")) {
             behaviour.follows.push_back(followed->text);
-            m_references.push_back({id, std::move(*followed)});
+            m_references.push_back({"follows", id, std::move(*followed)});
         }
     };
     const toml::array* const list = node.as_array();
@@ -81,6 +83,32 @@ void BehaviourReader::ReadFollows(const std::string& id, const toml::node& node,
         m_found.Error(PositionOf(node), "'follows' is empty: name a parameter, or leave the key out");
     for (const toml::node& each : *list)
         add(each);
+}
+
+void BehaviourReader::ReadSum(const std::string& id, const toml::node& node, Behaviour& behaviour) {
+    const toml::array* const list = AsList(node, "'sum' must be a list of inputs");
+    if (!list)
+        return;
+    if (list->empty())
+        m_found.Error(PositionOf(node), "'sum' is empty: add an input, or leave the key out");
+    for (const toml::node& each : *list) {
+        const toml::table* const table = AsTable(each, "an input of a sum");
+        if (!table)
+            continue;
+        CheckKeys(*table, "an input of a sum", {"of", "gain", "offset"});
+        Term& term = behaviour.sum.emplace_back();
+        term.of = ReadOf(id, *table, PositionOf(each));
+        term.gain = Number(*table, "gain").value_or(1);
+        term.offset = Number(*table, "offset").value_or(0);
+    }
+}
+
+std::string BehaviourReader::ReadOf(const std::string& id, const toml::table& table, Position owner) {
+    auto of = RequiredText(table, "of", owner);
+    if (!of)
+        return {};
+    m_references.push_back({"of", id, *of});
+    return std::move(of->text);
 }
 
 void BehaviourReader::ReadRamp(const toml::node& node, Behaviour& behaviour, const Value& value) {
@@ -241,7 +269,7 @@ void BehaviourReader::CheckOneSource(const toml::table& table) {
 void BehaviourReader::CheckFits(const toml::table& table, const Value& value) {
     const bool byReads = table.contains("sequence") && !table.contains("every");
     for (const std::string_view key :
-         {"follows", "towards", "ramp", "loads", "lag", "rate", "noise", "decimals"}) {
+         {"follows", "sum", "towards", "ramp", "loads", "lag", "rate", "noise", "decimals"}) {
         if (!table.contains(key))
             continue;
         if (!NumberIn(value))
@@ -262,8 +290,10 @@ void BehaviourReader::CheckReference(const Reference& reference,
                                      const std::map<std::string, EngineParameter>& parameters) {
     const auto& [id, position] = reference.followed;
     if (id == reference.follower) {
-        m_found.Error(position,
-                      "a parameter without a source follows what is written to it: leave 'follows' out");
+        m_found.Error(position, reference.key == "follows"
+                                    ? "a parameter without a source follows what is written to it: leave "
+                                      "'follows' out"
+                                    : "a parameter cannot follow itself");
         return;
     }
     const auto followed = parameters.find(id);
@@ -282,7 +312,7 @@ void BehaviourReader::CheckCircles(const std::map<std::string, EngineParameter>&
         numbers.emplace(id, numbers.size());
     Graph graph(parameters.size());
     const auto forEach = [&](auto visit) {
-        for (const auto& [follower, followed] : m_references) {
+        for (const auto& [key, follower, followed] : m_references) {
             if (follower != followed.text && numbers.contains(followed.text))
                 visit(numbers[follower], numbers[followed.text], follower, followed);
         }

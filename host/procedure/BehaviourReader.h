@@ -26,6 +26,7 @@ public:
 private:
     /// A parameter that names another one as its source.
     struct Reference {
+        std::string_view key; ///< Where it is named: "follows" or "of".
         std::string follower;
         Located followed;
     };
@@ -33,6 +34,7 @@ private:
     void ReadSource(const std::string& id, const toml::table& table, Behaviour& behaviour,
                     const Value& value);
     void ReadFollows(const std::string& id, const toml::node& node, Behaviour& behaviour);
+    void ReadSum(const std::string& id, const toml::node& node, Behaviour& behaviour);
     void ReadRamp(const toml::node& node, Behaviour& behaviour, const Value& value);
     void ReadChanges(const toml::node& node, Behaviour& behaviour, const Value& value);
     void ReadSequence(const toml::table& table, const toml::node& node, Behaviour& behaviour,
@@ -41,6 +43,8 @@ private:
     void ReadDecimals(const toml::node& node, Behaviour& behaviour, const Value& value);
     void CheckOneSource(const toml::table& table);
     void CheckFits(const toml::table& table, const Value& value);
+    /// Reads the required key "of" of a table within a behaviour, the id of a parameter.
+    std::string ReadOf(const std::string& id, const toml::table& table, Position owner);
     void CheckReference(const Reference& reference, const std::map<std::string, EngineParameter>& parameters);
     void CheckCircles(const std::map<std::string, EngineParameter>& parameters);
 

@@ -30,11 +30,19 @@ struct Ramp {
     std::int64_t over = 1; ///< At least 1.
 };
 
+/// One input of a sum: gain * x + offset, for the number x of the parameter `of`.
+struct Term {
+    std::string of;
+    double gain = 1;
+    double offset = 0;
+};
+
 struct Behaviour {
     // The source; at most one. Without a source the parameter follows what is written to it.
     std::vector<std::string> follows; ///< Ids; the parameter that was written last leads.
     double gain = 1;
     double offset = 0;
+    std::vector<Term> sum;
     std::optional<double> towards;
     std::optional<Ramp> ramp;
     std::vector<ScheduledValue>
@@ -50,8 +58,10 @@ struct Behaviour {
 
     /// Whether commands can write the parameter.
     bool FollowsWrites() const noexcept {
-        return follows.empty() && !towards && !ramp && changes.empty() && sequence.empty();
+        return follows.empty() && sum.empty() && !towards && !ramp && changes.empty() && sequence.empty();
     }
+    /// The ids of the parameters that the source depends on.
+    std::vector<std::string> Followed() const;
 };
 
 /// A period in which reads of a parameter fail.

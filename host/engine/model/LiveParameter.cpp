@@ -46,7 +46,7 @@ LiveParameter::LiveParameter(const std::string& id, const EngineParameter& descr
 void LiveParameter::Connect(const std::map<std::string, LiveParameter>& all) {
     if (!m_description.behaviour)
         return;
-    for (const std::string& id : m_description.behaviour->follows)
+    for (const std::string& id : m_description.behaviour->Followed())
         m_followed.push_back(&all.at(id));
 }
 
@@ -112,24 +112,44 @@ void LiveParameter::TakeInput(std::int64_t step, std::uint64_t writes) {
     m_inertia->Follow(InputAt({step * engineStep, writes}), step);
 }
 
-/// Chains of leaders may be long: a loop instead of a recursion, from the first leader whose level is known
-/// back to this parameter.
 double LiveParameter::LevelAt(const Moment& moment) const {
-    std::vector<const LiveParameter*> chain;
-    for (const LiveParameter* each = this; each->TakesLevel() && !each->KnowsLevel(moment);
-         each = &each->Leader())
-        chain.push_back(each);
-    for (; !chain.empty(); chain.pop_back())
-        chain.back()->m_level = Level{moment, chain.back()->NextLevel(moment)};
-    return NextLevel(moment);
-}
-
-double LiveParameter::NextLevel(const Moment& moment) const {
     if (m_inertia)
         return m_inertia->At(moment.time / engineStep);
+    if (!TakesLevels())
+        return m_description.behaviour ? InputAt(moment) : Limited(NumberIn(m_value).value_or(0));
+    FindLevel(moment);
+    return m_level->number;
+}
+
+/// Chains of parameters may be long: a loop instead of a recursion.
+void LiveParameter::FindLevel(const Moment& moment) const {
     if (KnowsLevel(moment))
-        return m_level->number;
-    return m_description.behaviour ? InputAt(moment) : Limited(NumberIn(m_value).value_or(0));
+        return;
+    std::vector<const LiveParameter*> open = {this};
+    while (!open.empty()) {
+        const LiveParameter& last = *open.back();
+        const std::size_t count = open.size();
+        if (!last.KnowsLevel(moment))
+            last.AddUnknown(moment, open);
+        if (open.size() > count)
+            continue;
+        if (!last.KnowsLevel(moment))
+            last.m_level = Level{moment, last.InputAt(moment)};
+        open.pop_back();
+    }
+}
+
+void LiveParameter::AddUnknown(const Moment& moment, std::vector<const LiveParameter*>& open) const {
+    const auto add = [&](const LiveParameter& each) {
+        if (each.TakesLevels() && !each.KnowsLevel(moment))
+            open.push_back(&each);
+    };
+    if (m_description.behaviour->sum.empty()) {
+        add(Leader());
+        return;
+    }
+    for (const LiveParameter* const each : m_followed)
+        add(*each);
 }
 
 double LiveParameter::InputAt(const Moment& moment) const {
@@ -141,12 +161,21 @@ double LiveParameter::InputAt(const Moment& moment) const {
 }
 
 double LiveParameter::SourceAt(const Behaviour& behaviour, const Moment& moment) const {
+    if (!behaviour.sum.empty())
+        return SumAt(behaviour.sum, moment);
     if (!m_followed.empty())
         return behaviour.gain * Leader().LevelAt(moment) + behaviour.offset;
     if (behaviour.towards)
         return *behaviour.towards;
     const double scripted = NumberIn(Scripted(moment.time)).value_or(0);
     return behaviour.ramp ? RampAt(*behaviour.ramp, moment.time, scripted) : scripted;
+}
+
+double LiveParameter::SumAt(const std::vector<Term>& terms, const Moment& moment) const {
+    double sum = 0;
+    for (std::size_t i = 0; i < terms.size(); ++i)
+        sum += terms[i].gain * m_followed[i]->LevelAt(moment) + terms[i].offset;
+    return sum;
 }
 
 const LiveParameter& LiveParameter::Leader() const {

@@ -64,12 +64,15 @@ private:
     };
 
     double LevelAt(const Moment& moment) const;
-    /// Like LevelAt; the level of the leader must be known.
-    double NextLevel(const Moment& moment) const;
+    /// Makes the level known, and before it those that it follows from.
+    void FindLevel(const Moment& moment) const;
+    /// Adds the parameters whose levels must be found before this one's.
+    void AddUnknown(const Moment& moment, std::vector<const LiveParameter*>& open) const;
     double InputAt(const Moment& moment) const;
     double SourceAt(const Behaviour& behaviour, const Moment& moment) const;
-    /// Whether the level follows from that of another parameter at the same moment.
-    bool TakesLevel() const noexcept { return !m_followed.empty() && !m_inertia; }
+    double SumAt(const std::vector<Term>& terms, const Moment& moment) const;
+    /// Whether the level follows from those of other parameters at the same moment.
+    bool TakesLevels() const noexcept { return !m_followed.empty() && !m_inertia; }
     bool KnowsLevel(const Moment& moment) const noexcept { return m_level && m_level->at == moment; }
     /// Of the parameters that this one follows, the one written last.
     const LiveParameter& Leader() const;

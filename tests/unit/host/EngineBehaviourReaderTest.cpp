@@ -172,6 +172,55 @@ TEST(EngineBehaviourReader, Circle_IsReportedAtEachOfItsMembers) {
               "e:9:27: error: 'c' follows itself through 'a'\n");
 }
 
+TEST(EngineBehaviourReader, Sum_IsReadAsItStands) {
+    Diagnostics found;
+    const EngineDescription read = ReadEngine("[parameters.x]\nvalue = 1\n[parameters.a]\nvalue = 1\n"
+                                              "behaviour.sum = [{ of = 'x', gain = 25 }, "
+                                              "{ of = 'x', gain = -3, offset = 5 }, { of = 'x' }]\n",
+                                              found);
+    EXPECT_EQ(found.Print("e"), "");
+    const std::vector<Term>& sum = read.parameters.at("a").behaviour->sum;
+    ASSERT_EQ(sum.size(), 3U);
+    EXPECT_EQ(sum[0].of, "x");
+    EXPECT_EQ(sum[0].gain, 25.0);
+    EXPECT_EQ(sum[0].offset, 0.0);
+    EXPECT_EQ(sum[1].gain, -3.0);
+    EXPECT_EQ(sum[1].offset, 5.0);
+    EXPECT_EQ(sum[2].gain, 1.0);
+}
+
+TEST(EngineBehaviourReader, WrongSums_AreReported) {
+    EXPECT_EQ(SaidOf("1", "sum = { of = 'x' }"),
+              "e:3:21: error: 'sum' must be a list of inputs, not a table\n");
+    EXPECT_EQ(SaidOf("1", "sum = []"), "e:3:21: error: 'sum' is empty: add an input, or leave the key out\n");
+    EXPECT_EQ(SaidOf("1", "sum = ['x', { gian = 1 }]"),
+              "e:3:22: error: an input of a sum must be a table, not a string\n"
+              "e:3:27: error: 'of' is missing\n"
+              "e:3:29: error: an input of a sum has no key 'gian' (did you mean 'gain'?)\n");
+    EXPECT_EQ(SaidOf("1", "sum = [{ of = 1, gain = '2', offset = nan }]"),
+              "e:3:29: error: 'of' must be a string, not a number: write it in quotes\n"
+              "e:3:39: error: 'gain' must be a number, not a string\n"
+              "e:3:53: error: 'offset' must be a number, not nan or an infinite one\n");
+    EXPECT_EQ(SaidOf("1", "sum = [{ of = 'x' }, { of = 'a' }]"),
+              "e:3:29: error: there is no parameter 'x'\n"
+              "e:3:43: error: a parameter cannot follow itself\n");
+    EXPECT_EQ(SaidOf("'x'", "sum = []"),
+              "e:3:15: error: only a parameter whose value is a number has 'sum'\n"
+              "e:3:21: error: 'sum' is empty: add an input, or leave the key out\n");
+    EXPECT_EQ(SaidOf("1", "sum = [], follows = []"),
+              "e:3:21: error: 'sum' is empty: add an input, or leave the key out\n"
+              "e:3:25: error: 'follows' excludes 'sum': a behaviour has one source\n"
+              "e:3:35: error: 'follows' is empty: name a parameter, or leave the key out\n");
+}
+
+TEST(EngineBehaviourReader, CircleThroughASum_IsReported) {
+    EXPECT_EQ(Said("[parameters.a]\nvalue = 1\nbehaviour.sum = [{ of = 'c' }, { of = 'b' }]\n"
+                   "[parameters.b]\nvalue = 1\nbehaviour.follows = 'a'\n"
+                   "[parameters.c]\nvalue = 1\n"),
+              "e:3:39: error: 'a' follows itself through 'b'\n"
+              "e:6:21: error: 'b' follows itself through 'a'\n");
+}
+
 TEST(EngineBehaviourReader, SecondSource_IsReported) {
     EXPECT_EQ(SaidOf("1", "towards = 2, lag = 1, ramp = { to = 1, over = 1 }, sequence = [1], every = 1"),
               "e:3:37: error: 'ramp' excludes 'towards': a behaviour has one source\n"
