@@ -13,9 +13,16 @@ namespace vant::host {
 
 namespace {
 
+constexpr std::int64_t longestDelay = 600'000;
 constexpr std::int64_t mostDecimals = 9;
 
-const std::array<std::string_view, 6> sources = {"follows", "sum", "towards", "ramp", "changes", "sequence"};
+const std::array<std::string_view, 7> sources = {"follows", "sum",     "threshold", "towards",
+                                                 "ramp",    "changes", "sequence"};
+
+/// Whether a key needs a source in time.
+bool ActsInTime(std::string_view key) {
+    return key == "delay" || key == "loads" || key == "stick" || key == "lag" || key == "rate";
+}
 
 Position PositionOfKey(const toml::table& table, std::string_view name) {
     return PositionOf(table.find(name)->first);
@@ -30,8 +37,8 @@ void BehaviourReader::ReadBehaviour(const std::string& id, const toml::table& ta
     if (!keys)
         return;
     CheckKeys(*keys, "a behaviour",
-              {"follows", "gain", "offset", "sum", "towards", "ramp", "changes", "sequence", "every", "loads",
-               "lag", "rate", "noise", "decimals"});
+              {"follows", "gain", "offset", "sum", "threshold", "towards", "ramp", "changes", "sequence",
+               "every", "delay", "loads", "stick", "lag", "rate", "noise", "decimals"});
     if (keys->empty())
         m_found.Error(PositionOf(*node),
                       "'behaviour' is empty: say what the parameter does, or leave it out");
@@ -41,8 +48,10 @@ void BehaviourReader::ReadBehaviour(const std::string& id, const toml::table& ta
     CheckFits(*keys, parameter.value);
     Behaviour& behaviour = parameter.behaviour.emplace();
     ReadSource(id, *keys, behaviour, parameter.value);
+    ReadDelay(*keys, behaviour);
     if (const toml::node* const loads = keys->get("loads"))
         ReadLoads(*loads, behaviour);
+    behaviour.stick = AboveZero(*keys, "stick");
     behaviour.lag = SecondsAboveZero(*keys, "lag");
     behaviour.rate = AboveZero(*keys, "rate");
     behaviour.noise = AboveZero(*keys, "noise");
@@ -58,6 +67,8 @@ void BehaviourReader::ReadSource(const std::string& id, const toml::table& table
     behaviour.offset = Number(table, "offset").value_or(0);
     if (const toml::node* const sum = table.get("sum"))
         ReadSum(id, *sum, behaviour);
+    if (const toml::node* const threshold = table.get("threshold"))
+        ReadThreshold(id, *threshold, behaviour, value);
     behaviour.towards = Number(table, "towards");
     if (const toml::node* const ramp = table.get("ramp"))
         ReadRamp(*ramp, behaviour, value);
@@ -109,6 +120,32 @@ std::string BehaviourReader::ReadOf(const std::string& id, const toml::table& ta
         return {};
     m_references.push_back({"of", id, *of});
     return std::move(of->text);
+}
+
+void BehaviourReader::ReadThreshold(const std::string& id, const toml::node& node, Behaviour& behaviour,
+                                    const Value& value) {
+    const toml::table* const table = AsTable(node, "'threshold'");
+    if (!table)
+        return;
+    CheckKeys(*table, "a threshold", {"of", "on", "off", "high", "low"});
+    const Position position = PositionOf(node);
+    Threshold& threshold = behaviour.threshold.emplace();
+    threshold.of = ReadOf(id, *table, position);
+    const auto on = RequiredNumber(*table, "on", position);
+    const auto off = RequiredNumber(*table, "off", position);
+    if (on && off && *on == *off)
+        m_found.Error(PositionOf(*table->get("off")), "'off' must differ from 'on'");
+    threshold.on = on.value_or(1);
+    threshold.off = off.value_or(0);
+    const auto read = [&](std::string_view key, Value& result) {
+        const toml::node* const found = table->get(key);
+        if (!found)
+            m_found.Error(position, Quoted(key) + " is missing");
+        else if (auto same = SameKind(*found, Quoted(key), value))
+            result = std::move(*same);
+    };
+    read("high", threshold.high);
+    read("low", threshold.low);
 }
 
 void BehaviourReader::ReadRamp(const toml::node& node, Behaviour& behaviour, const Value& value) {
@@ -174,6 +211,15 @@ void BehaviourReader::ReadSequence(const toml::table& table, const toml::node& n
         const auto at = static_cast<std::int64_t>(behaviour.changes.size()) * every.value_or(0);
         behaviour.changes.push_back({at, std::move(each)});
     }
+}
+
+void BehaviourReader::ReadDelay(const toml::table& table, Behaviour& behaviour) {
+    const auto delay = Time(table, "delay");
+    if (!delay)
+        return;
+    if (*delay == 0 || *delay > longestDelay)
+        m_found.Error(PositionOf(*table.get("delay")), "'delay' must be above 0 and at most 600 seconds");
+    behaviour.delay = *delay;
 }
 
 void BehaviourReader::ReadLoads(const toml::node& node, Behaviour& behaviour) {
@@ -268,14 +314,14 @@ void BehaviourReader::CheckOneSource(const toml::table& table) {
 
 void BehaviourReader::CheckFits(const toml::table& table, const Value& value) {
     const bool byReads = table.contains("sequence") && !table.contains("every");
-    for (const std::string_view key :
-         {"follows", "sum", "towards", "ramp", "loads", "lag", "rate", "noise", "decimals"}) {
+    for (const std::string_view key : {"follows", "sum", "towards", "ramp", "delay", "loads", "stick", "lag",
+                                       "rate", "noise", "decimals"}) {
         if (!table.contains(key))
             continue;
         if (!NumberIn(value))
             m_found.Error(PositionOfKey(table, key),
                           "only a parameter whose value is a number has " + Quoted(key));
-        else if (byReads && (key == "loads" || key == "lag" || key == "rate"))
+        else if (byReads && ActsInTime(key))
             m_found.Error(PositionOfKey(table, key), Quoted(key) + " needs a sequence in time: add 'every'");
     }
 }

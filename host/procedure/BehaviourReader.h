@@ -35,10 +35,13 @@ private:
                     const Value& value);
     void ReadFollows(const std::string& id, const toml::node& node, Behaviour& behaviour);
     void ReadSum(const std::string& id, const toml::node& node, Behaviour& behaviour);
+    void ReadThreshold(const std::string& id, const toml::node& node, Behaviour& behaviour,
+                       const Value& value);
     void ReadRamp(const toml::node& node, Behaviour& behaviour, const Value& value);
     void ReadChanges(const toml::node& node, Behaviour& behaviour, const Value& value);
     void ReadSequence(const toml::table& table, const toml::node& node, Behaviour& behaviour,
                       const Value& value);
+    void ReadDelay(const toml::table& table, Behaviour& behaviour);
     void ReadLoads(const toml::node& node, Behaviour& behaviour);
     void ReadDecimals(const toml::node& node, Behaviour& behaviour, const Value& value);
     void CheckOneSource(const toml::table& table);

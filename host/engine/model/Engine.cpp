@@ -21,12 +21,13 @@ Engine::Engine(const std::map<std::string, EngineParameter>& parameters, std::ui
         parameter.Connect(m_parameters);
     m_order = InOrder();
     for (LiveParameter* const parameter : m_order) {
+        parameter->Begin();
         parameter->AddSchedule(m_schedule);
-        if (parameter->HasInertia())
-            m_inert.push_back(parameter);
+        if (parameter->TakesInputs())
+            m_stateful.push_back(parameter);
     }
     for (std::int64_t& time : m_schedule)
-        time = (time + engineStep - 1) / engineStep;
+        time = StepsUpTo(time);
     std::sort(m_schedule.begin(), m_schedule.end());
     TakeInputs();
 }
@@ -103,13 +104,16 @@ std::int64_t Engine::Advance() const {
 
 std::int64_t Engine::NextChange() const {
     const auto scheduled = std::upper_bound(m_schedule.begin(), m_schedule.end(), m_step);
-    const std::int64_t moved =
-        m_moves ? (m_step / movingSteps + 1) * movingSteps : std::numeric_limits<std::int64_t>::max();
-    return scheduled == m_schedule.end() ? moved : std::min(*scheduled, moved);
+    std::int64_t next = scheduled == m_schedule.end() ? std::numeric_limits<std::int64_t>::max() : *scheduled;
+    if (m_moves)
+        next = std::min(next, (m_step / movingSteps + 1) * movingSteps);
+    for (const LiveParameter* const each : m_stateful)
+        next = std::min(next, each->NextArrival());
+    return next;
 }
 
 void Engine::TakeInputs() const {
-    for (LiveParameter* const each : m_inert)
+    for (LiveParameter* const each : m_stateful)
         each->TakeInput(m_step, m_writes);
     m_moves = AnyInputMoves();
 }
@@ -117,7 +121,7 @@ void Engine::TakeInputs() const {
 bool Engine::AnyInputMoves() const {
     for (LiveParameter* const each : m_order)
         each->FindMoves(m_step);
-    return std::any_of(m_inert.begin(), m_inert.end(),
+    return std::any_of(m_stateful.begin(), m_stateful.end(),
                        [](const LiveParameter* each) { return each->InputMoves(); });
 }
 

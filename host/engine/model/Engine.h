@@ -46,10 +46,11 @@ private:
     std::vector<LiveParameter*> InOrder();
     /// Takes every input that has changed by now, and returns the milliseconds since the engine began.
     std::int64_t Advance() const;
-    /// The step after m_step at which an input changes by itself.
+    /// The step after m_step at which an input changes by itself, or a delayed one arrives.
     std::int64_t NextChange() const;
     void TakeInputs() const;
-    /// Whether an input of m_inert may change after m_step, other than at scheduled times and with writes.
+    /// Whether an input of m_stateful may move after m_step: change other than at scheduled times, by writes
+    /// and by arrivals.
     bool AnyInputMoves() const;
 
     const TimeSource m_clock;
@@ -57,11 +58,11 @@ private:
     mutable std::mutex m_access;
     /// Mutable: reads are counted, and bring them up to date.
     mutable std::map<std::string, LiveParameter> m_parameters;
-    std::vector<LiveParameter*> m_order;  ///< Each after those that it follows.
-    std::vector<LiveParameter*> m_inert;  ///< Those with inertia.
-    std::vector<std::int64_t> m_schedule; ///< The steps at which inputs change by themselves, in order.
-    mutable bool m_moves = false;         ///< Whether an input may move before the next scheduled change.
-    mutable std::int64_t m_step = 0;      ///< The step up to which inputs have been taken.
+    std::vector<LiveParameter*> m_order;    ///< Each after those that it follows.
+    std::vector<LiveParameter*> m_stateful; ///< Those of m_order that take inputs.
+    std::vector<std::int64_t> m_schedule;   ///< The steps at which inputs change by themselves, in order.
+    mutable bool m_moves = false;           ///< Whether an input may move before the next scheduled change.
+    mutable std::int64_t m_step = 0;        ///< The step up to which inputs have been taken.
     std::uint64_t m_writes = 0;
 };
 

@@ -15,6 +15,10 @@ namespace {
 /// Keeps every sum and difference of levels finite, whatever has been written.
 constexpr double greatestLevel = 1e300;
 
+double Finite(double number) {
+    return std::isnan(number) ? 0 : std::clamp(number, -greatestLevel, greatestLevel);
+}
+
 double RampAt(const Ramp& ramp, std::int64_t time, double before) {
     if (time < ramp.at)
         return before;
@@ -37,17 +41,31 @@ double RoundedTo(int decimals, double number) {
 
 LiveParameter::LiveParameter(const std::string& id, const EngineParameter& description, std::uint64_t seed)
     : m_description(description), m_noise(NoiseStream(seed, id)), m_value(description.value),
-      m_text(description.text) {
-    const auto& behaviour = m_description.behaviour;
-    if (behaviour && (behaviour->lag > 0 || behaviour->rate > 0))
-        m_inertia.emplace(Limited(NumberIn(m_value).value_or(0)), behaviour->lag, behaviour->rate);
-}
+      m_text(description.text) {}
 
 void LiveParameter::Connect(const std::map<std::string, LiveParameter>& all) {
     if (!m_description.behaviour)
         return;
     for (const std::string& id : m_description.behaviour->Followed())
         m_followed.push_back(&all.at(id));
+}
+
+void LiveParameter::Begin() {
+    if (!m_description.behaviour)
+        return;
+    const Behaviour& behaviour = *m_description.behaviour;
+    if (behaviour.threshold) {
+        m_switch.emplace(behaviour.threshold->on, behaviour.threshold->off);
+        m_switch->Take(m_followed.front()->LevelAt({}));
+    }
+    if (behaviour.delay > 0)
+        m_delayed.emplace(Finite(SourceAt(behaviour, {})), StepsUpTo(behaviour.delay));
+    const bool inert = behaviour.lag > 0 || behaviour.rate > 0;
+    const double value = Limited(NumberIn(m_value).value_or(0));
+    if (behaviour.stick > 0)
+        m_sticking.emplace(inert ? value : InputAt({}), behaviour.stick);
+    if (inert)
+        m_inertia.emplace(value, behaviour.lag, behaviour.rate);
 }
 
 bool LiveParameter::BeginRead(std::int64_t time) {
@@ -109,12 +127,31 @@ void LiveParameter::AddSchedule(std::vector<std::int64_t>& times) const {
 }
 
 void LiveParameter::TakeInput(std::int64_t step, std::uint64_t writes) {
-    m_inertia->Follow(InputAt({step * engineStep, writes}), step);
+    const Moment moment = {step * engineStep, writes};
+    if (m_switch)
+        m_switch->Take(m_followed.front()->LevelAt(moment));
+    if (m_delayed)
+        m_delayed->Take(Finite(SourceAt(*m_description.behaviour, moment)), step);
+    if (!m_sticking && !m_inertia)
+        return;
+    double input = InputAt(moment);
+    if (m_sticking) {
+        m_sticking->Take(input);
+        input = m_sticking->Number();
+    }
+    if (m_inertia)
+        m_inertia->Follow(input, step);
+}
+
+std::int64_t LiveParameter::NextArrival() const noexcept {
+    return m_delayed ? m_delayed->NextArrival() : std::numeric_limits<std::int64_t>::max();
 }
 
 double LiveParameter::LevelAt(const Moment& moment) const {
     if (m_inertia)
         return m_inertia->At(moment.time / engineStep);
+    if (m_sticking)
+        return m_sticking->Number();
     if (!TakesLevels())
         return m_description.behaviour ? InputAt(moment) : Limited(NumberIn(m_value).value_or(0));
     FindLevel(moment);
@@ -157,13 +194,13 @@ double LiveParameter::InputAt(const Moment& moment) const {
     double load = 0;
     for (const Load& each : behaviour.loads)
         load += moment.time >= each.at ? each.by : 0;
-    return Limited(SourceAt(behaviour, moment) + load);
+    return Limited((m_delayed ? m_delayed->Number() : SourceAt(behaviour, moment)) + load);
 }
 
 double LiveParameter::SourceAt(const Behaviour& behaviour, const Moment& moment) const {
     if (!behaviour.sum.empty())
         return SumAt(behaviour.sum, moment);
-    if (!m_followed.empty())
+    if (!behaviour.follows.empty())
         return behaviour.gain * Leader().LevelAt(moment) + behaviour.offset;
     if (behaviour.towards)
         return *behaviour.towards;
@@ -186,6 +223,8 @@ const LiveParameter& LiveParameter::Leader() const {
 
 const Value& LiveParameter::Scripted(std::int64_t time) const {
     const Behaviour& behaviour = *m_description.behaviour;
+    if (m_switch)
+        return m_switch->IsOn() ? behaviour.threshold->high : behaviour.threshold->low;
     if (!behaviour.sequence.empty()) {
         const auto last = static_cast<std::int64_t>(behaviour.sequence.size()) - 1;
         return behaviour.sequence[static_cast<std::size_t>(std::clamp<std::int64_t>(m_reads - 1, 0, last))];
@@ -198,9 +237,7 @@ const Value& LiveParameter::Scripted(std::int64_t time) const {
 }
 
 double LiveParameter::Limited(double number) const {
-    if (std::isnan(number))
-        number = 0;
-    number = std::clamp(number, -greatestLevel, greatestLevel);
+    number = Finite(number);
     if (m_description.min)
         number = std::max(number, *m_description.min);
     if (m_description.max)

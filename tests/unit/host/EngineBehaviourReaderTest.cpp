@@ -213,6 +213,76 @@ TEST(EngineBehaviourReader, WrongSums_AreReported) {
               "e:3:35: error: 'follows' is empty: name a parameter, or leave the key out\n");
 }
 
+TEST(EngineBehaviourReader, DelayThresholdAndStick_AreReadAsTheyStand) {
+    Diagnostics found;
+    const EngineDescription read = ReadEngine(R"([parameters.x]
+value = 1
+[parameters.a]
+value = 0
+behaviour = { threshold = { of = "x", on = 3000, off = 2800, high = 1, low = 0 }, delay = 0.4, stick = 5 }
+[parameters.b]
+value = "OFF"
+behaviour.threshold = { of = "x", on = -1.5, off = 0, high = "ON", low = "OFF" }
+[parameters.c]
+value = 0
+behaviour.delay = "10min"
+)",
+                                              found);
+    EXPECT_EQ(found.Print("e"), "");
+    const Behaviour& a = *read.parameters.at("a").behaviour;
+    ASSERT_TRUE(a.threshold);
+    EXPECT_EQ(a.threshold->of, "x");
+    EXPECT_EQ(a.threshold->on, 3000.0);
+    EXPECT_EQ(a.threshold->off, 2800.0);
+    EXPECT_EQ(a.threshold->high, Value(std::int64_t{1}));
+    EXPECT_EQ(a.threshold->low, Value(std::int64_t{0}));
+    EXPECT_EQ(a.delay, 400);
+    EXPECT_EQ(a.stick, 5.0);
+    const Behaviour& b = *read.parameters.at("b").behaviour;
+    ASSERT_TRUE(b.threshold);
+    EXPECT_EQ(b.threshold->on, -1.5);
+    EXPECT_EQ(b.threshold->high, Value("ON"));
+    EXPECT_EQ(read.parameters.at("c").behaviour->delay, 600000);
+}
+
+TEST(EngineBehaviourReader, WrongThresholds_AreReported) {
+    EXPECT_EQ(SaidOf("1", "threshold = 3"), "e:3:27: error: 'threshold' must be a table, not a number\n");
+    EXPECT_EQ(SaidOf("1", "threshold = {}"), "e:3:27: error: 'of' is missing\n"
+                                             "e:3:27: error: 'on' is missing\n"
+                                             "e:3:27: error: 'off' is missing\n"
+                                             "e:3:27: error: 'high' is missing\n"
+                                             "e:3:27: error: 'low' is missing\n");
+    EXPECT_EQ(SaidOf("1", "threshold = { of = 'b', on = 1, off = 1.0, high = 'x', low = true, hig = 1 }"),
+              "e:3:34: error: there is no parameter 'b'\n"
+              "e:3:53: error: 'off' must differ from 'on'\n"
+              "e:3:65: error: 'high' must be of the same kind as the parameter's 'value', not a string\n"
+              "e:3:76: error: 'low' must be of the same kind as the parameter's 'value', not true or false\n"
+              "e:3:82: error: a threshold has no key 'hig' (did you mean 'high'?)\n");
+    EXPECT_EQ(SaidOf("1", "threshold = { of = 'a', on = 1, off = 0, high = 1, low = 0 }"),
+              "e:3:34: error: a parameter cannot follow itself\n");
+    EXPECT_EQ(SaidOf("1", "threshold = { of = 'b', on = 1, off = 0, high = 1, low = 0 } }\n"
+                          "[parameters.b]\nvalue = 1\nbehaviour = { follows = 'a'"),
+              "e:3:34: error: 'a' follows itself through 'b'\n"
+              "e:6:25: error: 'b' follows itself through 'a'\n");
+    EXPECT_EQ(SaidOf("'x'", "threshold = { of = 'b', on = 1, off = 0, high = '1', low = '0' } }\n"
+                            "[parameters.b]\nvalue = 'y'\nbehaviour = { delay = 1, stick = 1"),
+              "e:3:34: error: the value of 'b' is not a number, so nothing can follow it\n"
+              "e:6:15: error: only a parameter whose value is a number has 'delay'\n"
+              "e:6:26: error: only a parameter whose value is a number has 'stick'\n");
+}
+
+TEST(EngineBehaviourReader, WrongDelaysAndSticks_AreReported) {
+    EXPECT_EQ(SaidOf("1", "delay = 0"), "e:3:23: error: 'delay' must be above 0 and at most 600 seconds\n");
+    EXPECT_EQ(SaidOf("1", "delay = '11min'"),
+              "e:3:23: error: 'delay' must be above 0 and at most 600 seconds\n");
+    EXPECT_EQ(SaidOf("1", "delay = -1"),
+              "e:3:23: error: 'delay' must lie between 0 and 1000000000 seconds\n");
+    EXPECT_EQ(SaidOf("1", "stick = 0"), "e:3:23: error: 'stick' must be above 0\n");
+    EXPECT_EQ(SaidOf("1", "sequence = [1], delay = 1, stick = 1"),
+              "e:3:31: error: 'delay' needs a sequence in time: add 'every'\n"
+              "e:3:42: error: 'stick' needs a sequence in time: add 'every'\n");
+}
+
 TEST(EngineBehaviourReader, CircleThroughASum_IsReported) {
     EXPECT_EQ(Said("[parameters.a]\nvalue = 1\nbehaviour.sum = [{ of = 'c' }, { of = 'b' }]\n"
                    "[parameters.b]\nvalue = 1\nbehaviour.follows = 'a'\n"
