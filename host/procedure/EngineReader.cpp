@@ -176,7 +176,7 @@ private:
         const auto name = RequiredText(*table, "name", PositionOf(node));
         const auto value = RequiredText(*table, "value", PositionOf(node));
         if (name && value)
-            record.push_back({name->text, value->text});
+            record.fields.push_back({name->text, value->text});
     }
 
     BehaviourReader m_behaviours;

@@ -76,17 +76,17 @@ bool LiveParameter::BeginRead(std::int64_t time) {
 }
 
 Value LiveParameter::Read(const Moment& moment) const {
-    const auto& behaviour = m_description.behaviour;
-    if (!behaviour)
+    const double amplitude = m_description.behaviour ? m_description.behaviour->noise : 0;
+    if (!(amplitude > 0))
+        return QuietValue(moment);
+    const double noise = NoiseAt(m_noise, static_cast<std::uint64_t>(moment.time / engineStep));
+    return Shown(Limited(LevelAt(moment) + amplitude * noise));
+}
+
+Value LiveParameter::QuietValue(const Moment& moment) const {
+    if (!m_description.behaviour)
         return m_value;
-    if (!NumberIn(m_value))
-        return Scripted(moment.time);
-    double number = LevelAt(moment);
-    if (behaviour->noise > 0) {
-        number += behaviour->noise * NoiseAt(m_noise, static_cast<std::uint64_t>(moment.time / engineStep));
-        number = Limited(number);
-    }
-    return Shown(number);
+    return NumberIn(m_value) ? Shown(LevelAt(moment)) : Scripted(moment.time);
 }
 
 bool LiveParameter::IsReadOnly() const noexcept {
@@ -108,9 +108,7 @@ void LiveParameter::Write(Value value, std::uint64_t order) {
 }
 
 void LiveParameter::FindMoves(std::int64_t step) {
-    const auto moves = [step](const LiveParameter* each) {
-        return each->InputMoves() || (each->m_inertia && !each->m_inertia->IsSettled(step));
-    };
+    const auto moves = [step](const LiveParameter* each) { return each->Moves(step); };
     const auto& behaviour = m_description.behaviour;
     const bool rises =
         behaviour && behaviour->ramp && step * engineStep < behaviour->ramp->at + behaviour->ramp->over;

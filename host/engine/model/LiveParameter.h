@@ -39,6 +39,8 @@ public:
     bool BeginRead(std::int64_t time);
     /// The result of the read that has begun.
     Value Read(const Moment& moment) const;
+    /// The value at a moment, as a read returns it without noise. For a parameter that does not count reads.
+    Value QuietValue(const Moment& moment) const;
     /// The text that replaces the value's own, if there is one.
     const std::optional<std::string>& OwnText() const noexcept { return m_text; }
 
@@ -57,6 +59,10 @@ public:
     /// be called first for the parameters that this one follows.
     void FindMoves(std::int64_t step);
     bool InputMoves() const noexcept { return m_inputMoves; }
+    /// The same of the level.
+    bool Moves(std::int64_t step) const noexcept {
+        return m_inputMoves || (m_inertia && !m_inertia->IsSettled(step));
+    }
     /// The times at which the input changes by itself.
     void AddSchedule(std::vector<std::int64_t>& times) const;
     /// Takes the input of that step. To be called first for the parameters that this one follows.

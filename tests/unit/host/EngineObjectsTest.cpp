@@ -24,8 +24,9 @@ protected:
         speed.fails = true;
         description.parameters["101001"] = speed;
         description.units["rpm"] = "1/min";
-        description.faultArrays["199000"] = {{{"199009", "Inactive"}},
-                                             {{"199008", "190"}, {"199009", "Active"}}};
+        auto& records199000 = description.faultArrays["199000"];
+        records199000.emplace_back().fields = {{"199009", "Inactive"}};
+        records199000.emplace_back().fields = {{"199008", "190"}, {"199009", "Active"}};
         description.faultArrays["empty"] = {};
         description.connection = "7 main";
         journal.Observe([this](const Record& record) { records.push_back(record); });
