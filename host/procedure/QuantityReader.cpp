@@ -26,6 +26,16 @@ std::optional<Value> QuantityReader::SameKind(const toml::node& node, const std:
     return read;
 }
 
+std::optional<bool> QuantityReader::Truth(const toml::table& table, std::string_view key) {
+    const toml::node* const node = table.get(key);
+    if (!node)
+        return std::nullopt;
+    const auto truth = node->value_exact<bool>();
+    if (!truth)
+        m_found.Error(PositionOf(*node), Quoted(key) + " must be true or false, not " + KindOf(*node));
+    return truth;
+}
+
 std::optional<double> QuantityReader::Number(const toml::table& table, std::string_view key) {
     const toml::node* const node = table.get(key);
     if (!node)

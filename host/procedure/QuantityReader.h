@@ -10,7 +10,8 @@
 
 namespace vant::host {
 
-/// The base of the readers of an engine's tables: numbers, times, and values of a parameter's kind.
+/// The base of the readers of an engine's tables: numbers, times, truth values, and values of a parameter's
+/// kind.
 class QuantityReader : protected TableReader {
 protected:
     using TableReader::TableReader;
@@ -19,6 +20,7 @@ protected:
     /// A value of the same kind as a parameter's `value`. All numbers are of one kind.
     std::optional<Value> SameKind(const toml::node& node, const std::string& what, const Value& value);
 
+    std::optional<bool> Truth(const toml::table& table, std::string_view key);
     /// A finite number.
     std::optional<double> Number(const toml::table& table, std::string_view key);
     std::optional<double> RequiredNumber(const toml::table& table, std::string_view key, Position owner);

@@ -12,6 +12,7 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace vant::host {
@@ -31,6 +32,8 @@ public:
     /// parameter may follow itself, directly or through others.
     explicit Engine(const std::map<std::string, EngineParameter>& parameters, std::uint64_t seed = 0,
                     TimeSource clock = ClockMilliseconds, const FaultArrays& faultArrays = {});
+    explicit Engine(const EngineDescription& description, TimeSource clock = ClockMilliseconds)
+        : Engine(description.parameters, description.seed, std::move(clock), description.faultArrays) {}
 
     /// The current value and its text. NotFound or ReadFailed.
     Expected<Reading> Read(const std::string& id) const;

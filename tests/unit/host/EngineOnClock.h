@@ -24,8 +24,7 @@ protected:
         for (const Diagnostic& each : found.Sorted())
             ADD_FAILURE() << each.Text("engine");
         now = beginning;
-        engine =
-            std::make_unique<Engine>(description.parameters, description.seed, [this] { return now.load(); });
+        engine = std::make_unique<Engine>(description, [this] { return now.load(); });
     }
 
     Value ValueAt(std::int64_t time, const std::string& id) {
