@@ -54,12 +54,12 @@ public:
     void Write(Value value, std::uint64_t order);
 
     /// Whether the parameter has a state that its input changes, so that the input must be taken in time.
-    bool TakesInputs() const noexcept { return m_switch || HoldsInput(); }
+    bool TakesInputs() const noexcept { return m_switch || m_delayed || m_sticking || m_inertia; }
     /// Determines whether the input may change after a step, other than at scheduled times and by writes. To
     /// be called first for the parameters that this one follows.
     void FindMoves(std::int64_t step);
     bool InputMoves() const noexcept { return m_inputMoves; }
-    /// The same of the level.
+    /// Whether the level may change after a step in the same way.
     bool Moves(std::int64_t step) const noexcept {
         return m_inputMoves || (m_inertia && !m_inertia->IsSettled(step));
     }
@@ -87,7 +87,6 @@ private:
     double SumAt(const std::vector<Term>& terms, const Moment& moment) const;
     /// Whether the level follows from those of other parameters at the same moment.
     bool TakesLevels() const noexcept { return !m_followed.empty() && !TakesInputs(); }
-    bool HoldsInput() const noexcept { return m_delayed || m_sticking || m_inertia; }
     bool KnowsLevel(const Moment& moment) const noexcept { return m_level && m_level->at == moment; }
     /// Of the parameters that this one follows, the one written last.
     const LiveParameter& Leader() const;

@@ -22,8 +22,7 @@ LONG EcmIdOf(const std::string& connection) {
 
 EngineObjects::EngineObjects(CallGate& gate, EngineDescription description, IUnknown& identity)
     : m_description(std::move(description)), m_ecmId(EcmIdOf(m_description.connection)),
-      m_engine(m_description),
-      m_connection(gate, m_description.connection), m_session(gate, m_items),
+      m_engine(m_description), m_connection(gate, m_description.connection), m_session(gate, m_items),
       m_directory(gate, m_ecmId, m_session), m_protocolSource(gate, m_description, m_ecmId),
       m_sessionManager(gate, m_description, identity, m_directory, m_protocolSource),
       m_units(gate, m_description.units), m_services(gate, identity, m_units) {
