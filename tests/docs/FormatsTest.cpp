@@ -123,7 +123,8 @@ TEST(ProceduresDocument, Tables_HoldEveryKey) {
 
 TEST(EnginesDocument, Tables_HoldEveryKey) {
     const Words described = WordsInTables("docs/engines.md");
-    for (const char* const source : {"host/procedure/EngineReader.cpp", "host/procedure/BehaviourReader.cpp"})
+    for (const char* const source : {"host/procedure/EngineReader.cpp", "host/procedure/BehaviourReader.cpp",
+                                     "host/procedure/FaultReader.cpp"})
         EXPECT_EQ(Missing(KnownKeys(source), described), Words{}) << source;
 }
 
