@@ -61,7 +61,8 @@ TEST(RecipesDocument, EveryRecipe_EndsAsThePageSays) {
         Journal journal;
         journal.Observe([&last](const Record& record) { last = record; });
         Runner(loaded.procedure, module, journal).Run();
-        EXPECT_EQ("Ends " + last.Text(argument::verdict) + " at " + FormatTime(last.time) + ".", Promised(section))
+        EXPECT_EQ("Ends " + last.Text(argument::verdict) + " at " + FormatTime(last.time) + ".",
+                  Promised(section))
             << last.Text(argument::reason);
     }
     EXPECT_GE(recipes, 8U);
