@@ -139,12 +139,27 @@ private:
                     m_parameters.insert(condition.subject);
             }
         }
-        for (const auto& [id, parameter] : m_procedure.engine->parameters) {
-            if (parameter.behaviour)
-                m_parameters.insert(parameter.behaviour->follows.begin(), parameter.behaviour->follows.end());
-        }
+        FindParametersOfEngine(*m_procedure.engine);
         for (const auto& [id, step] : m_procedure.steps)
             m_parametersAreUnknown = m_parametersAreUnknown || step.procedure;
+    }
+
+    /// Those that others depend on.
+    void FindParametersOfEngine(const EngineDescription& engine) {
+        for (const auto& [id, parameter] : engine.parameters) {
+            if (!parameter.behaviour)
+                continue;
+            for (std::string& followed : parameter.behaviour->Followed())
+                m_parameters.insert(std::move(followed));
+        }
+        for (const auto& [id, records] : engine.faultArrays) {
+            for (const FaultRecordDescription& record : records) {
+                if (record.when)
+                    m_parameters.insert(record.when->parameter);
+                if (record.clearedBy)
+                    m_parameters.insert(record.clearedBy->parameter);
+            }
+        }
     }
 
     void FindParametersOf(const NameUse& use) {
