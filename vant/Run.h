@@ -18,6 +18,7 @@ struct RunOptions {
     std::string module;
     bool registered = false; ///< Commands come from the classes registered with the system, not `module`.
     bool json = false;
+    bool strict = false;         ///< Warnings refuse the run, too.
     bool closesMessages = false; ///< Messages are closed without waiting for the user.
     bool virtualTime = false;    ///< Nothing is waited for.
     double speed = 1;            ///< Otherwise: how many times as fast as real time.
