@@ -78,7 +78,7 @@ TEST_F(LoadingTest, CalledProcedure_IsCheckedWithItsArgumentsAndTheOuterEngine) 
                         "[steps.e]\nend = 'passed'\n");
     EXPECT_EQ(LoadProcedure(file, "").files.Print(),
               FileName(m_folder / "called.toml") +
-                  ":10:58: error: the engine has no parameter '101' (did you mean '100'?)\n");
+                  ":10:64: error: the engine has no parameter '101' (did you mean '100'?)\n");
 }
 
 TEST_F(LoadingTest, CheckedFile_IsAProcedureOrAnEngine) {
