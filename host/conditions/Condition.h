@@ -35,6 +35,7 @@ struct Condition {
 struct Conditions {
     Position position{}; ///< Of the set's name.
     bool any = false;    ///< Whether one condition that holds is enough.
+    bool failSafe = false; ///< Whether a condition that cannot be read is one that does not hold, and nothing else.
     std::vector<Condition> list{};
 };
 

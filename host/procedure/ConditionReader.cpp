@@ -18,7 +18,8 @@ public:
         const toml::table* const table = AsTable(node, "condition set " + Quoted(name.str()));
         if (!table)
             return conditions;
-        CheckKeys(*table, "a condition set", {"all", "any"});
+        CheckKeys(*table, "a condition set", {"all", "any", "failSafe"});
+        conditions.failSafe = OptionalTruth(*table, "failSafe");
         if (table->contains("all") && table->contains("any"))
             m_found.Error(PositionOf(table->find("any")->first),
                           "a condition set has 'all' or 'any', not both");

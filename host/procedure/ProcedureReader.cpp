@@ -23,7 +23,7 @@ public:
 
     Procedure Read(const toml::table& root, std::span<const toml::table> shared) {
         CheckKeys(root, "a procedure",
-                  {"name", "description", "revision", "author", "maxTime", "maxSteps", "start", "finally",
+                  {"name", "description", "revision", "author", "maxTime", "maxSteps", "start", "on", "finally",
                    "finallyTime", "include", "data", "conditions", "components", "measurements", "engine",
                    "commands", "steps"});
         if (HasOrMeans(root, "name") || HasOrMeans(root, "start") || HasOrMeans(root, "steps"))
@@ -71,6 +71,10 @@ private:
         read("author", m_procedure.author);
         m_procedure.maxTime = OptionalLimit(root, "maxTime", defaultMaxTime);
         m_procedure.maxSteps = OptionalCount(root, "maxSteps", 1).value_or(defaultMaxSteps);
+        ForEach(root, "on", [&](const toml::key& id, const toml::node& target) {
+            if (auto text = Text(target, "transition " + Quoted(id.str())))
+                m_procedure.on.emplace(std::string(id.str()), std::move(*text));
+        });
         m_procedure.finally = Names(root, "finally", "command id");
         m_procedure.finallyTime = OptionalLimit(root, "finallyTime", defaultFinallyTime);
         if (root.contains("finallyTime") && !root.contains("finally"))
