@@ -36,7 +36,8 @@ HRESULT ConditionSet::Evaluate(VARIANT_BOOL* allMet) {
                 failed = nullptr;
                 break;
             }
-            if (!failed) {
+            // That a condition could not be read says more than that another one does not hold.
+            if (!failed || (FAILED(each.code) && SUCCEEDED(outcome.code))) {
                 failed = &condition;
                 outcome = std::move(each);
             }
@@ -57,9 +58,10 @@ HRESULT ConditionSet::RecordFailure(Record& record, const Condition& failed, con
         m_failed = &failed;
     }
     record.Add(argument::failed, m_conditions.any ? Describe(m_conditions) : Describe(failed));
-    if (FAILED(outcome.code))
+    if (FAILED(outcome.code) && !m_conditions.failSafe)
         return outcome.code;
-    record.Add(argument::value, outcome.actual);
+    if (!m_conditions.any)
+        record.Add(argument::value, outcome.actual);
     record.Add(argument::allMet, false);
     return S_OK;
 }

@@ -76,7 +76,8 @@ private:
         if (step.until)
             CheckName("condition set", *step.until, m_procedure.conditions);
         for (const Located& each : step.mayFail) {
-            if (!IsOperation(each.text))
+            const bool isCalled = step.procedure && step.procedure->file.text == each.text;
+            if (!isCalled && !IsOperation(each.text))
                 CheckName("operation or command", each, m_procedure.commands);
         }
     }

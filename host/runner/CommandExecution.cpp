@@ -61,6 +61,11 @@ HRESULT CommandExecution::CreateAndExecute(const Command& command, CComPtr<IVant
             return result;
     }
 
+    for (const auto& [name, value] : command.properties) {
+        const ClassProperty* const property = FindClassProperty(command.className.text, name.text);
+        if (property && property->kind == PropertyKind::DataEntryWritten)
+            m_expected(value.text);
+    }
     phase = "execute";
     scope.SetObject(object.Get());
     return object->Execute();

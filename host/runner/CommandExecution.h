@@ -24,14 +24,16 @@ inline constexpr std::size_t maxCommandDepth = 32;
 /// may call.
 class CommandExecution {
 public:
+    /// Is told of an entry that a command is about to write.
+    using OnExpectedResult = std::function<void(const std::string& entry)>;
     /// Is told of a command that has succeeded without writing the entry that it must write.
     using OnMissingResult = std::function<void(const std::string& commandId, const std::string& entry)>;
 
     /// All references must stay valid. The services need not exist yet.
     CommandExecution(const Procedure& procedure, const CommandFactory& factory, Journal& journal,
-                     Services& services, OnMissingResult missing)
+                     Services& services, OnExpectedResult expected, OnMissingResult missing)
         : m_procedure(procedure), m_factory(factory), m_journal(journal), m_services(services),
-          m_missing(std::move(missing)) {}
+          m_expected(std::move(expected)), m_missing(std::move(missing)) {}
 
     /// Runs a command on the calling thread and returns its result; E_INVALIDARG for an unknown id.
     HRESULT Run(const std::string& id);
@@ -53,6 +55,7 @@ private:
     const CommandFactory& m_factory;
     Journal& m_journal;
     Services& m_services;
+    const OnExpectedResult m_expected;
     const OnMissingResult m_missing;
     mutable std::mutex m_access; ///< Protects what follows.
     std::uint64_t m_writes = 0;

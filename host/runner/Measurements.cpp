@@ -93,9 +93,24 @@ bool Satisfies(const Measurement& measurement, const Value& value) {
     });
 }
 
+void Measurements::Expect(const std::string& entry) {
+    const std::lock_guard lock(m_access);
+    m_written.erase(entry);
+}
+
+void Measurements::BeginTry() {
+    const std::lock_guard lock(m_access);
+    ++m_try;
+}
+
+void Measurements::DropTry() {
+    const std::lock_guard lock(m_access);
+    std::erase_if(m_written, [this](const auto& entry) { return entry.second.inTry == m_try; });
+}
+
 void Measurements::Take(const std::string& entry, Value value, std::int64_t time, const std::string& step) {
     const std::lock_guard lock(m_access);
-    m_written.insert_or_assign(entry, Written{std::move(value), time, step});
+    m_written.insert_or_assign(entry, Written{std::move(value), time, step, m_try});
 }
 
 std::vector<Measurements::Result> Measurements::Results() const {
@@ -108,7 +123,7 @@ std::vector<Measurements::Result> Measurements::Results() const {
                                std::nullopt});
             continue;
         }
-        const auto& [value, time, step] = written->second;
+        const auto& [value, time, step, inTry] = written->second;
         results.push_back({name, &measurement,
                            Satisfies(measurement, value) ? Outcome::Passed : Outcome::Failed, value, time,
                            step});

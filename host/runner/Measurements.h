@@ -38,6 +38,11 @@ public:
     explicit Measurements(const std::map<std::string, Measurement>& measurements)
         : m_measurements(measurements) {}
 
+    /// A command begins that is to write an entry: what was written to it before is no measurement any more.
+    void Expect(const std::string& entry);
+    /// From now on writes belong to a try, whose measurements may be dropped until the next one begins.
+    void BeginTry();
+    void DropTry();
     /// An entry of the data store was written.
     void Take(const std::string& entry, Value value, std::int64_t time, const std::string& step);
 
@@ -57,11 +62,13 @@ private:
         Value value;
         std::int64_t time;
         std::string step;
+        std::uint64_t inTry;
     };
 
     const std::map<std::string, Measurement>& m_measurements;
     mutable std::mutex m_access;
     std::map<std::string, Written> m_written; ///< By entry.
+    std::uint64_t m_try = 0;                  ///< The number of the current one.
 };
 
 } // namespace vant::host

@@ -16,6 +16,9 @@ namespace vant::host {
 
 namespace {
 
+/// Its commands stop what goes on: their choices are final, and end the step's waiting at once.
+constexpr std::string_view monitorClass = "StopConditionMonitor";
+
 /// How often a step looks whether the conditions that it waits for hold.
 constexpr DWORD conditionsPeriod = 250;
 
@@ -48,8 +51,10 @@ const char* NameOf(Verdict verdict) {
 
 ProcedureRun::ProcedureRun(const Procedure& procedure, RunShared& shared, ProcedureRun* outer)
     : m_procedure(procedure), m_shared(shared), m_outer(outer), m_measurements(procedure.measurements),
-      m_execution(procedure, shared.factory, shared.journal, m_services,
-                  [this](const std::string& id, const std::string& entry) { NoteMissingResult(id, entry); }),
+      m_execution(
+          procedure, shared.factory, shared.journal, m_services,
+          [this](const std::string& entry) { m_measurements.Expect(entry); },
+          [this](const std::string& id, const std::string& entry) { NoteMissingResult(id, entry); }),
       m_services(
           shared.journal, [this](const std::string& id) { return RunCommand(id); },
           [this](std::uint32_t cookie, HRESULT result) { RecordThreadEnded(cookie, result); },
@@ -83,6 +88,8 @@ ProcedureRun::Ending ProcedureRun::Run() {
     }
     EndPersistentCommands();
     RunFinally();
+    if (m_cause == Cause::Aborted && ending.verdict != Verdict::Aborted)
+        ending = {Verdict::Aborted, "interrupted during the clean-up; before it: " + ending.reason};
     for (const auto& [name, value] : m_services.data.All()) {
         if (!m_messages.contains(name))
             m_shared.journal.AddEvent(event::DataLeft, {{argument::name, name}, {argument::value, value}});
@@ -160,6 +167,7 @@ ProcedureRun::Ending ProcedureRun::RunSteps() {
 ProcedureRun::Attempt ProcedureRun::RunStep(const Step& step) {
     for (std::int64_t number = 1;; ++number) {
         m_failedCalls.BeginTry();
+        m_measurements.BeginTry();
         Attempt attempt = TryStep(step);
         if (m_cause != Cause::None || number > step.retry.times || !WantsRetry(step, attempt)) {
             m_failedCalls.KeepTry();
@@ -170,6 +178,7 @@ ProcedureRun::Attempt ProcedureRun::RunStep(const Step& step) {
                                    : attempt.chosen   ? "transition " + Quoted(*attempt.chosen)
                                                       : "a host call failed";
         m_failedCalls.DropTry();
+        m_measurements.DropTry();
         m_services.persistentThreads.StopOfStep();
         m_shared.journal.AddEvent(
             event::StepRetried,
@@ -192,9 +201,8 @@ ProcedureRun::Attempt ProcedureRun::TryStep(const Step& step) {
     if (step.always)
         m_services.procedureController.EnterStepWithoutChoice();
     else
-        m_services.procedureController.EnterStep([this, &step](const std::string& id) {
-            return step.on.contains(id) || m_procedure.steps.contains(id);
-        });
+        m_services.procedureController.EnterStep(
+            [this, &step](const std::string& id) { return AcceptanceOf(step, id); });
     EndWait();
     m_stepExpired = false;
     Attempt attempt;
@@ -217,6 +225,7 @@ ProcedureRun::Attempt ProcedureRun::TryStep(const Step& step) {
     if (attempt.timedOut && m_cause == Cause::None) {
         attempt.failure.reset();
         attempt.timedOutReason = DescribeWaiting();
+        NoteUnreadable(step);
         m_shared.journal.AddEvent(event::StepTimedOut,
                                   {{argument::step, m_stepId}, {argument::reason, attempt.timedOutReason}});
     }
@@ -271,10 +280,12 @@ bool ProcedureRun::AwaitConditions(const std::string& name) {
     const auto set = std::find_if(m_services.conditionSets.begin(), m_services.conditionSets.end(),
                                   [&name](const ConditionSet& each) { return each.Entry() == name; });
     return WaitUntil(
-        [&] {
+        [&]() -> bool {
             VARIANT_BOOL hold = VARIANT_FALSE;
-            return m_services.procedureController.Chosen() ||
-                   (SUCCEEDED(set->Evaluate(&hold)) && hold != VARIANT_FALSE);
+            if (m_services.procedureController.Chosen())
+                return true;
+            m_lastEvaluation = set->Evaluate(&hold);
+            return SUCCEEDED(m_lastEvaluation) && hold != VARIANT_FALSE;
         },
         conditionsPeriod);
 }
@@ -282,7 +293,7 @@ bool ProcedureRun::AwaitConditions(const std::string& name) {
 bool ProcedureRun::AwaitCommands(Wait wait) {
     return WaitUntil(
         [&] {
-            if (wait == Wait::End)
+            if (wait == Wait::End && !m_services.procedureController.IsFinal())
                 return !m_services.persistentThreads.IsAnyOfStepRunning();
             return m_services.procedureController.Chosen().has_value() ||
                    !m_services.persistentThreads.IsAnyRunning();
@@ -322,16 +333,25 @@ std::string ProcedureRun::DescribeWaiting() const {
     return fmt::format("{}", fmt::join(texts, "; "));
 }
 
+void ProcedureRun::NoteUnreadable(const Step& step) {
+    const HRESULT code = step.until ? m_lastEvaluation : S_OK;
+    if (FAILED(code) && !MayFail("", operation::Evaluate))
+        m_failedCalls.Add(fmt::format("step {} could not evaluate {}: {}", Quoted(m_stepId),
+                                      Quoted(step.until->text), DescribeCode(code)));
+}
+
 void ProcedureRun::ExpireStep() noexcept {
     m_stepExpired = true;
     if (m_executing)
         m_services.parameterService.RefuseMainThread();
-    {
-        const std::lock_guard lock(m_access);
-        if (m_called)
-            m_called->End(Cause::Outer);
-    }
+    EndCalled(Cause::Outer);
     m_services.changed.Set();
+}
+
+void ProcedureRun::EndCalled(Cause cause) noexcept {
+    const std::lock_guard lock(m_access);
+    if (m_called)
+        m_called->End(cause);
 }
 
 void ProcedureRun::End(Cause cause) noexcept {
@@ -400,9 +420,36 @@ std::optional<ProcedureRun::Ending> ProcedureRun::RunCalled(const ProcedureCall&
     called->ReleaseData();
     if (!called->StillHeld().empty())
         m_stillHeld.push_back(std::move(called));
-    if (ending.verdict == Verdict::Error)
-        m_failedCalls.Add(ending.reason);
+    const bool isStopped = ending.verdict == Verdict::Aborted && m_cause == Cause::None;
+    const bool counts = ending.verdict != Verdict::Passed && !isStopped && !m_stepExpired;
+    if (counts && !MayFail(call.file.text, "")) {
+        if (ending.verdict == Verdict::Error)
+            m_failedCalls.Add(ending.reason);
+        else
+            m_failedProcedures.push_back(ending.reason);
+    }
+    if (isStopped)
+        return std::nullopt; // The choice says where to go on.
     return ending.verdict == Verdict::Passed ? std::nullopt : std::optional(std::move(ending));
+}
+
+const std::string* ProcedureRun::StepOf(const Step& step, const std::string& transition) const {
+    for (const auto* const targets : {&step.on, &m_procedure.on}) {
+        if (const auto entry = targets->find(transition); entry != targets->end())
+            return &entry->second.text;
+    }
+    const auto named = m_procedure.steps.find(transition);
+    return named == m_procedure.steps.end() ? nullptr : &named->first;
+}
+
+Acceptance ProcedureRun::AcceptanceOf(const Step& step, const std::string& transition) {
+    if (!StepOf(step, transition))
+        return Acceptance::Refused;
+    const auto command = m_procedure.commands.find(CurrentCommand());
+    if (command == m_procedure.commands.end() || command->second.className.text != monitorClass)
+        return Acceptance::Accepted;
+    EndCalled(Cause::Stopped);
+    return Acceptance::Final;
 }
 
 const std::string* ProcedureRun::TargetOf(const Step& step, const Attempt& attempt, std::string& key) const {
@@ -416,8 +463,7 @@ const std::string* ProcedureRun::TargetOf(const Step& step, const Attempt& attem
         return step.timedOut ? follow("timedOut", step.timedOut) : follow("failed", step.failed);
     if (attempt.chosen) {
         key = "on";
-        const auto entry = step.on.find(*attempt.chosen);
-        return entry != step.on.end() ? &entry->second.text : &m_procedure.steps.find(*attempt.chosen)->first;
+        return StepOf(step, *attempt.chosen);
     }
     return attempt.failure ? follow("failed", step.failed) : follow("next", step.next);
 }
@@ -439,6 +485,8 @@ ProcedureRun::Ending ProcedureRun::EndingIn(const std::string& step, const Attem
 ProcedureRun::Ending ProcedureRun::EndingBy(Cause cause) const {
     if (cause == Cause::Aborted)
         return {Verdict::Aborted, "interrupted"};
+    if (cause == Cause::Stopped)
+        return {Verdict::Aborted, "a monitor of the calling procedure chose a transition"};
     const std::string waiting = DescribeWaiting();
     return {Verdict::Error,
             fmt::format("the time limit {} was reached in step {}{}{}",
@@ -532,20 +580,24 @@ ProcedureRun::Ending ProcedureRun::Judge(Ending ending,
         return fmt::format("{}", fmt::join(texts, "; "));
     };
     const std::string cleanUp = m_failedCleanUp.Summary();
-    if (ending.verdict == Verdict::Passed) {
+    const std::string calls = m_shared.settings.allowFailedCalls ? "" : m_failedCalls.Summary();
+    const bool passes = ending.verdict == Verdict::Passed;
+    if (passes || ending.verdict == Verdict::Failed) {
         const std::string failed = ofOutcome(Outcome::Failed, Measured);
         const std::string missing = ofOutcome(Outcome::Missing, [](const Measurements::Result& each) {
             return fmt::format("measurement {} was not made", Quoted(each.name));
         });
-        const std::string calls = m_shared.settings.allowFailedCalls ? "" : m_failedCalls.Summary();
-        if (!failed.empty())
-            become(Verdict::Failed, failed);
-        else if (!missing.empty())
+        if (!calls.empty())
+            become(Verdict::Error, fmt::format("not everything was done: {}; otherwise {}: {}", calls,
+                                               NameOf(ending.verdict), ending.reason));
+        else if (passes && (!failed.empty() || !m_failedProcedures.empty()))
+            become(Verdict::Failed, failed.empty() ? m_failedProcedures.front() : failed);
+        else if (passes && !missing.empty())
             become(Verdict::Error, missing);
-        else if (!calls.empty())
-            become(Verdict::Error, "not everything was done: " + calls);
-        else if (!cleanUp.empty())
+        else if (passes && !cleanUp.empty())
             become(Verdict::Error, ending.reason);
+        else if (!passes && !failed.empty())
+            ending.reason += "; " + failed;
     }
     if (!cleanUp.empty())
         ending.reason += "; the clean-up failed: " + cleanUp;

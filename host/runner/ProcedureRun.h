@@ -49,6 +49,7 @@ enum class Cause {
     None,
     Aborted, ///< By the user.
     MaxTime, ///< Its time has run out.
+    Stopped, ///< A monitor of the procedure that runs it has chosen a transition.
     Outer    ///< The time of the procedure that runs it, or of its step, has run out.
 };
 
@@ -106,6 +107,10 @@ private:
     std::optional<std::string> RunCommandsOf(const Step& step);
     /// Runs the procedure that the step calls; returns its ending unless it passed.
     std::optional<Ending> RunCalled(const ProcedureCall& call);
+    /// The step to which a transition leads; null if there is none.
+    const std::string* StepOf(const Step& step, const std::string& transition) const;
+    /// What becomes of a transition that the current command chooses. Any thread may call.
+    Acceptance AcceptanceOf(const Step& step, const std::string& transition);
     /// The step to which `step` leads, null if there is none. `key` becomes the key of the file that names
     /// it.
     const std::string* TargetOf(const Step& step, const Attempt& attempt, std::string& key) const;
@@ -123,6 +128,9 @@ private:
     bool WaitUntil(IsOver isOver, DWORD period);
     void BeginWait(const Step& step, std::string what);
     void EndWait();
+    /// Counts conditions that could not be read until the step's time ran out.
+    void NoteUnreadable(const Step& step);
+    void EndCalled(Cause cause) noexcept;
     /// The time of the current try has run out. On the watchdog's thread.
     void ExpireStep() noexcept;
     /// What the run waits for, what still runs, and what has not worked since when.
@@ -153,6 +161,8 @@ private:
     FailedCalls m_failedCalls;
     FailedCalls m_failedCleanUp;
     Measurements m_measurements;
+    std::vector<std::string> m_failedProcedures; ///< What called ones that failed ended with.
+    HRESULT m_lastEvaluation = S_OK;             ///< Of the conditions that the step waits for.
     std::vector<std::pair<std::string, CComVariant>> m_arguments;
     std::vector<std::unique_ptr<ProcedureRun>>
         m_stillHeld; ///< Called ones whose objects commands still hold.

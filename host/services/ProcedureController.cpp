@@ -14,8 +14,12 @@ HRESULT ProcedureController::SetTransition(BSTR transitionId) {
             const std::lock_guard lock(m_access);
             if (m_ignoresChoices)
                 return S_OK;
-            if (!m_leadsOn || !m_leadsOn(id))
+            const Acceptance acceptance = m_accepts ? m_accepts(id) : Acceptance::Refused;
+            if (acceptance == Acceptance::Refused)
                 return id.empty() ? S_OK : E_INVALIDARG;
+            if (m_isFinal && acceptance != Acceptance::Final)
+                return S_OK;
+            m_isFinal = acceptance == Acceptance::Final;
             m_chosen = std::move(id);
         }
         m_changed.Set();
@@ -23,9 +27,11 @@ HRESULT ProcedureController::SetTransition(BSTR transitionId) {
     });
 }
 
-void ProcedureController::EnterStep(std::function<bool(const std::string&)> leadsOn, bool ignoresChoices) {
+void ProcedureController::EnterStep(std::function<Acceptance(const std::string&)> accepts,
+                                    bool ignoresChoices) {
     const std::lock_guard lock(m_access);
-    m_leadsOn = std::move(leadsOn);
+    m_accepts = std::move(accepts);
+    m_isFinal = false;
     m_ignoresChoices = ignoresChoices;
     m_chosen.reset();
 }
@@ -35,9 +41,14 @@ std::optional<std::string> ProcedureController::Chosen() const {
     return m_chosen;
 }
 
+bool ProcedureController::IsFinal() const {
+    const std::lock_guard lock(m_access);
+    return m_isFinal;
+}
+
 std::optional<std::string> ProcedureController::LeaveStep() {
     const std::lock_guard lock(m_access);
-    m_leadsOn = nullptr;
+    m_accepts = nullptr;
     m_ignoresChoices = false;
     return std::exchange(m_chosen, std::nullopt);
 }

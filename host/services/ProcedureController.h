@@ -13,6 +13,13 @@
 
 namespace vant::host {
 
+/// What becomes of a transition that a command chooses.
+enum class Acceptance {
+    Refused, ///< It leads nowhere from this step.
+    Accepted,
+    Final ///< No later choice replaces it.
+};
+
 /// Keeps the transition that commands choose for the current step. Any thread may call.
 class ProcedureController final : public HostObject<IProcedureController> {
 public:
@@ -24,28 +31,33 @@ public:
     HRESULT STDMETHODCALLTYPE Reserved4() override { return NotImplemented("Reserved4"); }
     HRESULT STDMETHODCALLTYPE Reserved5() override { return NotImplemented("Reserved5"); }
     HRESULT STDMETHODCALLTYPE Reserved6() override { return NotImplemented("Reserved6"); }
-    /// The last choice counts. E_INVALIDARG, and an earlier choice remains, for an id that leads nowhere from
-    /// this step, and for every id between two steps. The empty id, which a command without a transition
-    /// property passes, always succeeds and chooses nothing, and so does every id in a step that ignores
-    /// choices.
+    /// The last choice counts, unless one was final. E_INVALIDARG, and an earlier choice remains, for an id
+    /// that leads nowhere from this step, and for every id between two steps. The empty id, which a command
+    /// without a transition property passes, always succeeds and chooses nothing, and so does every id in a
+    /// step that ignores choices.
     HRESULT STDMETHODCALLTYPE SetTransition(BSTR transitionId) override;
 
     /// Begins a step that ignores choices.
     void EnterStepWithoutChoice() { EnterStep({}, true); }
-    /// Begins a step: forgets the choice, and accepts every id for which `leadsOn` returns true until the
-    /// step ends. `leadsOn` is called on any thread, and must not call the controller.
-    void EnterStep(std::function<bool(const std::string&)> leadsOn) { EnterStep(std::move(leadsOn), false); }
+    /// Begins a step: forgets the choice, and accepts every id for which `accepts` does not return Refused
+    /// until the step ends. `accepts` is called on any thread, and must not call the controller.
+    void EnterStep(std::function<Acceptance(const std::string&)> accepts) {
+        EnterStep(std::move(accepts), false);
+    }
     /// The choice since the step began.
     std::optional<std::string> Chosen() const;
+    /// Whether that choice is final.
+    bool IsFinal() const;
     /// Ends the step: accepts no more choices, and returns the last one.
     std::optional<std::string> LeaveStep();
 
 private:
-    void EnterStep(std::function<bool(const std::string&)> leadsOn, bool ignoresChoices);
+    void EnterStep(std::function<Acceptance(const std::string&)> accepts, bool ignoresChoices);
 
     Event& m_changed;
     mutable std::mutex m_access;
-    std::function<bool(const std::string&)> m_leadsOn; ///< Empty between steps.
+    std::function<Acceptance(const std::string&)> m_accepts; ///< Empty between steps.
+    bool m_isFinal = false;
     bool m_ignoresChoices = false;
     std::optional<std::string> m_chosen;
 };

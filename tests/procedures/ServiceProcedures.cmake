@@ -46,34 +46,38 @@ function(vant_add_variants procedure exit)
   endforeach()
 endfunction()
 vant_add_variants(idle_speed_adjustment 1 ONLY "${told_or_refused}"
-                  ENGINES ${engines}/weak ${engines}/stalling ${failing_engines}/throttle_refused
-                          ${failing_engines}/limit_unreadable ${failing_engines}/speed_lost
-                          ${failing_engines}/speed_unreadable ${failing_engines}/overspeeding
-                          ${failing_engines}/racing)
-# It reaches its end, but what it then decides rests on readings that failed.
-vant_add_variants(sampled_idle_adjustment 4 ENGINES ${engines}/sensor_lost)
-vant_add_variants(sampled_idle_adjustment 1 ONLY "${told_or_refused}"
-                  ENGINES ${engines}/unsteady ${failing_engines}/sampled_throttle_refused
-                          ${failing_engines}/status_unreadable ${failing_engines}/speed_unreadable)
+                  ENGINES ${engines}/weak ${engines}/stalling ${failing_engines}/overspeeding ${failing_engines}/racing)
+vant_add_variants(sampled_idle_adjustment 1 ONLY "${told_or_refused}" ENGINES ${engines}/unsteady)
 vant_add_variants(egr_valve_walk 1 ONLY "${told_or_refused}"
-                  ENGINES ${engines}/egr_sticking ${engines}/sticking_valve ${failing_engines}/egr_target_unreadable
-                          ${failing_engines}/egr_position_lost ${failing_engines}/egr_position_lost_later
-                          ${failing_engines}/egr_refused)
+                  ENGINES ${engines}/egr_sticking ${engines}/sticking_valve)
 vant_add_variants(fault_check_and_clear 0 ENGINES ${engines}/idle)
+vant_add_variants(boost_test 1 ONLY "${told_or_refused}"
+                  ENGINES ${engines}/turbo_leaking ${failing_engines}/wastegate_stuck)
+vant_add_variants(warm_up_watch 1 ONLY "${told}"
+                  ENGINES ${engines}/overheating ${failing_engines}/hot ${failing_engines}/pump_worn)
 vant_add_variants(fault_return_check 0 ENGINES ${failing_engines}/fault_repaired)
 vant_add_variants(fault_return_check 1 ENGINES ${engines}/faulty)
-vant_add_variants(fault_check_and_clear 1 ONLY "${told_or_refused}"
+
+# On engines whose control module refuses or cannot read: whatever the steps decide, nothing is known.
+vant_add_variants(idle_speed_adjustment 4 ONLY "${told_or_refused}"
+                  ENGINES ${failing_engines}/throttle_refused ${failing_engines}/limit_unreadable
+                          ${failing_engines}/speed_lost ${failing_engines}/speed_unreadable)
+vant_add_variants(sampled_idle_adjustment 4 ENGINES ${engines}/sensor_lost)
+vant_add_variants(sampled_idle_adjustment 4 ONLY "${told_or_refused}"
+                  ENGINES ${failing_engines}/sampled_throttle_refused ${failing_engines}/status_unreadable
+                          ${failing_engines}/speed_unreadable)
+vant_add_variants(egr_valve_walk 4 ONLY "${told_or_refused}"
+                  ENGINES ${failing_engines}/egr_target_unreadable ${failing_engines}/egr_position_lost
+                          ${failing_engines}/egr_position_lost_later ${failing_engines}/egr_refused)
+vant_add_variants(fault_check_and_clear 4 ONLY "${told_or_refused}"
                   ENGINES ${failing_engines}/clearing_refused)
 # This one has no faults to ask for, of which the check warns.
-vant_add_service_run(fault_check_and_clear_egr fault_check_and_clear ${engines}/egr EXIT 1 OUTPUT ERRORS
+vant_add_service_run(fault_check_and_clear_egr fault_check_and_clear ${engines}/egr EXIT 4 OUTPUT ERRORS
                      ONLY "${told_or_refused}")
-vant_add_variants(boost_test 1 ONLY "${told_or_refused}"
-                  ENGINES ${engines}/turbo_leaking ${failing_engines}/intake_lost ${failing_engines}/ambient_lost
-                          ${failing_engines}/wastegate_stuck)
+vant_add_variants(boost_test 4 ONLY "${told_or_refused}"
+                  ENGINES ${failing_engines}/intake_lost ${failing_engines}/ambient_lost)
 # A sensor that is lost for five minutes is refused too often to be listed.
-vant_add_variants(warm_up_watch 1 ONLY "${told}"
-                  ENGINES ${engines}/overheating ${failing_engines}/hot ${failing_engines}/pump_worn
-                          ${failing_engines}/temperature_lost)
+vant_add_variants(warm_up_watch 4 ONLY "${told}" ENGINES ${failing_engines}/temperature_lost)
 
 # Together they use every class of the module: their journals tell.
 set(class_names "")

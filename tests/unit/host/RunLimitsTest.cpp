@@ -267,7 +267,7 @@ TEST(RunLimits, Retry_TriesAFailedStepAgainAndForgetsItsFailures) {
 
 TEST(RunLimits, Retry_EndsAfterSoManyTimes) {
     const Outcome outcome = RunSteps("[steps.s]\nrun = ['ask']\nretry = 2\nnext = 'bad'\n");
-    EXPECT_EQ(outcome.verdict, Verdict::Failed);
+    EXPECT_EQ(outcome.verdict, Verdict::Error);
     EXPECT_EQ(outcome.Executed(), "ask ask ask");
 }
 
@@ -299,7 +299,7 @@ TEST(RunVerdict, FailedCall_MakesAPassAnError) {
     EXPECT_EQ(outcome.verdict, Verdict::Error);
     EXPECT_EQ(outcome.reason, "not everything was done: 'ask' ParameterService.GetParameter nothing: not "
                               "found, 0x80070490; 'ask' has not "
-                              "written 'asked'");
+                              "written 'asked'; otherwise passed: step 'good'");
     EXPECT_EQ(RunSteps(steps, "", {.allowFailedCalls = true}).verdict, Verdict::Passed);
 }
 
@@ -316,7 +316,7 @@ TEST(RunVerdict, ExpectedFailure_LeavesThePass) {
 TEST(RunVerdict, CommandThatDoesNotWriteItsResult_MakesAPassAnError) {
     const Outcome outcome = RunSteps("[steps.s]\nrun = ['wrong']\nnext = 'good'\n");
     EXPECT_EQ(outcome.verdict, Verdict::Error);
-    EXPECT_EQ(outcome.reason, "not everything was done: 'wrong' has not written 'sum'");
+    EXPECT_EQ(outcome.reason, "not everything was done: 'wrong' has not written 'sum'; otherwise passed: step 'good'");
     const auto missing = outcome.Of(event::ResultMissing);
     ASSERT_EQ(missing.size(), 1U);
     EXPECT_EQ(missing.front().command, "wrong");
@@ -342,7 +342,6 @@ TEST(Finally, RunsAfterEveryEnd) {
     ends("next = 't'\n[steps.t]\nrun = ['ask']\nnext = 'good'\n", Verdict::Error);
     ends("delay = '1min'\nnext = 'good'\n", Verdict::Aborted, event::WaitStarted);
     ends("delay = '3h'\nnext = 'good'\n", Verdict::Error);
-    ends("next = 'good'\n", Verdict::Passed, event::FinallyStarted);
 }
 
 TEST(Finally, FailureIsReportedAndOnlyAPassBecomesAnError) {
@@ -510,7 +509,8 @@ TEST(CalledProcedure, TakesArgumentsAndReturnsResults) {
 }
 
 TEST(CalledProcedure, ThatFails_LeadsToFailedOrEndsTheCaller) {
-    EXPECT_EQ(RunCalling("failed", "failed = 'good'\n").verdict, Verdict::Passed);
+    EXPECT_EQ(RunCalling("failed", "failed = 'good'\n").verdict, Verdict::Failed);
+    EXPECT_EQ(RunCalling("failed", "failed = 'good'\nmayFail = ['f']\n").verdict, Verdict::Passed);
     const Outcome outcome = RunCalling("failed", "");
     EXPECT_EQ(outcome.verdict, Verdict::Failed);
     EXPECT_EQ(outcome.reason, "procedure 'called' ended failed: step 'e' in step 's'");
@@ -527,6 +527,85 @@ TEST(CalledProcedure, EndsWithTheTimeOfItsStepOrOfTheCaller) {
     const Outcome limited = RunCalling("passed", "", {.maxTime = 6000});
     EXPECT_EQ(limited.verdict, Verdict::Error);
     EXPECT_EQ(limited.records.back().time, 6000);
+}
+
+constexpr const char* cooling =
+    "[conditions.cold]\nall = [{ parameter = 'temperature', below = 30 }]\n"
+    "[commands.stop]\nclass = 'StopConditionMonitor'\n"
+    "properties = { dsSetID = 'cold', dsMessageID = 'reason', failTransitionID = 'stop' }\n"
+    "[commands.mean]\nclass = 'ParameterSampler'\n"
+    "properties = { parameterID = 'valve', period = '1000', numSamples = '12',"
+    " dsTarget = 'mean', completionTransition = 'done' }\n";
+
+TEST(Stop, ChoiceOfAMonitor_IsFinalAndEndsEveryWait) {
+    for (const char* const wait : {"wait = 'end'\n", "wait = 'transition'\n", "delay = '1min'\n"}) {
+        const Outcome outcome =
+            RunSteps(std::string(cooling) + "[steps.s]\nrun = ['stop', 'mean']\nnext = 'good'\n" + wait +
+                     "on = { stop = 'bad', done = 'good' }\n");
+        EXPECT_EQ(outcome.verdict, Verdict::Failed) << wait;
+        EXPECT_EQ(outcome.Path(), "s:0 bad:9500") << wait;
+    }
+}
+
+TEST(Stop, DuringACalledProcedure_EndsItWithItsCleanUp) {
+    Procedure procedure = Read(std::string("on = { stop = 'bad' }\n") + head + cooling +
+                               "[steps.s]\nrun = ['stop']\nnext = 't'\n"
+                               "[steps.t]\nprocedure = 'f'\narguments = { base = 1 }\nnext = 'good'\n");
+    Procedure called = *Called("passed");
+    called.steps.at("a").delay = 60'000;
+    procedure.steps.at("t").procedure->procedure = std::make_shared<const Procedure>(std::move(called));
+    const Outcome outcome = RunProcedure(std::move(procedure), {}, "");
+    EXPECT_EQ(outcome.verdict, Verdict::Failed) << outcome.reason;
+    EXPECT_EQ(outcome.Path(), "s:0 t:0 a:0 bad:9500");
+    EXPECT_EQ(outcome.Executed(), "stop load sum note");
+}
+
+TEST(Stop, FailSafeSet_StopsIfItCannotBeRead) {
+    const std::string steps =
+        "[commands.stop]\nclass = 'StopConditionMonitor'\n"
+        "properties = { dsSetID = 'safe', dsMessageID = 'reason', failTransitionID = 'stop' }\n"
+        "[steps.s]\nrun = ['stop']\ndelay = '1min'\nnext = 'good'\non = { stop = 'bad' }\n"
+        "[conditions.safe]\nall = [{ parameter = 'lost', atLeast = 80 }]\n";
+    const Outcome outcome = RunSteps(steps + "failSafe = true\n");
+    EXPECT_EQ(outcome.verdict, Verdict::Failed) << outcome.reason;
+    EXPECT_EQ(outcome.Path(), "s:0 bad:5000");
+    EXPECT_EQ(RunSteps(steps).verdict, Verdict::Error);
+}
+
+TEST(Conditions, AnyThatCannotBeRead_ReturnsTheCode) {
+    const Outcome outcome =
+        RunSteps("[conditions.either]\nany = [{ data = 'gear', is = 'first' },"
+                 " { parameter = 'lost', above = 100 }]\n"
+                 "[steps.s]\ndelay = '6s'\nnext = 't'\n"
+                 "[steps.t]\nuntil = 'either'\ntimeout = '1s'\ntimedOut = 'good'\nnext = 'bad'\n");
+    EXPECT_EQ(outcome.Of(operation::Evaluate).front().result, HRESULT_FROM_WIN32(ERROR_READ_FAULT));
+    EXPECT_EQ(outcome.verdict, Verdict::Error);
+    EXPECT_EQ(outcome.reason,
+              "not everything was done: step 't' could not evaluate 'either': cannot be read, "
+              "0x8007001E; otherwise passed: step 'good'");
+}
+
+TEST(Measured, ValueOfATryThatWasRepeated_IsNoMeasurement) {
+    const Outcome outcome = RunSteps("[measurements.heat]\ndata = 'loaded'\n"
+                                     "[steps.s]\nrun = ['load', 'check']\non = { no = 't', yes = 'good' }\n"
+                                     "retry = { times = 1, on = ['no'] }\n"
+                                     "[steps.t]\nnext = 'good'\n");
+    EXPECT_EQ(outcome.verdict, Verdict::Passed) << "the last try counts: " << outcome.reason;
+    const Outcome stale =
+        RunSteps("[measurements.heat]\ndata = 'loaded'\n"
+                 "[steps.s]\nrun = ['load']\nnext = 't'\n"
+                 "[steps.t]\nrun = ['loadLost']\nmayFail = ['loadLost']\ndelay = '6s'\nnext = 'u'\n"
+                 "[steps.u]\nrun = ['loadLost']\nmayFail = ['loadLost']\nnext = 'good'\n");
+    EXPECT_EQ(stale.verdict, Verdict::Error);
+    EXPECT_EQ(stale.reason, "measurement 'heat' was not made");
+}
+
+TEST(Finally, AbortMeanwhile_IsTheVerdict) {
+    const Outcome outcome =
+        RunSteps("[steps.s]\nnext = 'good'\n", "finally = ['close']\n", {}, event::FinallyStarted);
+    EXPECT_EQ(outcome.verdict, Verdict::Aborted);
+    EXPECT_EQ(outcome.Executed(), "close");
+    EXPECT_EQ(outcome.reason, "interrupted during the clean-up; before it: step 'good'");
 }
 
 TEST(Tags, StandInTheJournal) {

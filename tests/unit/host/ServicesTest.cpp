@@ -125,8 +125,24 @@ TEST_F(ServicesTest, CommandRunner_ExceptionBecomesAResult) {
 }
 
 /// What a step accepts.
-std::function<bool(const std::string&)> OneOf(std::set<std::string> ids) {
-    return [ids = std::move(ids)](const std::string& id) { return ids.contains(id); };
+std::function<Acceptance(const std::string&)> OneOf(std::set<std::string> ids) {
+    return [ids = std::move(ids)](const std::string& id) {
+        return ids.contains(id) ? Acceptance::Accepted : Acceptance::Refused;
+    };
+}
+
+TEST_F(ServicesTest, ProcedureController_FinalChoiceStaysUntilAnotherFinalOne) {
+    services.procedureController.EnterStep([](const std::string& id) {
+        return id.starts_with("stop") ? Acceptance::Final : Acceptance::Accepted;
+    });
+    services.procedureController.SetTransition(Text(L"done").Get());
+    EXPECT_FALSE(services.procedureController.IsFinal());
+    services.procedureController.SetTransition(Text(L"stop").Get());
+    EXPECT_TRUE(services.procedureController.IsFinal());
+    EXPECT_EQ(services.procedureController.SetTransition(Text(L"done").Get()), S_OK);
+    EXPECT_EQ(services.procedureController.Chosen(), "stop");
+    services.procedureController.SetTransition(Text(L"stopNow").Get());
+    EXPECT_EQ(services.procedureController.Chosen(), "stopNow");
 }
 
 TEST_F(ServicesTest, ProcedureController_LastOfSeveralChoicesCounts) {
