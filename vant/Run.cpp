@@ -38,9 +38,11 @@ namespace {
 
 std::mutex interruption;
 Runner* interruptible = nullptr;
+bool interrupted = false;
 
 void Interrupt() {
     const std::lock_guard lock(interruption);
+    interrupted = true;
     if (interruptible)
         interruptible->Abort();
 }
@@ -48,15 +50,14 @@ void Interrupt() {
 void SetInterruptible(Runner* runner) {
     const std::lock_guard lock(interruption);
     interruptible = runner;
+    if (interruptible && interrupted)
+        interruptible->Abort();
 }
 
 /// Lets the user interrupt a run for as long as this object lives.
 class InterruptScope {
 public:
-    explicit InterruptScope(Runner& runner) {
-        SetInterruptible(&runner);
-        OnFirstInterrupt(Interrupt);
-    }
+    explicit InterruptScope(Runner& runner) { SetInterruptible(&runner); }
     ~InterruptScope() { SetInterruptible(nullptr); }
     InterruptScope(const InterruptScope&) = delete;
     InterruptScope& operator=(const InterruptScope&) = delete;
@@ -164,6 +165,8 @@ ExitCode RunLoaded(const RunOptions& options, const LoadedProcedure& loaded, con
     else
         journal.Observe(ConsoleReport(std::cout, WantsColour()));
 
+    OnFirstInterrupt(
+        Interrupt); // Before the runner starts a thread, which takes over what is done about signals.
     Runner runner(loaded.procedure, commands, journal, SettingsOf(options));
     Verdict verdict{};
     {

@@ -75,8 +75,10 @@ private:
 
     void SkipString(char quote) {
         const Position begin = m_position;
-        constexpr std::string_view mayPrecede = " \t\r\n=[{,.";
-        if (m_at > 0 && mayPrecede.find(m_text[m_at - 1]) == std::string_view::npos)
+        constexpr std::string_view mayPrecede = " \t\r\n=[{,";
+        const char before = m_at > 0 ? m_text[m_at - 1] : '\n';
+        const bool isPartOfName = before == '.' && !m_inValue;
+        if (!isPartOfName && mayPrecede.find(before) == std::string_view::npos)
             throw Mistake{begin, "a quote in the middle of a name or value"};
         const std::string three(3, quote);
         const bool manyLines = StartsWith(three);
@@ -111,10 +113,12 @@ private:
                 throw Mistake{m_position,
                               "more than " + std::to_string(deepestNesting) + " brackets inside one another"};
             m_parts = 1;
+            m_inValue = m_inValue && next == '['; // A header is none, and an inline table begins with a name.
             break;
         case ']':
         case '}':
             Close(next);
+            m_inValue = true;
             break;
         case '.':
             if (++m_parts > mostNameParts)
@@ -124,10 +128,15 @@ private:
             if (!m_open.empty() && m_open.back().opened == '{')
                 throw Mistake{m_open.back().position, Opening() + " is not closed on its line"};
             m_parts = 1;
+            m_inValue = m_inValue && !m_open.empty();
             break;
         case '=':
+            m_parts = 1;
+            m_inValue = true;
+            break;
         case ',':
             m_parts = 1;
+            m_inValue = m_open.empty() || m_open.back().opened == '[';
             break;
         default:
             break;
@@ -159,6 +168,7 @@ private:
     Position m_position;
     std::vector<Bracket> m_open;
     std::size_t m_parts = 1; ///< Of the dotted name at hand.
+    bool m_inValue = false;  ///< Whether a value is expected or has begun, not a name.
 };
 
 } // namespace

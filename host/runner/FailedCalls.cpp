@@ -81,6 +81,11 @@ std::size_t FailedCalls::Count() const {
     return m_kept.count + m_tried.count;
 }
 
+std::size_t FailedCalls::CountOfTry() const {
+    const std::lock_guard lock(m_access);
+    return m_tried.count;
+}
+
 std::string FailedCalls::Summary() const {
     const std::lock_guard lock(m_access);
     if (m_kept.count == 0)

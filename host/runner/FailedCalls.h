@@ -27,6 +27,7 @@ public:
 
     /// How many failures count.
     std::size_t Count() const;
+    std::size_t CountOfTry() const;
     /// The failures that count, the first few as sentences: "'load' ParameterService.GetParameter 9999: not
     /// found, 0x80070490". Empty if there are none.
     std::string Summary() const;

@@ -58,6 +58,12 @@ ProcedureRun::ProcedureRun(const Procedure& procedure, RunShared& shared, Proced
           [this](std::uint32_t cookie, HRESULT result) { RecordThreadEnded(cookie, result); },
           procedure.engine, procedure.components, procedure.conditions,
           outer ? &outer->m_services : nullptr) {
+    for (const auto& [name, conditions] : procedure.conditions) {
+        for (const Condition& each : conditions.list) {
+            if (!each.hasOwnMessage)
+                m_messages.insert(each.message);
+        }
+    }
     m_services.gate.Watch([this](const Record& call) { Watch(call); });
 }
 
@@ -80,8 +86,10 @@ ProcedureRun::Ending ProcedureRun::Run() {
     }
     EndPersistentCommands();
     RunFinally();
-    for (const auto& [name, value] : m_services.data.All())
-        RecordEvent(event::DataLeft, {{argument::name, name}, {argument::value, value}});
+    for (const auto& [name, value] : m_services.data.All()) {
+        if (!m_messages.contains(name))
+            RecordEvent(event::DataLeft, {{argument::name, name}, {argument::value, value}});
+    }
     const auto measured = RecordMeasurements();
     if (!m_outer)
         RecordLeft();
@@ -107,7 +115,7 @@ void ProcedureRun::RecordBeginning() {
         m_services.data.Set(ToWide(name), std::move(value));
     m_arguments.clear();
     for (const auto& [name, value] : m_services.data.All()) {
-        if (!m_procedure.conditions.contains(name))
+        if (!m_procedure.conditions.contains(name) && !m_messages.contains(name))
             RecordEvent(event::DataGiven, {{argument::name, name}, {argument::value, value}});
     }
     for (const auto& [name, conditions] : m_procedure.conditions)
@@ -172,14 +180,15 @@ ProcedureRun::Attempt ProcedureRun::RunStep(const Step& step) {
             m_failedCalls.KeepTry();
             return attempt;
         }
+        const std::string reason = attempt.failure    ? attempt.failure->reason
+                                   : attempt.timedOut ? "its time ran out"
+                                   : attempt.chosen   ? "transition " + Quoted(*attempt.chosen)
+                                                      : "a host call failed";
         m_failedCalls.DropTry();
         m_services.persistentThreads.StopOfStep();
-        RecordEvent(event::StepRetried,
-                    {{argument::step, m_stepId},
-                     {argument::attempt, number + 1},
-                     {argument::reason, attempt.failure    ? attempt.failure->reason
-                                        : attempt.timedOut ? "its time has run out"
-                                                           : "transition " + Quoted(*attempt.chosen)}});
+        RecordEvent(
+            event::StepRetried,
+            {{argument::step, m_stepId}, {argument::attempt, number + 1}, {argument::reason, reason}});
         m_stepExpired = false;
         WaitUntil([this] { return !m_services.persistentThreads.IsAnyOfStepRunning(); }, INFINITE);
         Pause(step.retry.after);
@@ -187,7 +196,7 @@ ProcedureRun::Attempt ProcedureRun::RunStep(const Step& step) {
 }
 
 bool ProcedureRun::WantsRetry(const Step& step, const Attempt& attempt) const {
-    if (attempt.failure || attempt.timedOut)
+    if (attempt.failure || attempt.timedOut || m_failedCalls.CountOfTry() != 0)
         return true;
     const auto isChosen = [&attempt](const Located& transition) { return transition.text == attempt.chosen; };
     return attempt.chosen && std::any_of(step.retry.on.begin(), step.retry.on.end(), isChosen);
@@ -195,9 +204,13 @@ bool ProcedureRun::WantsRetry(const Step& step, const Attempt& attempt) const {
 
 ProcedureRun::Attempt ProcedureRun::TryStep(const Step& step) {
     m_services.persistentThreads.EnterStep();
-    m_services.procedureController.EnterStep([this, &step](const std::string& id) {
-        return step.on.contains(id) || m_procedure.steps.contains(id);
-    });
+    if (step.always)
+        m_services.procedureController.EnterStepWithoutChoice();
+    else
+        m_services.procedureController.EnterStep([this, &step](const std::string& id) {
+            return step.on.contains(id) || m_procedure.steps.contains(id);
+        });
+    EndWait();
     m_stepExpired = false;
     Attempt attempt;
     {
@@ -222,7 +235,6 @@ ProcedureRun::Attempt ProcedureRun::TryStep(const Step& step) {
         RecordEvent(event::StepTimedOut,
                     {{argument::step, m_stepId}, {argument::reason, attempt.timedOutReason}});
     }
-    EndWait();
     attempt.chosen = m_services.procedureController.LeaveStep();
     return attempt;
 }
@@ -471,7 +483,7 @@ void ProcedureRun::RunFinally() {
     }
     RecordEvent(event::FinallyStarted, {});
     m_services.persistentThreads.EnterStep();
-    m_services.procedureController.EnterStep([](const std::string&) { return true; });
+    m_services.procedureController.EnterStepWithoutChoice();
     {
         const Watchdog::Guard limit(m_watchdog, m_procedure.finallyTime, [this] {
             m_stepExpired = true;

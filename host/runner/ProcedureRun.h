@@ -16,6 +16,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -163,6 +164,7 @@ private:
     const Procedure& m_procedure;
     RunShared& m_shared;
     ProcedureRun* const m_outer;
+    std::set<std::string> m_messages; ///< The entries that hold made-up messages of conditions.
     FailedCalls m_failedCalls;
     FailedCalls m_failedCleanUp;
     Measurements m_measurements;

@@ -12,6 +12,8 @@ HRESULT ProcedureController::SetTransition(BSTR transitionId) {
         record.Add(argument::transitionId, id);
         {
             const std::lock_guard lock(m_access);
+            if (m_ignoresChoices)
+                return S_OK;
             if (!m_leadsOn || !m_leadsOn(id))
                 return id.empty() ? S_OK : E_INVALIDARG;
             m_chosen = std::move(id);
@@ -21,9 +23,10 @@ HRESULT ProcedureController::SetTransition(BSTR transitionId) {
     });
 }
 
-void ProcedureController::EnterStep(std::function<bool(const std::string&)> leadsOn) {
+void ProcedureController::EnterStep(std::function<bool(const std::string&)> leadsOn, bool ignoresChoices) {
     const std::lock_guard lock(m_access);
     m_leadsOn = std::move(leadsOn);
+    m_ignoresChoices = ignoresChoices;
     m_chosen.reset();
 }
 
@@ -35,6 +38,7 @@ std::optional<std::string> ProcedureController::Chosen() const {
 std::optional<std::string> ProcedureController::LeaveStep() {
     const std::lock_guard lock(m_access);
     m_leadsOn = nullptr;
+    m_ignoresChoices = false;
     return std::exchange(m_chosen, std::nullopt);
 }
 

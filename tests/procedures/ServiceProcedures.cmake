@@ -47,7 +47,8 @@ vant_add_variants(idle_speed_adjustment 1 ONLY "${told_or_refused}"
                           ${failing_engines}/limit_unreadable ${failing_engines}/speed_lost
                           ${failing_engines}/speed_unreadable ${failing_engines}/overspeeding
                           ${failing_engines}/racing)
-vant_add_variants(sampled_idle_adjustment 0 ENGINES ${engines}/sensor_lost)
+# It reaches its end, but what it then decides rests on readings that failed.
+vant_add_variants(sampled_idle_adjustment 4 ENGINES ${engines}/sensor_lost)
 vant_add_variants(sampled_idle_adjustment 1 ONLY "${told_or_refused}"
                   ENGINES ${engines}/unsteady ${failing_engines}/sampled_throttle_refused
                           ${failing_engines}/status_unreadable ${failing_engines}/speed_unreadable)
@@ -100,7 +101,7 @@ vant_add_run(other_engine_unfit EXIT 2
              ARGUMENTS run procedures/idle_speed_adjustment.toml --engine ${engines}/egr.toml ERRORS)
 vant_add_run(other_engine_for_missing EXIT 0
              ARGUMENTS run ${cases}/engine_missing.toml --engine ${engines}/idle.toml OUTPUT)
-vant_add_run(other_engine_inline EXIT 1
+vant_add_run(other_engine_inline EXIT 4
              ARGUMENTS run procedures/load_and_format.toml --engine ${engines}/egr.toml OUTPUT)
 vant_add_run(journal_over_other_engine EXIT 2
              ARGUMENTS run procedures/fault_check.toml --engine ${engines}/faulty.toml

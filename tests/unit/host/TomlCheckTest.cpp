@@ -55,6 +55,11 @@ TEST(TomlText, CharactersBeyondAscii_OutsideStrings_AreRefused) {
 TEST(TomlText, QuoteInTheMiddleOfAValue_IsRefused) {
     EXPECT_EQ(Messages("x=0'\u039E'"), "f:1:4: error: a quote in the middle of a name or value\n");
     EXPECT_EQ(Messages("x = 'a'\"b\""), "f:1:8: error: a quote in the middle of a name or value\n");
+    EXPECT_EQ(Messages("x=0.'\u039E'"), "f:1:5: error: a quote in the middle of a name or value\n");
+    EXPECT_EQ(Messages("x = [1,\n0.'b']"), "f:2:3: error: a quote in the middle of a name or value\n");
+    EXPECT_EQ(Messages("x = { a.'b' = 1, c.\"d\" = 2.'e' }"),
+              "f:1:28: error: a quote in the middle of a name or value\n");
+    EXPECT_EQ(Messages("[a.'b']\nc.\"d\" = [{ e.'f' = 1 }, { g.'h' = 'i' }]\n[[j.'k']]\n"), "");
     EXPECT_EQ(Messages("\"a\".'b' = ['c','d']\n\"e\"='f'\n['g'.\"h\"]\n"), "");
     EXPECT_EQ(Messages("\xEF\xBB\xBF\"name\" = 'n'"), "");
 }
