@@ -16,10 +16,10 @@ namespace {
 
 using namespace vant::host;
 
-/// Every reading of the engine's first two minutes, as text.
+/// Every reading of the engine's first two minutes, and the faults, as text.
 std::string Readings(const EngineDescription& description) {
     std::int64_t now = 0;
-    const Engine engine(description.parameters, 7, [&now] { return now; });
+    const Engine engine(description, [&now] { return now; });
     std::string readings;
     for (const std::int64_t time : {0, 250, 1'000, 7'777, 120'000}) {
         now = time;
@@ -28,6 +28,10 @@ std::string Readings(const EngineDescription& description) {
             const auto* const reading = std::get_if<Reading>(&result);
             readings += reading ? ToJson(reading->value).dump() + reading->text.value_or("") : "failed";
             readings += '\n';
+        }
+        for (const auto& [id, records] : description.faultArrays) {
+            for (const std::size_t place : engine.FaultRecords(id))
+                readings += std::to_string(place) + '\n';
         }
     }
     return readings;

@@ -31,11 +31,13 @@ struct CellMaker {
     std::string operator()(const std::string& text) const { return text; }
 };
 
-/// The seconds, then every parameter; `failed` for a read that fails.
+/// The seconds, then every parameter, `failed` for a read that fails, then the faults.
 Cells CellsOf(const EngineRow& row, const char* failed) {
     Cells cells = {NumberText(static_cast<double>(row.time) / 1000)};
     for (const std::optional<Value>& value : row.values)
         cells.push_back(value ? std::visit(CellMaker{}, *value) : failed);
+    for (const std::size_t count : row.faultCounts)
+        cells.push_back(std::to_string(count));
     return cells;
 }
 
@@ -43,6 +45,8 @@ Cells IdCells(const EngineDescription& engine) {
     Cells ids = {"seconds"};
     for (const auto& [id, parameter] : engine.parameters)
         ids.push_back(id);
+    for (const std::string& id : ChangingFaultArrays(engine))
+        ids.push_back("faults." + id);
     return ids;
 }
 
@@ -72,7 +76,10 @@ EngineTable::EngineTable(const EngineDescription& engine) {
         names.push_back(parameter.name);
         units.push_back(unit == engine.units.end() ? parameter.unitsKey : unit->second);
     }
-    for (Cells cells : {IdCells(engine), std::move(names), std::move(units)}) {
+    const Cells ids = IdCells(engine);
+    names.resize(ids.size());
+    units.resize(ids.size());
+    for (Cells cells : {ids, std::move(names), std::move(units)}) {
         for (std::string& cell : cells)
             cell = Printable(cell);
         if (std::any_of(cells.begin(), cells.end(), [](const std::string& cell) { return !cell.empty(); }))

@@ -5,9 +5,7 @@
 #include "host/text/Suggestion.h"
 
 #include <array>
-#include <cmath>
 #include <functional>
-#include <limits>
 #include <set>
 #include <utility>
 
@@ -15,10 +13,16 @@ namespace vant::host {
 
 namespace {
 
-constexpr double longestSeconds = 1e9;
+constexpr std::int64_t longestDelay = 600'000;
 constexpr std::int64_t mostDecimals = 9;
 
-const std::array<std::string_view, 5> sources = {"follows", "towards", "ramp", "changes", "sequence"};
+const std::array<std::string_view, 7> sources = {"follows", "sum",     "threshold", "towards",
+                                                 "ramp",    "changes", "sequence"};
+
+/// Whether a key needs a source in time.
+bool ActsInTime(std::string_view key) {
+    return key == "delay" || key == "loads" || key == "stick" || key == "lag" || key == "rate";
+}
 
 Position PositionOfKey(const toml::table& table, std::string_view name) {
     return PositionOf(table.find(name)->first);
@@ -33,8 +37,8 @@ void BehaviourReader::ReadBehaviour(const std::string& id, const toml::table& ta
     if (!keys)
         return;
     CheckKeys(*keys, "a behaviour",
-              {"follows", "gain", "offset", "towards", "ramp", "changes", "sequence", "every", "loads", "lag",
-               "rate", "noise", "decimals"});
+              {"follows", "gain", "offset", "sum", "threshold", "towards", "ramp", "changes", "sequence",
+               "every", "delay", "loads", "stick", "lag", "rate", "noise", "decimals"});
     if (keys->empty())
         m_found.Error(PositionOf(*node),
                       "'behaviour' is empty: say what the parameter does, or leave it out");
@@ -44,9 +48,11 @@ void BehaviourReader::ReadBehaviour(const std::string& id, const toml::table& ta
     CheckFits(*keys, parameter.value);
     Behaviour& behaviour = parameter.behaviour.emplace();
     ReadSource(id, *keys, behaviour, parameter.value);
+    ReadDelay(*keys, behaviour);
     if (const toml::node* const loads = keys->get("loads"))
         ReadLoads(*loads, behaviour);
-    behaviour.lag = AboveZero(*keys, "lag");
+    behaviour.stick = AboveZero(*keys, "stick");
+    behaviour.lag = SecondsAboveZero(*keys, "lag");
     behaviour.rate = AboveZero(*keys, "rate");
     behaviour.noise = AboveZero(*keys, "noise");
     if (const toml::node* const decimals = keys->get("decimals"))
@@ -59,6 +65,10 @@ void BehaviourReader::ReadSource(const std::string& id, const toml::table& table
         ReadFollows(id, *follows, behaviour);
     behaviour.gain = Number(table, "gain").value_or(1);
     behaviour.offset = Number(table, "offset").value_or(0);
+    if (const toml::node* const sum = table.get("sum"))
+        ReadSum(id, *sum, behaviour);
+    if (const toml::node* const threshold = table.get("threshold"))
+        ReadThreshold(id, *threshold, behaviour, value);
     behaviour.towards = Number(table, "towards");
     if (const toml::node* const ramp = table.get("ramp"))
         ReadRamp(*ramp, behaviour, value);
@@ -72,7 +82,7 @@ void BehaviourReader::ReadFollows(const std::string& id, const toml::node& node,
     const auto add = [&](const toml::node& each) {
         if (auto followed = Text(each, "the id of a parameter")) {
             behaviour.follows.push_back(followed->text);
-            m_references.push_back({id, std::move(*followed)});
+            m_references.push_back({"follows", id, std::move(*followed)});
         }
     };
     const toml::array* const list = node.as_array();
@@ -84,6 +94,58 @@ void BehaviourReader::ReadFollows(const std::string& id, const toml::node& node,
         m_found.Error(PositionOf(node), "'follows' is empty: name a parameter, or leave the key out");
     for (const toml::node& each : *list)
         add(each);
+}
+
+void BehaviourReader::ReadSum(const std::string& id, const toml::node& node, Behaviour& behaviour) {
+    const toml::array* const list = AsList(node, "'sum' must be a list of inputs");
+    if (!list)
+        return;
+    if (list->empty())
+        m_found.Error(PositionOf(node), "'sum' is empty: add an input, or leave the key out");
+    for (const toml::node& each : *list) {
+        const toml::table* const table = AsTable(each, "an input of a sum");
+        if (!table)
+            continue;
+        CheckKeys(*table, "an input of a sum", {"of", "gain", "offset"});
+        Term& term = behaviour.sum.emplace_back();
+        term.of = ReadOf(id, *table, PositionOf(each));
+        term.gain = Number(*table, "gain").value_or(1);
+        term.offset = Number(*table, "offset").value_or(0);
+    }
+}
+
+std::string BehaviourReader::ReadOf(const std::string& id, const toml::table& table, Position owner) {
+    auto of = RequiredText(table, "of", owner);
+    if (!of)
+        return {};
+    m_references.push_back({"of", id, *of});
+    return std::move(of->text);
+}
+
+void BehaviourReader::ReadThreshold(const std::string& id, const toml::node& node, Behaviour& behaviour,
+                                    const Value& value) {
+    const toml::table* const table = AsTable(node, "'threshold'");
+    if (!table)
+        return;
+    CheckKeys(*table, "a threshold", {"of", "on", "off", "high", "low"});
+    const Position position = PositionOf(node);
+    Threshold& threshold = behaviour.threshold.emplace();
+    threshold.of = ReadOf(id, *table, position);
+    const auto on = RequiredNumber(*table, "on", position);
+    const auto off = RequiredNumber(*table, "off", position);
+    if (on && off && *on == *off)
+        m_found.Error(PositionOf(*table->get("off")), "'off' must differ from 'on'");
+    threshold.on = on.value_or(1);
+    threshold.off = off.value_or(0);
+    const auto read = [&](std::string_view key, Value& result) {
+        const toml::node* const found = table->get(key);
+        if (!found)
+            m_found.Error(position, Quoted(key) + " is missing");
+        else if (auto same = SameKind(*found, Quoted(key), value))
+            result = std::move(*same);
+    };
+    read("high", threshold.high);
+    read("low", threshold.low);
 }
 
 void BehaviourReader::ReadRamp(const toml::node& node, Behaviour& behaviour, const Value& value) {
@@ -149,6 +211,15 @@ void BehaviourReader::ReadSequence(const toml::table& table, const toml::node& n
         const auto at = static_cast<std::int64_t>(behaviour.changes.size()) * every.value_or(0);
         behaviour.changes.push_back({at, std::move(each)});
     }
+}
+
+void BehaviourReader::ReadDelay(const toml::table& table, Behaviour& behaviour) {
+    const auto delay = Time(table, "delay");
+    if (!delay)
+        return;
+    if (*delay == 0 || *delay > longestDelay)
+        m_found.Error(PositionOf(*table.get("delay")), "'delay' must be above 0 and at most 600 seconds");
+    behaviour.delay = *delay;
 }
 
 void BehaviourReader::ReadLoads(const toml::node& node, Behaviour& behaviour) {
@@ -243,14 +314,14 @@ void BehaviourReader::CheckOneSource(const toml::table& table) {
 
 void BehaviourReader::CheckFits(const toml::table& table, const Value& value) {
     const bool byReads = table.contains("sequence") && !table.contains("every");
-    for (const std::string_view key :
-         {"follows", "towards", "ramp", "loads", "lag", "rate", "noise", "decimals"}) {
+    for (const std::string_view key : {"follows", "sum", "towards", "ramp", "delay", "loads", "stick", "lag",
+                                       "rate", "noise", "decimals"}) {
         if (!table.contains(key))
             continue;
         if (!NumberIn(value))
             m_found.Error(PositionOfKey(table, key),
                           "only a parameter whose value is a number has " + Quoted(key));
-        else if (byReads && (key == "loads" || key == "lag" || key == "rate"))
+        else if (byReads && ActsInTime(key))
             m_found.Error(PositionOfKey(table, key), Quoted(key) + " needs a sequence in time: add 'every'");
     }
 }
@@ -265,8 +336,10 @@ void BehaviourReader::CheckReference(const Reference& reference,
                                      const std::map<std::string, EngineParameter>& parameters) {
     const auto& [id, position] = reference.followed;
     if (id == reference.follower) {
-        m_found.Error(position,
-                      "a parameter without a source follows what is written to it: leave 'follows' out");
+        m_found.Error(position, reference.key == "follows"
+                                    ? "a parameter without a source follows what is written to it: leave "
+                                      "'follows' out"
+                                    : "a parameter cannot follow itself");
         return;
     }
     const auto followed = parameters.find(id);
@@ -285,7 +358,7 @@ void BehaviourReader::CheckCircles(const std::map<std::string, EngineParameter>&
         numbers.emplace(id, numbers.size());
     Graph graph(parameters.size());
     const auto forEach = [&](auto visit) {
-        for (const auto& [follower, followed] : m_references) {
+        for (const auto& [key, follower, followed] : m_references) {
             if (follower != followed.text && numbers.contains(followed.text))
                 visit(numbers[follower], numbers[followed.text], follower, followed);
         }
@@ -299,67 +372,6 @@ void BehaviourReader::CheckCircles(const std::map<std::string, EngineParameter>&
             m_found.Error(followed.position,
                           Quoted(follower) + " follows itself through " + Quoted(followed.text));
     });
-}
-
-std::optional<Value> BehaviourReader::SameKind(const toml::node& node, const std::string& what,
-                                               const Value& value) {
-    auto read = Scalar(node, what);
-    if (!read)
-        return std::nullopt;
-    const bool same = NumberIn(value) ? NumberIn(*read).has_value() : read->index() == value.index();
-    if (!same) {
-        m_found.Error(PositionOf(node),
-                      what + " must be of the same kind as the parameter's 'value', not " + KindOf(node));
-        return std::nullopt;
-    }
-    return read;
-}
-
-std::optional<double> BehaviourReader::Number(const toml::table& table, std::string_view key) {
-    const toml::node* const node = table.get(key);
-    if (!node)
-        return std::nullopt;
-    const auto number = node->is_number() ? node->value<double>() : std::nullopt;
-    if (!number || !std::isfinite(*number)) {
-        m_found.Error(PositionOf(*node), Quoted(key) + " must be a number, not " +
-                                             (number ? "nan or an infinite one" : KindOf(*node)));
-        return std::nullopt;
-    }
-    return number;
-}
-
-double BehaviourReader::AboveZero(const toml::table& table, std::string_view key) {
-    const auto number = Number(table, key);
-    if (!number || *number > 0)
-        return number.value_or(0);
-    m_found.Error(PositionOf(*table.get(key)), Quoted(key) + " must be above 0");
-    return 0;
-}
-
-std::optional<std::int64_t> BehaviourReader::Time(const toml::table& table, std::string_view key) {
-    const auto seconds = Number(table, key);
-    if (!seconds)
-        return std::nullopt;
-    if (*seconds < 0 || *seconds > longestSeconds) {
-        m_found.Error(PositionOf(*table.get(key)),
-                      Quoted(key) + " must lie between 0 and 1000000000 seconds");
-        return std::nullopt;
-    }
-    return std::llround(*seconds * 1000);
-}
-
-std::optional<std::int64_t> BehaviourReader::RequiredTime(const toml::table& table, std::string_view key,
-                                                          Position owner) {
-    if (!table.contains(key))
-        m_found.Error(owner, Quoted(key) + " is missing");
-    return Time(table, key);
-}
-
-std::optional<double> BehaviourReader::RequiredNumber(const toml::table& table, std::string_view key,
-                                                      Position owner) {
-    if (!table.contains(key))
-        m_found.Error(owner, Quoted(key) + " is missing");
-    return Number(table, key);
 }
 
 } // namespace vant::host

@@ -1,9 +1,8 @@
 #pragma once
 
 #include "host/engine/model/EngineDescription.h"
-#include "host/procedure/TableReader.h"
+#include "host/procedure/QuantityReader.h"
 
-#include <cstdint>
 #include <map>
 #include <optional>
 #include <string>
@@ -13,9 +12,9 @@
 namespace vant::host {
 
 /// Reads what the parameters of an engine do over time: their keys "behaviour" and "fails".
-class BehaviourReader : private TableReader {
+class BehaviourReader : private QuantityReader {
 public:
-    explicit BehaviourReader(Diagnostics& found) : TableReader(found) {}
+    explicit BehaviourReader(Diagnostics& found) : QuantityReader(found) {}
 
     /// Reads "behaviour" of a parameter whose value and limits have been read, unless it has none.
     void ReadBehaviour(const std::string& id, const toml::table& table, EngineParameter& parameter);
@@ -27,6 +26,7 @@ public:
 private:
     /// A parameter that names another one as its source.
     struct Reference {
+        std::string_view key; ///< Where it is named: "follows" or "of".
         std::string follower;
         Located followed;
     };
@@ -34,26 +34,22 @@ private:
     void ReadSource(const std::string& id, const toml::table& table, Behaviour& behaviour,
                     const Value& value);
     void ReadFollows(const std::string& id, const toml::node& node, Behaviour& behaviour);
+    void ReadSum(const std::string& id, const toml::node& node, Behaviour& behaviour);
+    void ReadThreshold(const std::string& id, const toml::node& node, Behaviour& behaviour,
+                       const Value& value);
     void ReadRamp(const toml::node& node, Behaviour& behaviour, const Value& value);
     void ReadChanges(const toml::node& node, Behaviour& behaviour, const Value& value);
     void ReadSequence(const toml::table& table, const toml::node& node, Behaviour& behaviour,
                       const Value& value);
+    void ReadDelay(const toml::table& table, Behaviour& behaviour);
     void ReadLoads(const toml::node& node, Behaviour& behaviour);
     void ReadDecimals(const toml::node& node, Behaviour& behaviour, const Value& value);
     void CheckOneSource(const toml::table& table);
     void CheckFits(const toml::table& table, const Value& value);
+    /// Reads the required key "of" of a table within a behaviour, the id of a parameter.
+    std::string ReadOf(const std::string& id, const toml::table& table, Position owner);
     void CheckReference(const Reference& reference, const std::map<std::string, EngineParameter>& parameters);
     void CheckCircles(const std::map<std::string, EngineParameter>& parameters);
-
-    /// A value of the same kind as the parameter's. All numbers are of one kind.
-    std::optional<Value> SameKind(const toml::node& node, const std::string& what, const Value& value);
-    std::optional<double> Number(const toml::table& table, std::string_view key);
-    /// The number at `key`; 0 if the key is missing or, with a mistake, if its value is not above 0.
-    double AboveZero(const toml::table& table, std::string_view key);
-    /// Seconds from the engine's beginning, in milliseconds.
-    std::optional<std::int64_t> Time(const toml::table& table, std::string_view key);
-    std::optional<std::int64_t> RequiredTime(const toml::table& table, std::string_view key, Position owner);
-    std::optional<double> RequiredNumber(const toml::table& table, std::string_view key, Position owner);
 
     std::vector<Reference> m_references;
 };

@@ -1,7 +1,8 @@
 #include "host/procedure/EngineReader.h"
 
 #include "host/procedure/BehaviourReader.h"
-#include "host/procedure/TableReader.h"
+#include "host/procedure/FaultReader.h"
+#include "host/procedure/QuantityReader.h"
 #include "host/record/Value.h"
 #include "host/text/Suggestion.h"
 
@@ -17,9 +18,10 @@ const std::array<std::string, 6> protocolStepNames = {"GetProtocolSource", "GetA
                                                       "get_Kind"};
 constexpr std::int32_t lastProtocolKind = 6;
 
-class EngineReader : private TableReader {
+class EngineReader : private QuantityReader {
 public:
-    explicit EngineReader(Diagnostics& found) : TableReader(found), m_behaviours(found) {}
+    explicit EngineReader(Diagnostics& found)
+        : QuantityReader(found), m_behaviours(found), m_faults(found, m_engine.parameters) {}
 
     EngineDescription Read(const toml::table& table) {
         CheckKeys(table, "an engine",
@@ -39,8 +41,9 @@ public:
             if (const auto text = Text(node, "unit " + Quoted(key.str())))
                 m_engine.units.emplace(std::string(key.str()), text->text);
         });
-        ForEach(table, "faults",
-                [this](const toml::key& key, const toml::node& node) { ReadFaultArray(key, node); });
+        ForEach(table, "faults", [this](const toml::key& key, const toml::node& node) {
+            m_engine.faultArrays[std::string(key.str())] = m_faults.Read(key, node);
+        });
         return std::move(m_engine);
     }
 
@@ -85,7 +88,7 @@ private:
             parameter.text = text->text;
         if (const auto units = OptionalText(*table, "units"))
             parameter.unitsKey = units->text;
-        parameter.readOnly = OptionalTruth(*table, "readOnly");
+        parameter.readOnly = Truth(*table, "readOnly").value_or(false);
         m_behaviours.ReadFails(*table, parameter);
         const toml::node* const value = table->get("value");
         if (!value) {
@@ -130,47 +133,9 @@ private:
             m_found.Error(PositionOf(*table.get("value")), "'value' lies outside 'min' and 'max'");
     }
 
-    /// A list of records, each a list of fields, whose order counts and whose names may come again.
-    void ReadFaultArray(const toml::key& key, const toml::node& node) {
-        auto& records = m_engine.faultArrays[std::string(key.str())];
-        const toml::array* const list =
-            AsList(node, "fault array " + Quoted(key.str()) + " must be a list of records");
-        if (!list)
-            return;
-        for (const toml::node& each : *list)
-            ReadFaultRecord(each, records.emplace_back());
-    }
-
-    void ReadFaultRecord(const toml::node& node, FaultRecordDescription& record) {
-        const toml::table* const table = AsTable(node, "a fault record");
-        if (!table)
-            return;
-        CheckKeys(*table, "a fault record", {"fields"});
-        const toml::node* const fields = table->get("fields");
-        if (!fields) {
-            m_found.Error(PositionOf(node), "'fields' is missing");
-            return;
-        }
-        const toml::array* const list = AsList(*fields, "'fields' must be a list of fields");
-        if (!list)
-            return;
-        for (const toml::node& each : *list)
-            ReadFaultField(each, record);
-    }
-
-    void ReadFaultField(const toml::node& node, FaultRecordDescription& record) {
-        const toml::table* const table = AsTable(node, "a field");
-        if (!table)
-            return;
-        CheckKeys(*table, "a field", {"name", "value"});
-        const auto name = RequiredText(*table, "name", PositionOf(node));
-        const auto value = RequiredText(*table, "value", PositionOf(node));
-        if (name && value)
-            record.push_back({name->text, value->text});
-    }
-
-    BehaviourReader m_behaviours;
     EngineDescription m_engine;
+    BehaviourReader m_behaviours;
+    FaultReader m_faults;
 };
 
 } // namespace

@@ -3,6 +3,8 @@
 
 #include "host/procedure/EngineReader.h"
 #include "host/procedure/ProcedureReader.h"
+#include "host/record/Codes.h"
+#include "host/record/Json.h"
 #include "host/record/Vocabulary.h"
 #include "host/runner/CommandCheck.h"
 #include "host/runner/LoadedModule.h"
@@ -123,7 +125,8 @@ TEST(ProceduresDocument, Tables_HoldEveryKey) {
 
 TEST(EnginesDocument, Tables_HoldEveryKey) {
     const Words described = WordsInTables("docs/engines.md");
-    for (const char* const source : {"host/procedure/EngineReader.cpp", "host/procedure/BehaviourReader.cpp"})
+    for (const char* const source : {"host/procedure/EngineReader.cpp", "host/procedure/BehaviourReader.cpp",
+                                     "host/procedure/FaultReader.cpp"})
         EXPECT_EQ(Missing(KnownKeys(source), described), Words{}) << source;
 }
 
@@ -153,6 +156,17 @@ TEST(ProceduresDocument, Journal_ListsEveryKindOfRecordWithItsArguments) {
     Words known;
     for (const RecordKind& kind : recordKinds)
         known.insert(Signature(kind.service, kind.operation, ArgumentsOf(kind)));
+    EXPECT_EQ(described, known);
+}
+
+TEST(ProceduresDocument, ResultCodes_AreThoseOfReports) {
+    const std::vector<Section> sections = ReadSections("docs/procedures.md");
+    Words described;
+    for (const TableRow& row : SectionOf(sections, "Result codes").Table("code"))
+        described.insert(row.at(0) + " | " + row.at(1) + " | " + row.at(2));
+    Words known;
+    for (const auto& [code, name, meaning] : CodeMeanings())
+        known.insert(std::string(name) + " | " + ToText(code) + " | " + meaning);
     EXPECT_EQ(described, known);
 }
 

@@ -34,6 +34,9 @@ else()
   vant_add_service_run(fault_check_and_clear fault_check_and_clear "" EXIT 0 OUTPUT)
 endif()
 
+# The fault is back before the procedure ends.
+vant_add_service_run(fault_return_check fault_return_check "" EXIT 1 OUTPUT)
+
 # On other engines, worn or broken ones. Each line ends the procedure another way, or for another reason.
 function(vant_add_variants procedure exit)
   cmake_parse_arguments(PARSE_ARGV 2 arg "" "ONLY" "ENGINES")
@@ -53,10 +56,12 @@ vant_add_variants(sampled_idle_adjustment 1 ONLY "${told_or_refused}"
                   ENGINES ${engines}/unsteady ${failing_engines}/sampled_throttle_refused
                           ${failing_engines}/status_unreadable ${failing_engines}/speed_unreadable)
 vant_add_variants(egr_valve_walk 1 ONLY "${told_or_refused}"
-                  ENGINES ${engines}/egr_sticking ${failing_engines}/egr_target_unreadable
+                  ENGINES ${engines}/egr_sticking ${engines}/sticking_valve ${failing_engines}/egr_target_unreadable
                           ${failing_engines}/egr_position_lost ${failing_engines}/egr_position_lost_later
                           ${failing_engines}/egr_refused)
 vant_add_variants(fault_check_and_clear 0 ENGINES ${engines}/idle)
+vant_add_variants(fault_return_check 0 ENGINES ${failing_engines}/fault_repaired)
+vant_add_variants(fault_return_check 1 ENGINES ${engines}/faulty)
 vant_add_variants(fault_check_and_clear 1 ONLY "${told_or_refused}"
                   ENGINES ${engines}/egr ${failing_engines}/clearing_refused)
 vant_add_variants(boost_test 1 ONLY "${told_or_refused}"

@@ -13,22 +13,44 @@ constexpr std::int64_t movingSteps = 5;
 
 } // namespace
 
-Engine::Engine(const std::map<std::string, EngineParameter>& parameters, std::uint64_t seed, TimeSource clock)
+Engine::Engine(const std::map<std::string, EngineParameter>& parameters, std::uint64_t seed, TimeSource clock,
+               const FaultArrays& faultArrays)
     : m_clock(std::move(clock)), m_began(m_clock()) {
     for (const auto& [id, description] : parameters)
         m_parameters.try_emplace(id, id, description, seed);
     for (auto& [id, parameter] : m_parameters)
         parameter.Connect(m_parameters);
-    m_order = InOrder();
-    for (LiveParameter* const parameter : m_order) {
-        parameter->AddSchedule(m_schedule);
-        if (parameter->HasInertia())
-            m_inert.push_back(parameter);
-    }
+    BeginParameters();
+    BeginFaults(faultArrays);
     for (std::int64_t& time : m_schedule)
-        time = (time + engineStep - 1) / engineStep;
+        time = StepsUpTo(time);
     std::sort(m_schedule.begin(), m_schedule.end());
     TakeInputs();
+}
+
+void Engine::BeginParameters() {
+    m_order = InOrder();
+    for (LiveParameter* const parameter : m_order) {
+        parameter->Begin();
+        parameter->AddSchedule(m_schedule);
+        if (parameter->TakesInputs())
+            m_stateful.push_back(parameter);
+    }
+}
+
+void Engine::BeginFaults(const FaultArrays& faultArrays) {
+    for (const auto& [id, records] : faultArrays) {
+        auto& faults = m_faultArrays[id];
+        faults.reserve(records.size()); // So that none of them moves.
+        for (const FaultRecordDescription& record : records) {
+            LiveFault& fault = faults.emplace_back(record, m_parameters);
+            fault.Observe(0, 0);
+            if (!record.Changes())
+                continue;
+            fault.AddSchedule(m_schedule);
+            m_changingFaults.push_back(&fault);
+        }
+    }
 }
 
 std::vector<LiveParameter*> Engine::InOrder() {
@@ -85,6 +107,8 @@ std::optional<EngineError> Engine::Write(const std::string& id, Value value) {
     if (!parameter.Admits(value))
         return EngineError::OutOfLimits;
     Advance();
+    for (LiveFault* const fault : m_changingFaults)
+        fault->TakeWrite(id, value, m_step);
     parameter.Write(std::move(value), ++m_writes);
     TakeInputs();
     return std::nullopt;
@@ -100,6 +124,21 @@ std::vector<Engine::Left> Engine::LeftWritten() const {
     return left;
 }
 
+std::vector<std::size_t> Engine::FaultRecords(const std::string& array) const {
+    const std::lock_guard lock(m_access);
+    const auto found = m_faultArrays.find(array);
+    if (found == m_faultArrays.end())
+        return {};
+    Advance();
+    std::vector<std::size_t> present;
+    const std::vector<LiveFault>& faults = found->second;
+    for (std::size_t i = 0; i < faults.size(); ++i) {
+        if (faults[i].IsPresent(m_step))
+            present.push_back(i);
+    }
+    return present;
+}
+
 std::int64_t Engine::Advance() const {
     const std::int64_t time = std::max<std::int64_t>(m_clock() - m_began, m_step * engineStep);
     const std::int64_t now = time / engineStep;
@@ -113,22 +152,29 @@ std::int64_t Engine::Advance() const {
 
 std::int64_t Engine::NextChange() const {
     const auto scheduled = std::upper_bound(m_schedule.begin(), m_schedule.end(), m_step);
-    const std::int64_t moved =
-        m_moves ? (m_step / movingSteps + 1) * movingSteps : std::numeric_limits<std::int64_t>::max();
-    return scheduled == m_schedule.end() ? moved : std::min(*scheduled, moved);
+    std::int64_t next = scheduled == m_schedule.end() ? std::numeric_limits<std::int64_t>::max() : *scheduled;
+    if (m_moves)
+        next = std::min(next, (m_step / movingSteps + 1) * movingSteps);
+    for (const LiveParameter* const each : m_stateful)
+        next = std::min(next, each->NextArrival());
+    return next;
 }
 
 void Engine::TakeInputs() const {
-    for (LiveParameter* const each : m_inert)
+    for (LiveParameter* const each : m_stateful)
         each->TakeInput(m_step, m_writes);
+    for (LiveFault* const each : m_changingFaults)
+        each->Observe(m_step, m_writes);
     m_moves = AnyInputMoves();
 }
 
 bool Engine::AnyInputMoves() const {
     for (LiveParameter* const each : m_order)
         each->FindMoves(m_step);
-    return std::any_of(m_inert.begin(), m_inert.end(),
-                       [](const LiveParameter* each) { return each->InputMoves(); });
+    return std::any_of(m_stateful.begin(), m_stateful.end(),
+                       [](const LiveParameter* each) { return each->InputMoves(); }) ||
+           std::any_of(m_changingFaults.begin(), m_changingFaults.end(),
+                       [this](const LiveFault* each) { return each->InputMoves(m_step); });
 }
 
 } // namespace vant::host

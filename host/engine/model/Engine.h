@@ -2,6 +2,7 @@
 
 #include "host/engine/model/EngineDescription.h"
 #include "host/engine/model/EngineError.h"
+#include "host/engine/model/LiveFault.h"
 #include "host/engine/model/LiveParameter.h"
 #include "host/record/TimeSource.h"
 #include "platform/Clock.h"
@@ -11,6 +12,7 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace vant::host {
@@ -21,15 +23,17 @@ struct Reading {
     std::optional<std::string> text; ///< Replaces the value's own text.
 };
 
-/// The parameters of a simulated engine, which change during a run by themselves and by writes. A reading
-/// depends on the time, on the writes and their times, and on the seed. It depends on other reads only if the
-/// parameter's behaviour counts them. Ids are UTF-8. Any thread may call.
+/// The parameters and faults of a simulated engine, which change during a run by themselves and by writes. A
+/// reading depends on the time, on the writes and their times, and on the seed. It depends on other reads
+/// only if the parameter's behaviour counts them. Ids are UTF-8. Any thread may call.
 class Engine {
 public:
-    /// The engine begins now. Every id that a parameter follows must exist, and no parameter may follow
-    /// itself, directly or through others.
+    /// The engine begins now. Every id that a parameter follows or a fault watches must exist, and no
+    /// parameter may follow itself, directly or through others.
     explicit Engine(const std::map<std::string, EngineParameter>& parameters, std::uint64_t seed = 0,
-                    TimeSource clock = ClockMilliseconds);
+                    TimeSource clock = ClockMilliseconds, const FaultArrays& faultArrays = {});
+    explicit Engine(const EngineDescription& description, TimeSource clock = ClockMilliseconds)
+        : Engine(description.parameters, description.seed, std::move(clock), description.faultArrays) {}
 
     /// The current value and its text. NotFound or ReadFailed.
     Expected<Reading> Read(const std::string& id) const;
@@ -50,15 +54,22 @@ public:
     /// All of them, by id.
     std::vector<Left> LeftWritten() const;
 
+    /// The records that a fault array has now: their places in the description, from 0, in order. None if
+    /// there is no such array.
+    std::vector<std::size_t> FaultRecords(const std::string& array) const;
+
 private:
+    void BeginParameters();
+    void BeginFaults(const FaultArrays& faultArrays);
     /// The parameters, each after those that it follows.
     std::vector<LiveParameter*> InOrder();
     /// Takes every input that has changed by now, and returns the milliseconds since the engine began.
     std::int64_t Advance() const;
-    /// The step after m_step at which an input changes by itself.
+    /// The step after m_step at which an input changes by itself, or a delayed one arrives.
     std::int64_t NextChange() const;
     void TakeInputs() const;
-    /// Whether an input of m_inert may change after m_step, other than at scheduled times and with writes.
+    /// Whether an input of m_stateful or m_changingFaults may move after m_step: change other than at
+    /// scheduled times, by writes and by arrivals.
     bool AnyInputMoves() const;
 
     const TimeSource m_clock;
@@ -66,11 +77,13 @@ private:
     mutable std::mutex m_access;
     /// Mutable: reads are counted, and bring them up to date.
     mutable std::map<std::string, LiveParameter> m_parameters;
-    std::vector<LiveParameter*> m_order;  ///< Each after those that it follows.
-    std::vector<LiveParameter*> m_inert;  ///< Those with inertia.
-    std::vector<std::int64_t> m_schedule; ///< The steps at which inputs change by themselves, in order.
-    mutable bool m_moves = false;         ///< Whether an input may move before the next scheduled change.
-    mutable std::int64_t m_step = 0;      ///< The step up to which inputs have been taken.
+    std::vector<LiveParameter*> m_order;    ///< Each after those that it follows.
+    std::vector<LiveParameter*> m_stateful; ///< Those of m_order that take inputs.
+    std::vector<std::int64_t> m_schedule;   ///< The steps at which inputs change by themselves, in order.
+    std::map<std::string, std::vector<LiveFault>> m_faultArrays;
+    std::vector<LiveFault*> m_changingFaults; ///< Those of m_faultArrays that may come or go.
+    mutable bool m_moves = false;             ///< Whether an input may move before the next scheduled change.
+    mutable std::int64_t m_step = 0;          ///< The step up to which inputs have been taken.
     std::uint64_t m_writes = 0;
 };
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/engine/model/Behaviour.h"
+#include "host/engine/model/FaultDescription.h"
 #include "host/record/Value.h"
 
 #include <cstdint>
@@ -26,11 +27,8 @@ struct EngineParameter {
     std::optional<Behaviour> behaviour; ///< Without one, only writes change the value.
 };
 
-struct FaultFieldDescription {
-    std::string name;
-    std::string value;
-};
-using FaultRecordDescription = std::vector<FaultFieldDescription>;
+/// The records of each fault array, in their order.
+using FaultArrays = std::map<std::string, std::vector<FaultRecordDescription>>;
 
 /// The steps from a control module's identifier to its kind of protocol, in order.
 enum class ProtocolStep { GetProtocolSource, GetA, GetB, GetC, GetD, GetKind };
@@ -43,7 +41,7 @@ struct EngineDescription {
     std::uint64_t seed = 0; ///< Of all noise.
     std::map<std::string, EngineParameter> parameters;
     std::map<std::string, std::string> units; ///< Units key to text.
-    std::map<std::string, std::vector<FaultRecordDescription>> faultArrays;
+    FaultArrays faultArrays;
 };
 
 } // namespace vant::host

@@ -7,6 +7,11 @@ namespace vant::host {
 /// The grid on which a simulated engine keeps its state, in milliseconds.
 inline constexpr std::int64_t engineStep = 10;
 
+/// The first step that begins at a time or later.
+constexpr std::int64_t StepsUpTo(std::int64_t time) noexcept {
+    return (time + engineStep - 1) / engineStep;
+}
+
 /// e to the power of -x for x >= 0, within three units in the last place. It uses the four basic operations
 /// alone, so every system computes the same bits; std::exp does not guarantee that.
 double Decay(double x) noexcept;

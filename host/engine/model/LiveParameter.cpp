@@ -15,6 +15,10 @@ namespace {
 /// Keeps every sum and difference of levels finite, whatever has been written.
 constexpr double greatestLevel = 1e300;
 
+double Finite(double number) {
+    return std::isnan(number) ? 0 : std::clamp(number, -greatestLevel, greatestLevel);
+}
+
 double RampAt(const Ramp& ramp, std::int64_t time, double before) {
     if (time < ramp.at)
         return before;
@@ -37,17 +41,31 @@ double RoundedTo(int decimals, double number) {
 
 LiveParameter::LiveParameter(const std::string& id, const EngineParameter& description, std::uint64_t seed)
     : m_description(description), m_noise(NoiseStream(seed, id)), m_value(description.value),
-      m_text(description.text) {
-    const auto& behaviour = m_description.behaviour;
-    if (behaviour && (behaviour->lag > 0 || behaviour->rate > 0))
-        m_inertia.emplace(Limited(NumberIn(m_value).value_or(0)), behaviour->lag, behaviour->rate);
-}
+      m_text(description.text) {}
 
 void LiveParameter::Connect(const std::map<std::string, LiveParameter>& all) {
     if (!m_description.behaviour)
         return;
-    for (const std::string& id : m_description.behaviour->follows)
+    for (const std::string& id : m_description.behaviour->Followed())
         m_followed.push_back(&all.at(id));
+}
+
+void LiveParameter::Begin() {
+    if (!m_description.behaviour)
+        return;
+    const Behaviour& behaviour = *m_description.behaviour;
+    if (behaviour.threshold) {
+        m_switch.emplace(behaviour.threshold->on, behaviour.threshold->off);
+        m_switch->Take(m_followed.front()->LevelAt({}));
+    }
+    if (behaviour.delay > 0)
+        m_delayed.emplace(Finite(SourceAt(behaviour, {})), StepsUpTo(behaviour.delay));
+    const bool inert = behaviour.lag > 0 || behaviour.rate > 0;
+    const double value = Limited(NumberIn(m_value).value_or(0));
+    if (behaviour.stick > 0)
+        m_sticking.emplace(inert ? value : InputAt({}), behaviour.stick);
+    if (inert)
+        m_inertia.emplace(value, behaviour.lag, behaviour.rate);
 }
 
 bool LiveParameter::BeginRead(std::int64_t time) {
@@ -58,17 +76,17 @@ bool LiveParameter::BeginRead(std::int64_t time) {
 }
 
 Value LiveParameter::Read(const Moment& moment) const {
-    const auto& behaviour = m_description.behaviour;
-    if (!behaviour)
+    const double amplitude = m_description.behaviour ? m_description.behaviour->noise : 0;
+    if (!(amplitude > 0))
+        return QuietValue(moment);
+    const double noise = NoiseAt(m_noise, static_cast<std::uint64_t>(moment.time / engineStep));
+    return Shown(Limited(LevelAt(moment) + amplitude * noise));
+}
+
+Value LiveParameter::QuietValue(const Moment& moment) const {
+    if (!m_description.behaviour)
         return m_value;
-    if (!NumberIn(m_value))
-        return Scripted(moment.time);
-    double number = LevelAt(moment);
-    if (behaviour->noise > 0) {
-        number += behaviour->noise * NoiseAt(m_noise, static_cast<std::uint64_t>(moment.time / engineStep));
-        number = Limited(number);
-    }
-    return Shown(number);
+    return NumberIn(m_value) ? Shown(LevelAt(moment)) : Scripted(moment.time);
 }
 
 bool LiveParameter::IsReadOnly() const noexcept {
@@ -90,9 +108,7 @@ void LiveParameter::Write(Value value, std::uint64_t order) {
 }
 
 void LiveParameter::FindMoves(std::int64_t step) {
-    const auto moves = [step](const LiveParameter* each) {
-        return each->InputMoves() || (each->m_inertia && !each->m_inertia->IsSettled(step));
-    };
+    const auto moves = [step](const LiveParameter* each) { return each->Moves(step); };
     const auto& behaviour = m_description.behaviour;
     const bool rises =
         behaviour && behaviour->ramp && step * engineStep < behaviour->ramp->at + behaviour->ramp->over;
@@ -109,27 +125,66 @@ void LiveParameter::AddSchedule(std::vector<std::int64_t>& times) const {
 }
 
 void LiveParameter::TakeInput(std::int64_t step, std::uint64_t writes) {
-    m_inertia->Follow(InputAt({step * engineStep, writes}), step);
+    const Moment moment = {step * engineStep, writes};
+    if (m_switch)
+        m_switch->Take(m_followed.front()->LevelAt(moment));
+    if (m_delayed)
+        m_delayed->Take(Finite(SourceAt(*m_description.behaviour, moment)), step);
+    if (!m_sticking && !m_inertia)
+        return;
+    double input = InputAt(moment);
+    if (m_sticking) {
+        m_sticking->Take(input);
+        input = m_sticking->Number();
+    }
+    if (m_inertia)
+        m_inertia->Follow(input, step);
 }
 
-/// Chains of leaders may be long: a loop instead of a recursion, from the first leader whose level is known
-/// back to this parameter.
+std::int64_t LiveParameter::NextArrival() const noexcept {
+    return m_delayed ? m_delayed->NextArrival() : std::numeric_limits<std::int64_t>::max();
+}
+
 double LiveParameter::LevelAt(const Moment& moment) const {
-    std::vector<const LiveParameter*> chain;
-    for (const LiveParameter* each = this; each->TakesLevel() && !each->KnowsLevel(moment);
-         each = &each->Leader())
-        chain.push_back(each);
-    for (; !chain.empty(); chain.pop_back())
-        chain.back()->m_level = Level{moment, chain.back()->NextLevel(moment)};
-    return NextLevel(moment);
-}
-
-double LiveParameter::NextLevel(const Moment& moment) const {
     if (m_inertia)
         return m_inertia->At(moment.time / engineStep);
+    if (m_sticking)
+        return m_sticking->Number();
+    if (!TakesLevels())
+        return m_description.behaviour ? InputAt(moment) : Limited(NumberIn(m_value).value_or(0));
+    FindLevel(moment);
+    return m_level->number;
+}
+
+/// Chains of parameters may be long: a loop instead of a recursion.
+void LiveParameter::FindLevel(const Moment& moment) const {
     if (KnowsLevel(moment))
-        return m_level->number;
-    return m_description.behaviour ? InputAt(moment) : Limited(NumberIn(m_value).value_or(0));
+        return;
+    std::vector<const LiveParameter*> open = {this};
+    while (!open.empty()) {
+        const LiveParameter& last = *open.back();
+        const std::size_t count = open.size();
+        if (!last.KnowsLevel(moment))
+            last.AddUnknown(moment, open);
+        if (open.size() > count)
+            continue;
+        if (!last.KnowsLevel(moment))
+            last.m_level = Level{moment, last.InputAt(moment)};
+        open.pop_back();
+    }
+}
+
+void LiveParameter::AddUnknown(const Moment& moment, std::vector<const LiveParameter*>& open) const {
+    const auto add = [&](const LiveParameter& each) {
+        if (each.TakesLevels() && !each.KnowsLevel(moment))
+            open.push_back(&each);
+    };
+    if (m_description.behaviour->sum.empty()) {
+        add(Leader());
+        return;
+    }
+    for (const LiveParameter* const each : m_followed)
+        add(*each);
 }
 
 double LiveParameter::InputAt(const Moment& moment) const {
@@ -137,16 +192,25 @@ double LiveParameter::InputAt(const Moment& moment) const {
     double load = 0;
     for (const Load& each : behaviour.loads)
         load += moment.time >= each.at ? each.by : 0;
-    return Limited(SourceAt(behaviour, moment) + load);
+    return Limited((m_delayed ? m_delayed->Number() : SourceAt(behaviour, moment)) + load);
 }
 
 double LiveParameter::SourceAt(const Behaviour& behaviour, const Moment& moment) const {
-    if (!m_followed.empty())
+    if (!behaviour.sum.empty())
+        return SumAt(behaviour.sum, moment);
+    if (!behaviour.follows.empty())
         return behaviour.gain * Leader().LevelAt(moment) + behaviour.offset;
     if (behaviour.towards)
         return *behaviour.towards;
     const double scripted = NumberIn(Scripted(moment.time)).value_or(0);
     return behaviour.ramp ? RampAt(*behaviour.ramp, moment.time, scripted) : scripted;
+}
+
+double LiveParameter::SumAt(const std::vector<Term>& terms, const Moment& moment) const {
+    double sum = 0;
+    for (std::size_t i = 0; i < terms.size(); ++i)
+        sum += terms[i].gain * m_followed[i]->LevelAt(moment) + terms[i].offset;
+    return sum;
 }
 
 const LiveParameter& LiveParameter::Leader() const {
@@ -157,6 +221,8 @@ const LiveParameter& LiveParameter::Leader() const {
 
 const Value& LiveParameter::Scripted(std::int64_t time) const {
     const Behaviour& behaviour = *m_description.behaviour;
+    if (m_switch)
+        return m_switch->IsOn() ? behaviour.threshold->high : behaviour.threshold->low;
     if (!behaviour.sequence.empty()) {
         const auto last = static_cast<std::int64_t>(behaviour.sequence.size()) - 1;
         return behaviour.sequence[static_cast<std::size_t>(std::clamp<std::int64_t>(m_reads - 1, 0, last))];
@@ -169,9 +235,7 @@ const Value& LiveParameter::Scripted(std::int64_t time) const {
 }
 
 double LiveParameter::Limited(double number) const {
-    if (std::isnan(number))
-        number = 0;
-    number = std::clamp(number, -greatestLevel, greatestLevel);
+    number = Finite(number);
     if (m_description.min)
         number = std::max(number, *m_description.min);
     if (m_description.max)

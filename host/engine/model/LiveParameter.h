@@ -1,6 +1,8 @@
 #pragma once
 
+#include "host/engine/model/DelayedNumber.h"
 #include "host/engine/model/EngineDescription.h"
+#include "host/engine/model/Hysteresis.h"
 #include "host/engine/model/Inertia.h"
 
 #include <cstdint>
@@ -29,10 +31,16 @@ public:
     void Connect(const std::map<std::string, LiveParameter>& all);
     const std::vector<const LiveParameter*>& Followed() const noexcept { return m_followed; }
 
+    /// Makes the state at the engine's beginning. To be called first for the parameters that this one
+    /// follows, and before anything below.
+    void Begin();
+
     /// Counts a read, and returns whether it succeeds.
     bool BeginRead(std::int64_t time);
     /// The result of the read that has begun.
     Value Read(const Moment& moment) const;
+    /// The value at a moment, as a read returns it without noise. For a parameter that does not count reads.
+    Value QuietValue(const Moment& moment) const;
     /// The text that replaces the value's own, if there is one.
     const std::optional<std::string>& OwnText() const noexcept { return m_text; }
 
@@ -47,16 +55,22 @@ public:
     /// `order` rises with every write of the engine.
     void Write(Value value, std::uint64_t order);
 
-    /// Whether the parameter follows its input with a lag or at a limited rate.
-    bool HasInertia() const noexcept { return m_inertia.has_value(); }
+    /// Whether the parameter has a state that its input changes, so that the input must be taken in time.
+    bool TakesInputs() const noexcept { return m_switch || m_delayed || m_sticking || m_inertia; }
     /// Determines whether the input may change after a step, other than at scheduled times and by writes. To
     /// be called first for the parameters that this one follows.
     void FindMoves(std::int64_t step);
     bool InputMoves() const noexcept { return m_inputMoves; }
+    /// Whether the level may change after a step in the same way.
+    bool Moves(std::int64_t step) const noexcept {
+        return m_inputMoves || (m_inertia && !m_inertia->IsSettled(step));
+    }
     /// The times at which the input changes by itself.
     void AddSchedule(std::vector<std::int64_t>& times) const;
-    /// Takes the input of that step. For a parameter with inertia.
+    /// Takes the input of that step. To be called first for the parameters that this one follows.
     void TakeInput(std::int64_t step, std::uint64_t writes);
+    /// The next step at which a delayed input arrives; the greatest number if none is on its way.
+    std::int64_t NextArrival() const noexcept;
 
 private:
     /// The number before noise, rounding and failures, at a moment.
@@ -66,12 +80,15 @@ private:
     };
 
     double LevelAt(const Moment& moment) const;
-    /// Like LevelAt; the level of the leader must be known.
-    double NextLevel(const Moment& moment) const;
+    /// Makes the level known, and before it those that it follows from.
+    void FindLevel(const Moment& moment) const;
+    /// Adds the parameters whose levels must be found before this one's.
+    void AddUnknown(const Moment& moment, std::vector<const LiveParameter*>& open) const;
     double InputAt(const Moment& moment) const;
     double SourceAt(const Behaviour& behaviour, const Moment& moment) const;
-    /// Whether the level follows from that of another parameter at the same moment.
-    bool TakesLevel() const noexcept { return !m_followed.empty() && !m_inertia; }
+    double SumAt(const std::vector<Term>& terms, const Moment& moment) const;
+    /// Whether the level follows from those of other parameters at the same moment.
+    bool TakesLevels() const noexcept { return !m_followed.empty() && !TakesInputs(); }
     bool KnowsLevel(const Moment& moment) const noexcept { return m_level && m_level->at == moment; }
     /// Of the parameters that this one follows, the one written last.
     const LiveParameter& Leader() const;
@@ -84,6 +101,10 @@ private:
     Value m_value; ///< As written, or from the description.
     std::optional<std::string> m_text;
     std::vector<const LiveParameter*> m_followed;
+    // What lies between the source and the level, in this order, if the behaviour has it.
+    std::optional<Switch> m_switch;
+    std::optional<DelayedNumber> m_delayed;
+    std::optional<StickingNumber> m_sticking;
     std::optional<Inertia> m_inertia;
     bool m_inputMoves = false;
     mutable std::optional<Level> m_level; ///< The last one that was computed.

@@ -22,9 +22,8 @@ LONG EcmIdOf(const std::string& connection) {
 
 EngineObjects::EngineObjects(CallGate& gate, EngineDescription description, IUnknown& identity)
     : m_description(std::move(description)), m_ecmId(EcmIdOf(m_description.connection)),
-      m_engine(m_description.parameters, m_description.seed), m_connection(gate, m_description.connection),
-      m_session(gate, m_items), m_directory(gate, m_ecmId, m_session),
-      m_protocolSource(gate, m_description, m_ecmId),
+      m_engine(m_description), m_connection(gate, m_description.connection), m_session(gate, m_items),
+      m_directory(gate, m_ecmId, m_session), m_protocolSource(gate, m_description, m_ecmId),
       m_sessionManager(gate, m_description, identity, m_directory, m_protocolSource),
       m_units(gate, m_description.units), m_services(gate, identity, m_units) {
     for (const auto& [id, parameter] : m_description.parameters) {
@@ -32,7 +31,7 @@ EngineObjects::EngineObjects(CallGate& gate, EngineDescription description, IUnk
         m_items.emplace(id, std::make_unique<SessionItem>(gate, m_engine, id));
     }
     for (const auto& [id, records] : m_description.faultArrays)
-        m_faultArrays.emplace(id, std::make_unique<FaultArray>(gate, records));
+        m_faultArrays.emplace(id, std::make_unique<FaultArray>(gate, m_engine, id, records));
 }
 
 Parameter* EngineObjects::FindParameter(const std::string& id) const {

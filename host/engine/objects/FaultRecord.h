@@ -10,8 +10,8 @@ namespace vant::host {
 /// One fault: an ordered list of named fields.
 class FaultRecord final : public ItemList<IFaultRecord, IFaultField, FaultField> {
 public:
-    FaultRecord(CallGate& gate, const FaultRecordDescription& fields)
-        : ItemList(gate, service::FaultRecord, fields) {}
+    FaultRecord(CallGate& gate, const FaultRecordDescription& record)
+        : ItemList(gate, service::FaultRecord, MakeItems(gate, record.fields)) {}
 };
 
 } // namespace vant::host

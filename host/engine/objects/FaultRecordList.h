@@ -5,13 +5,15 @@
 #include "host/engine/objects/ItemList.h"
 #include "host/record/Vocabulary.h"
 
+#include <utility>
+
 namespace vant::host {
 
-/// The faults of a fault array in their order.
+/// The faults that a fault array has at some time, in their order. It stays as it is.
 class FaultRecordList final : public ItemList<IFaultRecordList, IFaultRecord, FaultRecord> {
 public:
-    FaultRecordList(CallGate& gate, const std::vector<FaultRecordDescription>& records)
-        : ItemList(gate, service::FaultRecordList, records) {}
+    FaultRecordList(CallGate& gate, Items records)
+        : ItemList(gate, service::FaultRecordList, std::move(records)) {}
 
 protected:
     void* FindInterface(REFIID iid) noexcept override {

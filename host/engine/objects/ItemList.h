@@ -6,21 +6,20 @@
 #include "host/record/Vocabulary.h"
 
 #include <memory>
+#include <utility>
 #include <vector>
 
 namespace vant::host {
 
 /// An ordered list of `Item` objects behind the interface `List`, which hands them out as `ItemInterface`.
+/// Lists may share items.
 template <class List, class ItemInterface, class Item>
 class ItemList : public HostDispatch<List> {
 public:
-    /// Makes one item for each description, in the same order.
-    template <class Descriptions>
-    ItemList(CallGate& gate, const char* service, const Descriptions& descriptions)
-        : HostDispatch<List>(gate, service) {
-        for (const auto& each : descriptions)
-            m_items.push_back(std::make_unique<Item>(gate, each));
-    }
+    using Items = std::vector<std::shared_ptr<Item>>;
+
+    ItemList(CallGate& gate, const char* service, Items items)
+        : HostDispatch<List>(gate, service), m_items(std::move(items)) {}
 
     /// `index` is a VT_I4 and counts from 1; HandOutItem says what is refused.
     HRESULT STDMETHODCALLTYPE get_Item(VARIANT index, ItemInterface** out) override {
@@ -39,21 +38,27 @@ public:
         });
     }
 
-    /// Calls `visit` with every object that this one, or one of its items, hands out.
+    /// Calls `visit` with every item.
     template <class Visit>
     void ForEach(Visit visit) const {
-        for (const auto& each : m_items) {
+        for (const auto& each : m_items)
             visit(*each);
-            if constexpr (requires { each->ForEach(visit); })
-                each->ForEach(visit);
-        }
     }
 
 protected:
     ~ItemList() = default;
 
+    /// Makes one item for each description, in the same order.
+    template <class Description>
+    static Items MakeItems(CallGate& gate, const std::vector<Description>& descriptions) {
+        Items items;
+        for (const Description& each : descriptions)
+            items.push_back(std::make_shared<Item>(gate, each));
+        return items;
+    }
+
 private:
-    std::vector<std::unique_ptr<Item>> m_items;
+    const Items m_items;
 };
 
 } // namespace vant::host

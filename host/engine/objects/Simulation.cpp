@@ -3,6 +3,7 @@
 #include "host/engine/objects/EngineAccess.h"
 #include "platform/Utf8.h"
 
+#include <algorithm>
 #include <utility>
 #include <variant>
 
@@ -35,10 +36,20 @@ HRESULT TryWrite(const EngineDescription& description, const TimedWrite& write) 
     return Write(engine, write);
 }
 
+std::vector<std::string> ChangingFaultArrays(const EngineDescription& description) {
+    std::vector<std::string> ids;
+    for (const auto& [id, records] : description.faultArrays) {
+        if (std::any_of(records.begin(), records.end(), [](const auto& each) { return each.Changes(); }))
+            ids.push_back(id);
+    }
+    return ids;
+}
+
 void SimulateEngine(const EngineDescription& description, std::int64_t duration, std::int64_t every,
                     const std::vector<TimedWrite>& writes, const std::function<bool(EngineRow)>& take) {
     std::int64_t now = 0;
-    Engine engine(description.parameters, description.seed, [&now] { return now; });
+    Engine engine(description, [&now] { return now; });
+    const std::vector<std::string> faultArrays = ChangingFaultArrays(description);
     auto nextWrite = writes.begin();
     for (std::int64_t time = 0; time <= duration; time += every) {
         for (; nextWrite != writes.end() && nextWrite->time <= time; ++nextWrite) {
@@ -46,10 +57,12 @@ void SimulateEngine(const EngineDescription& description, std::int64_t duration,
             Write(engine, *nextWrite);
         }
         now = time;
-        EngineRow row{time, {}};
+        EngineRow row{time, {}, {}};
         row.values.reserve(description.parameters.size());
         for (const auto& [id, parameter] : description.parameters)
             row.values.push_back(Read(engine, id));
+        for (const std::string& id : faultArrays)
+            row.faultCounts.push_back(engine.FaultRecords(id).size());
         if (!take(std::move(row)))
             return;
     }

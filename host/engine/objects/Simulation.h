@@ -3,6 +3,7 @@
 #include "host/engine/model/EngineDescription.h"
 #include "platform/system.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -21,11 +22,16 @@ struct TimedWrite {
 /// The result of a write, S_OK if the engine accepts it. It does not depend on anything that happens before.
 HRESULT TryWrite(const EngineDescription& description, const TimedWrite& write);
 
-/// The values of all parameters at a time, in the order of their ids. A parameter whose read fails has none.
+/// An engine at a time.
 struct EngineRow {
     std::int64_t time = 0; ///< Milliseconds since the engine began.
+    /// Of all parameters, in the order of their ids. A parameter whose read fails has none.
     std::vector<std::optional<Value>> values;
+    std::vector<std::size_t> faultCounts; ///< Of the arrays that ChangingFaultArrays names.
 };
+
+/// The ids of the fault arrays with records that may come or go, in order.
+std::vector<std::string> ChangingFaultArrays(const EngineDescription& description);
 
 /// Runs an engine without waiting: calls `take` with a row at time 0 and then each `every` milliseconds, up
 /// to `duration`, until `take` returns false. `writes` are in order of time; refused writes have no effect.

@@ -79,6 +79,48 @@ behaviour = { towards = 3, rate = 2 }
     EXPECT_FALSE(read.parameters.at("x").behaviour);
 }
 
+TEST(EngineBehaviourReader, TimesWithUnits_AreThoseInSeconds) {
+    Diagnostics found;
+    const EngineDescription read = ReadEngine(R"([parameters.ramp]
+value = 1.0
+fails = { from = "250ms", until = "1h" }
+behaviour = { ramp = { to = 2, at = "5s", over = "10min" }, lag = "1500ms", loads = [
+  { at = "0.5s", until = "1.5min", by = 1 }] }
+[parameters.changes]
+value = 1
+behaviour.changes = [{ at = "2.5s", to = 2 }]
+[parameters.sequence]
+value = 1
+behaviour = { sequence = [1, 2, 3], every = "20ms" }
+)",
+                                              found);
+    EXPECT_EQ(found.Print("e"), "");
+    const EngineParameter& ramp = read.parameters.at("ramp");
+    EXPECT_EQ(ramp.outage->from, 250);
+    EXPECT_EQ(ramp.outage->until, 3600000);
+    EXPECT_EQ(ramp.behaviour->ramp->at, 5000);
+    EXPECT_EQ(ramp.behaviour->ramp->over, 600000);
+    EXPECT_EQ(ramp.behaviour->lag, 1.5);
+    EXPECT_EQ(ramp.behaviour->loads[0].at, 500);
+    EXPECT_EQ(ramp.behaviour->loads[1].at, 90000);
+    EXPECT_EQ(read.parameters.at("changes").behaviour->changes[0].at, 2500);
+    EXPECT_EQ(read.parameters.at("sequence").behaviour->changes[2].at, 40);
+}
+
+TEST(EngineBehaviourReader, WrongTimes_AreReported) {
+    const std::string must = " must be a number of seconds, or a text such as '250ms', '5s', '10min' or "
+                             "'1h', not ";
+    EXPECT_EQ(SaidOf("1.0", "lag = '5'"), "e:3:21: error: 'lag'" + must + "'5'\n");
+    EXPECT_EQ(SaidOf("1.0", "lag = '5 s'"), "e:3:21: error: 'lag'" + must + "'5 s'\n");
+    EXPECT_EQ(SaidOf("1.0", "lag = true"), "e:3:21: error: 'lag'" + must + "true or false\n");
+    EXPECT_EQ(SaidOf("1.0", "lag = '0s'"), "e:3:21: error: 'lag' must be above 0\n");
+    EXPECT_EQ(SaidOf("1", "sequence = [1], every = '-1s'"), "e:3:39: error: 'every'" + must + "'-1s'\n");
+    EXPECT_EQ(SaidOf("1", "sequence = [1], every = nan"),
+              "e:3:39: error: 'every' must be a number, not nan or an infinite one\n");
+    EXPECT_EQ(SaidOf("1", "sequence = [1], every = 1e10"),
+              "e:3:39: error: 'every' must lie between 0 and 1000000000 seconds\n");
+}
+
 TEST(EngineBehaviourReader, WrongSeed_IsReported) {
     EXPECT_EQ(Said("seed = -1"), "e:1:8: error: 'seed' must be a whole number from 0\n");
     EXPECT_EQ(Said("seed = 1.5"), "e:1:8: error: 'seed' must be a whole number from 0\n");
@@ -128,6 +170,125 @@ TEST(EngineBehaviourReader, Circle_IsReportedAtEachOfItsMembers) {
               "e:3:21: error: 'a' follows itself through 'b'\n"
               "e:6:25: error: 'b' follows itself through 'c'\n"
               "e:9:27: error: 'c' follows itself through 'a'\n");
+}
+
+TEST(EngineBehaviourReader, Sum_IsReadAsItStands) {
+    Diagnostics found;
+    const EngineDescription read = ReadEngine("[parameters.x]\nvalue = 1\n[parameters.a]\nvalue = 1\n"
+                                              "behaviour.sum = [{ of = 'x', gain = 25 }, "
+                                              "{ of = 'x', gain = -3, offset = 5 }, { of = 'x' }]\n",
+                                              found);
+    EXPECT_EQ(found.Print("e"), "");
+    const std::vector<Term>& sum = read.parameters.at("a").behaviour->sum;
+    ASSERT_EQ(sum.size(), 3U);
+    EXPECT_EQ(sum[0].of, "x");
+    EXPECT_EQ(sum[0].gain, 25.0);
+    EXPECT_EQ(sum[0].offset, 0.0);
+    EXPECT_EQ(sum[1].gain, -3.0);
+    EXPECT_EQ(sum[1].offset, 5.0);
+    EXPECT_EQ(sum[2].gain, 1.0);
+}
+
+TEST(EngineBehaviourReader, WrongSums_AreReported) {
+    EXPECT_EQ(SaidOf("1", "sum = { of = 'x' }"),
+              "e:3:21: error: 'sum' must be a list of inputs, not a table\n");
+    EXPECT_EQ(SaidOf("1", "sum = []"), "e:3:21: error: 'sum' is empty: add an input, or leave the key out\n");
+    EXPECT_EQ(SaidOf("1", "sum = ['x', { gian = 1 }]"),
+              "e:3:22: error: an input of a sum must be a table, not a string\n"
+              "e:3:27: error: 'of' is missing\n"
+              "e:3:29: error: an input of a sum has no key 'gian' (did you mean 'gain'?)\n");
+    EXPECT_EQ(SaidOf("1", "sum = [{ of = 1, gain = '2', offset = nan }]"),
+              "e:3:29: error: 'of' must be a string, not a number: write it in quotes\n"
+              "e:3:39: error: 'gain' must be a number, not a string\n"
+              "e:3:53: error: 'offset' must be a number, not nan or an infinite one\n");
+    EXPECT_EQ(SaidOf("1", "sum = [{ of = 'x' }, { of = 'a' }]"),
+              "e:3:29: error: there is no parameter 'x'\n"
+              "e:3:43: error: a parameter cannot follow itself\n");
+    EXPECT_EQ(SaidOf("'x'", "sum = []"),
+              "e:3:15: error: only a parameter whose value is a number has 'sum'\n"
+              "e:3:21: error: 'sum' is empty: add an input, or leave the key out\n");
+    EXPECT_EQ(SaidOf("1", "sum = [], follows = []"),
+              "e:3:21: error: 'sum' is empty: add an input, or leave the key out\n"
+              "e:3:25: error: 'follows' excludes 'sum': a behaviour has one source\n"
+              "e:3:35: error: 'follows' is empty: name a parameter, or leave the key out\n");
+}
+
+TEST(EngineBehaviourReader, DelayThresholdAndStick_AreReadAsTheyStand) {
+    Diagnostics found;
+    const EngineDescription read = ReadEngine(R"([parameters.x]
+value = 1
+[parameters.a]
+value = 0
+behaviour = { threshold = { of = "x", on = 3000, off = 2800, high = 1, low = 0 }, delay = 0.4, stick = 5 }
+[parameters.b]
+value = "OFF"
+behaviour.threshold = { of = "x", on = -1.5, off = 0, high = "ON", low = "OFF" }
+[parameters.c]
+value = 0
+behaviour.delay = "10min"
+)",
+                                              found);
+    EXPECT_EQ(found.Print("e"), "");
+    const Behaviour& a = *read.parameters.at("a").behaviour;
+    ASSERT_TRUE(a.threshold);
+    EXPECT_EQ(a.threshold->of, "x");
+    EXPECT_EQ(a.threshold->on, 3000.0);
+    EXPECT_EQ(a.threshold->off, 2800.0);
+    EXPECT_EQ(a.threshold->high, Value(std::int64_t{1}));
+    EXPECT_EQ(a.threshold->low, Value(std::int64_t{0}));
+    EXPECT_EQ(a.delay, 400);
+    EXPECT_EQ(a.stick, 5.0);
+    const Behaviour& b = *read.parameters.at("b").behaviour;
+    ASSERT_TRUE(b.threshold);
+    EXPECT_EQ(b.threshold->on, -1.5);
+    EXPECT_EQ(b.threshold->high, Value("ON"));
+    EXPECT_EQ(read.parameters.at("c").behaviour->delay, 600000);
+}
+
+TEST(EngineBehaviourReader, WrongThresholds_AreReported) {
+    EXPECT_EQ(SaidOf("1", "threshold = 3"), "e:3:27: error: 'threshold' must be a table, not a number\n");
+    EXPECT_EQ(SaidOf("1", "threshold = {}"), "e:3:27: error: 'of' is missing\n"
+                                             "e:3:27: error: 'on' is missing\n"
+                                             "e:3:27: error: 'off' is missing\n"
+                                             "e:3:27: error: 'high' is missing\n"
+                                             "e:3:27: error: 'low' is missing\n");
+    EXPECT_EQ(SaidOf("1", "threshold = { of = 'b', on = 1, off = 1.0, high = 'x', low = true, hig = 1 }"),
+              "e:3:34: error: there is no parameter 'b'\n"
+              "e:3:53: error: 'off' must differ from 'on'\n"
+              "e:3:65: error: 'high' must be of the same kind as the parameter's 'value', not a string\n"
+              "e:3:76: error: 'low' must be of the same kind as the parameter's 'value', not true or false\n"
+              "e:3:82: error: a threshold has no key 'hig' (did you mean 'high'?)\n");
+    EXPECT_EQ(SaidOf("1", "threshold = { of = 'a', on = 1, off = 0, high = 1, low = 0 }"),
+              "e:3:34: error: a parameter cannot follow itself\n");
+    EXPECT_EQ(SaidOf("1", "threshold = { of = 'b', on = 1, off = 0, high = 1, low = 0 } }\n"
+                          "[parameters.b]\nvalue = 1\nbehaviour = { follows = 'a'"),
+              "e:3:34: error: 'a' follows itself through 'b'\n"
+              "e:6:25: error: 'b' follows itself through 'a'\n");
+    EXPECT_EQ(SaidOf("'x'", "threshold = { of = 'b', on = 1, off = 0, high = '1', low = '0' } }\n"
+                            "[parameters.b]\nvalue = 'y'\nbehaviour = { delay = 1, stick = 1"),
+              "e:3:34: error: the value of 'b' is not a number, so nothing can follow it\n"
+              "e:6:15: error: only a parameter whose value is a number has 'delay'\n"
+              "e:6:26: error: only a parameter whose value is a number has 'stick'\n");
+}
+
+TEST(EngineBehaviourReader, WrongDelaysAndSticks_AreReported) {
+    EXPECT_EQ(SaidOf("1", "delay = 0"), "e:3:23: error: 'delay' must be above 0 and at most 600 seconds\n");
+    EXPECT_EQ(SaidOf("1", "delay = '11min'"),
+              "e:3:23: error: 'delay' must be above 0 and at most 600 seconds\n");
+    EXPECT_EQ(SaidOf("1", "delay = -1"),
+              "e:3:23: error: 'delay' must lie between 0 and 1000000000 seconds\n");
+    EXPECT_EQ(SaidOf("1", "stick = 0"), "e:3:23: error: 'stick' must be above 0\n");
+    EXPECT_EQ(SaidOf("1", "sequence = [1], delay = 1, stick = 1"),
+              "e:3:31: error: 'delay' needs a sequence in time: add 'every'\n"
+              "e:3:42: error: 'stick' needs a sequence in time: add 'every'\n");
+}
+
+TEST(EngineBehaviourReader, CircleThroughASum_IsReported) {
+    EXPECT_EQ(Said("[parameters.a]\nvalue = 1\nbehaviour.sum = [{ of = 'c' }, { of = 'b' }]\n"
+                   "[parameters.b]\nvalue = 1\nbehaviour.follows = 'a'\n"
+                   "[parameters.c]\nvalue = 1\n"),
+              "e:3:39: error: 'a' follows itself through 'b'\n"
+              "e:6:21: error: 'b' follows itself through 'a'\n");
 }
 
 TEST(EngineBehaviourReader, SecondSource_IsReported) {
@@ -224,7 +385,10 @@ TEST(EngineBehaviourReader, WrongFailures_AreReported) {
     EXPECT_EQ(said("{ until = 1 }"), "e:3:9: error: a failure needs 'from' or 'read'\n"
                                      "e:3:11: error: 'until' needs 'from'\n");
     EXPECT_EQ(said("{ from = 1, until = 1 }"), "e:3:29: error: 'until' must be later than 'from'\n");
-    EXPECT_EQ(said("{ from = 'x' }"), "e:3:18: error: 'from' must be a number, not a string\n");
+    EXPECT_EQ(
+        said("{ from = 'x' }"),
+        "e:3:18: error: 'from' must be a number of seconds, or a text such as '250ms', '5s', '10min' or "
+        "'1h', not 'x'\n");
     EXPECT_EQ(said("{ read = 0 }"),
               "e:3:18: error: 'read' must be a whole number above 0: 1 is the first read\n");
 }

@@ -1,64 +1,18 @@
 // What a simulated engine does over time, from the text of its file to what commands read.
 
-#include "host/engine/objects/EngineAccess.h"
-#include "host/object/VariantValue.h"
-#include "host/procedure/EngineReader.h"
-#include "host/record/Value.h"
+#include "tests/unit/host/EngineOnClock.h"
 
-#include <atomic>
 #include <bit>
-#include <chrono>
 #include <cmath>
 #include <fmt/format.h>
 #include <gtest/gtest.h>
-#include <memory>
 #include <thread>
 
 namespace vant::host {
 
 namespace {
 
-/// An engine on a clock that the test sets; times in milliseconds.
-class EngineBehaviourTest : public ::testing::Test {
-protected:
-    void Start(std::string_view toml, std::int64_t beginning = 0) {
-        Diagnostics found;
-        const EngineDescription description = ReadEngine(toml, found);
-        for (const Diagnostic& each : found.Sorted())
-            ADD_FAILURE() << each.Text("engine");
-        now = beginning;
-        engine =
-            std::make_unique<Engine>(description.parameters, description.seed, [this] { return now.load(); });
-    }
-
-    Value ValueAt(std::int64_t time, const std::string& id) {
-        now = time;
-        CComVariant value;
-        EXPECT_EQ(ReadValue(*engine, id, value), S_OK);
-        return ToValue(value.Get());
-    }
-    double NumberAt(std::int64_t time, const std::string& id) {
-        return NumberIn(ValueAt(time, id)).value_or(std::nan(""));
-    }
-    std::wstring TextAt(std::int64_t time, const std::string& id) {
-        now = time;
-        CComBSTR text;
-        EXPECT_EQ(ReadText(*engine, id, text), S_OK);
-        return std::wstring(text.Text());
-    }
-    HRESULT CodeAt(std::int64_t time, const std::string& id) {
-        now = time;
-        CComVariant value;
-        return ReadValue(*engine, id, value);
-    }
-    HRESULT WriteAt(std::int64_t time, const std::string& id, double number) {
-        now = time;
-        return WriteValue(*engine, id, CComVariant(number).Get());
-    }
-
-    std::atomic<std::int64_t> now{0};
-    std::unique_ptr<Engine> engine;
-};
+class EngineBehaviourTest : public EngineOnClock {};
 
 constexpr std::string_view throttled = R"(
 [parameters."13190"]
@@ -364,6 +318,55 @@ TEST_F(EngineBehaviourTest, ValueThatIsNotANumber_CountsAsZero) {
     EXPECT_EQ(NumberAt(4000000, "b"), 3.0);
 }
 
+TEST_F(EngineBehaviourTest, Sum_AddsItsInputs) {
+    Start(R"([parameters."13190"]
+value = 10
+[parameters."13191"]
+value = 2.5
+behaviour.noise = 1
+[parameters."101000"]
+value = 0.0
+behaviour.sum = [{ of = "13190", gain = 25 }, { of = "13191", gain = -3, offset = 5 }, { of = "13190" }]
+)");
+    EXPECT_EQ(NumberAt(0, "101000"), 250 - 7.5 + 5 + 10);
+    ASSERT_EQ(WriteAt(1003, "13190", 20), S_OK);
+    EXPECT_EQ(NumberAt(1003, "101000"), 500 - 7.5 + 5 + 20);
+    EXPECT_EQ(WriteAt(1003, "101000", 1), E_ACCESSDENIED);
+}
+
+TEST_F(EngineBehaviourTest, SumWithLag_SamplesWhatMovesAndSettles) {
+    Start(R"([parameters.a]
+value = 0.0
+behaviour.ramp = { to = 10, over = 10 }
+[parameters.b]
+value = 0.0
+behaviour = { towards = 4, lag = 1 }
+[parameters.total]
+value = 0.0
+max = 12
+behaviour = { sum = [{ of = "a" }, { of = "b", gain = 0.5 }], lag = 0.5, loads = [{ at = 60, by = -7 }] }
+)");
+    // A ramp of 1 per second leaves a lag of 0.5 s by 0.5; the input that moves is held for 50 ms at a time.
+    EXPECT_NEAR(NumberAt(9000, "total"), 9 - 0.5 + 2, 0.04);
+    EXPECT_EQ(NumberAt(59999, "total"), 12.0);
+    EXPECT_NEAR(NumberAt(61000, "total"), 5 + 7 * std::exp(-2), 1e-9);
+    EXPECT_EQ(NumberAt(600000, "total"), 5.0);
+}
+
+TEST_F(EngineBehaviourTest, SumBeyondEveryNumber_IsLimited) {
+    Start(R"([parameters.a]
+value = 1e300
+[parameters.sum]
+value = 0.0
+behaviour.sum = [{ of = "a", gain = 1e300 }]
+[parameters.difference]
+value = 0.0
+behaviour.sum = [{ of = "a", gain = 1e300 }, { of = "a", gain = -1e300 }]
+)");
+    EXPECT_EQ(NumberAt(0, "sum"), 1e300);
+    EXPECT_EQ(NumberAt(0, "difference"), 0.0);
+}
+
 // Everything that moves, with writes at given times.
 constexpr std::string_view lively = R"(
 seed = 7
@@ -497,6 +500,31 @@ TEST(EngineOfManyParameters, LevelsThatFollowTwoEach_AreReadInTime) {
     }
     Engine engine(parameters, 0, [] { return 1000; });
     EXPECT_EQ(std::get<Reading>(engine.Read("a60")).value, Value(2.0));
+}
+
+TEST(EngineOfManyParameters, SumsOfSums_AreReadInTime) {
+    std::map<std::string, EngineParameter> parameters;
+    parameters["0"].value = 1.0;
+    for (int i = 1; i <= 60; ++i) {
+        EngineParameter& parameter = parameters[std::to_string(i)] = Follower({});
+        const std::string before = std::to_string(i - 1);
+        parameter.behaviour->sum = {{before, 0.5, 0}, {"0", 0, 1}, {before, 0.5, 0}};
+    }
+    Engine engine(parameters, 0, [] { return 1000; });
+    EXPECT_EQ(std::get<Reading>(engine.Read("60")).value, Value(61.0));
+}
+
+TEST(EngineOfManyParameters, SumOfAll_IsReadInTime) {
+    constexpr int length = 30000;
+    std::map<std::string, EngineParameter> parameters;
+    parameters["0"].value = 1.0;
+    parameters["sum"] = Follower({});
+    for (int i = 1; i < length; ++i) {
+        parameters[std::to_string(i)] = Follower({std::to_string(i - 1)});
+        parameters["sum"].behaviour->sum.push_back({std::to_string(i), 1, 0});
+    }
+    Engine engine(parameters, 0, [] { return 1000; });
+    EXPECT_EQ(std::get<Reading>(engine.Read("sum")).value, Value(length - 1.0));
 }
 
 TEST(EngineOfManyParameters, LongChain_IsReadInTime) {

@@ -24,8 +24,9 @@ protected:
         speed.fails = true;
         description.parameters["101001"] = speed;
         description.units["rpm"] = "1/min";
-        description.faultArrays["199000"] = {{{"199009", "Inactive"}},
-                                             {{"199008", "190"}, {"199009", "Active"}}};
+        auto& records199000 = description.faultArrays["199000"];
+        records199000.emplace_back().fields = {{"199009", "Inactive"}};
+        records199000.emplace_back().fields = {{"199008", "190"}, {"199009", "Active"}};
         description.faultArrays["empty"] = {};
         description.connection = "7 main";
         journal.Observe([this](const Record& record) { records.push_back(record); });
@@ -368,6 +369,105 @@ TEST_F(EngineObjectsTest, EmptyFaultArray_HasNoRecords) {
     LONG count = -1;
     EXPECT_EQ(Faults(L"empty")->get_Count(&count), S_OK);
     EXPECT_EQ(count, 0);
+}
+
+class FaultsThatReturnTest : public EngineObjectsTest {
+protected:
+    FaultsThatReturnTest() {
+        auto& faults = description.faultArrays["returning"];
+        for (const char* const code : {"1", "2", "3"})
+            faults.emplace_back().fields = {{"199008", code}};
+        faults[1].when = FaultCondition{"101000", FaultCondition::Relation::Above, 1000.0, 0, true};
+        faults[1].clearedBy = FaultClearing{"101000", std::int64_t{500}};
+    }
+
+    void SetSpeed(LONG speed) {
+        EXPECT_EQ(
+            Host().parameterService.SetParameter(Text(L"101000").Get(), 1, CComVariant(speed).Get(), nullptr),
+            S_OK);
+    }
+    /// The values of the first fields.
+    static std::vector<std::string> CodesIn(IFaultRecordList& list) {
+        LONG count = 0;
+        EXPECT_EQ(list.get_Count(&count), S_OK);
+        std::vector<std::string> codes;
+        for (LONG i = 1; i <= count; ++i) {
+            CComPtr<IFaultRecord> record;
+            EXPECT_EQ(list.get_Item(CComVariant(i).Get(), &record), S_OK);
+            CComPtr<IFaultField> field;
+            EXPECT_EQ(record->get_Item(CComVariant(LONG{1}).Get(), &field), S_OK);
+            CComBSTR code;
+            EXPECT_EQ(field->get_Value(&code), S_OK);
+            codes.push_back(ToUtf8(code.Text()));
+        }
+        return codes;
+    }
+    using Codes = std::vector<std::string>;
+};
+
+TEST_F(FaultsThatReturnTest, Records_AreThoseThatArePresentWhenTheyAreRequested) {
+    EXPECT_EQ(CodesIn(*Faults(L"returning").Get()), (Codes{"1", "3"}));
+    SetSpeed(1001);
+    EXPECT_EQ(CodesIn(*Faults(L"returning").Get()), (Codes{"1", "2", "3"}));
+    SetSpeed(500);
+    EXPECT_EQ(CodesIn(*Faults(L"returning").Get()), (Codes{"1", "3"}));
+}
+
+TEST_F(FaultsThatReturnTest, ListThatIsHeld_StaysAsItIs) {
+    const auto before = Faults(L"returning");
+    SetSpeed(1001);
+    const auto after = Faults(L"returning");
+    CComPtr<IFaultRecord> second;
+    ASSERT_EQ(after->get_Item(CComVariant(LONG{2}).Get(), &second), S_OK);
+    SetSpeed(500);
+    EXPECT_EQ(CodesIn(*before.Get()), (Codes{"1", "3"}));
+    EXPECT_EQ(CodesIn(*after.Get()), (Codes{"1", "2", "3"}));
+    LONG fields = 0;
+    EXPECT_EQ(second->get_Count(&fields), S_OK);
+    EXPECT_EQ(fields, 1);
+    EXPECT_EQ(services->StillHeld(),
+              (std::vector<std::string>{"FaultRecordList", "FaultRecordList", "FaultRecord"}));
+}
+
+TEST_F(FaultsThatReturnTest, SameRecords_AreTheSameObjects) {
+    const auto before = Faults(L"returning");
+    SetSpeed(1001);
+    const auto between = Faults(L"returning");
+    SetSpeed(500);
+    EXPECT_EQ(Faults(L"returning").Get(), before.Get());
+    EXPECT_NE(between.Get(), before.Get());
+    CComPtr<IFaultRecord> last;
+    CComPtr<IFaultRecord> lastOfMore;
+    ASSERT_EQ(before->get_Item(CComVariant(LONG{2}).Get(), &last), S_OK);
+    ASSERT_EQ(between->get_Item(CComVariant(LONG{3}).Get(), &lastOfMore), S_OK);
+    EXPECT_EQ(last.Get(), lastOfMore.Get());
+}
+
+TEST_F(FaultsThatReturnTest, RecordsWithoutAPlaceForThem_AreRefused) {
+    CComPtr<IUnknown> object;
+    ASSERT_EQ(Host().parameterService.GetParameter(Text(L"returning").Get(), 2, &object), S_OK);
+    CComPtr<IFaultArray> array;
+    ASSERT_EQ(object.QueryInterface(&array), S_OK);
+    EXPECT_EQ(array->get_Records(nullptr), E_POINTER);
+}
+
+TEST_F(FaultsThatReturnTest, RequestsOnManyThreads_SeeWholeLists) {
+    Host();
+    std::vector<std::thread> threads;
+    threads.emplace_back([this] {
+        for (int i = 0; i < 100; ++i)
+            SetSpeed(i % 2 == 0 ? 1001 : 500);
+    });
+    for (int i = 0; i < 3; ++i)
+        threads.emplace_back([this] {
+            for (int j = 0; j < 100; ++j) {
+                const Codes codes = CodesIn(*Faults(L"returning").Get());
+                EXPECT_TRUE(codes == (Codes{"1", "3"}) || codes == (Codes{"1", "2", "3"}));
+            }
+        });
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_TRUE(services->StillHeld().empty());
 }
 
 TEST_F(EngineObjectsTest, ObjectsThatAreHeld_AreNamed) {

@@ -85,10 +85,10 @@ fields = []
     EXPECT_TRUE(read.faultArrays.at("empty").empty());
     const auto& records = read.faultArrays.at("199000");
     ASSERT_EQ(records.size(), 2U);
-    ASSERT_EQ(records[0].size(), 2U);
-    EXPECT_EQ(records[0][1].name, "199009");
-    EXPECT_EQ(records[0][1].value, "Inactive");
-    EXPECT_TRUE(records[1].empty());
+    ASSERT_EQ(records[0].fields.size(), 2U);
+    EXPECT_EQ(records[0].fields[1].name, "199009");
+    EXPECT_EQ(records[0].fields[1].value, "Inactive");
+    EXPECT_TRUE(records[1].fields.empty());
 }
 
 TEST(EngineReader, EmptyEngine_HasConnection1AndKind0) {
