@@ -214,11 +214,7 @@ void ConsoleReport::WriteCall(const Record& record) {
                           record.command.empty() ? "" : ": ", m_text.DescribeCall(record)),
               {});
     } else if (FAILED(*record.result)) {
-        // Often the only hint at why a command failed or did nothing.
-        WriteInStep(record, "call failed: " + m_text.DescribeCall(record),
-                    fmt::format("call failed: {} {} {}{} {}", record.service, record.operation,
-                                record.Text(argument::id), record.Text(argument::name),
-                                ToText(*record.result)));
+        WriteFailedCall(record);
     } else if (record.operation == operation::ShowInstruction) {
         const std::string line = "instruction: " + TextIn(record, argument::text);
         WriteInStep(record, line, line);
@@ -229,6 +225,15 @@ void ConsoleReport::WriteCall(const Record& record) {
         if (IsNewInStep(record, line))
             Write(line, shape);
     }
+}
+
+/// Often the only hint at why a command failed or did nothing.
+void ConsoleReport::WriteFailedCall(const Record& record) {
+    const std::string shape =
+        fmt::format("call failed: {} {} {}{} {}", record.service, record.operation, record.Text(argument::id),
+                    record.Text(argument::name), ToText(*record.result));
+    if (m_linesOfStep.insert(KeyOf(record) + shape).second)
+        Write("call failed: " + m_text.DescribeCall(record), shape);
 }
 
 void ConsoleReport::WriteUnmet(const Record& record) {
@@ -328,8 +333,11 @@ void ConsoleReport::EndProcedure(const Record& record) {
     m_levels.pop_back();
 }
 
-std::string ConsoleReport::DescribeValues(const Activity& activity) const {
-    std::string text;
+std::string ConsoleReport::DescribeWork(const Activity& activity) const {
+    std::size_t failures = 0;
+    for (const Activity::FailedCall& each : activity.failedCalls)
+        failures += each.times;
+    std::string text = failures > 1 ? fmt::format(", {} calls failed", failures) : "";
     for (std::size_t i = 0; i < std::min(activity.values.size(), mostValues); ++i)
         text += (i == 0 ? "  " : ", ") + m_text.Describe(activity.values[i]);
     if (activity.values.size() > mostValues)
@@ -349,13 +357,13 @@ void ConsoleReport::WriteCommand(const Record& record) {
     const std::string line = fmt::format("{} {} {}{}{}", Padded(Printable(record.command), idWidth),
                                          Padded(TextIn(record, argument::className), ClassWidth()), outcome,
                                          caller.empty() ? "" : ", run by ", Printable(caller));
-    WriteInStep(record, line + DescribeValues(activity), line);
+    WriteInStep(record, line + DescribeWork(activity), line);
 }
 
 void ConsoleReport::WriteEndOfThread(const Record& record) {
     const Activity activity = m_activities.End(record);
     const std::string line = Padded(Printable(record.command), idWidth) + " has ended";
-    Write(line + DescribeValues(activity), line);
+    Write(line + DescribeWork(activity), line);
 }
 
 bool ConsoleReport::IsNewInStep(const Record& record, const std::string& line) {

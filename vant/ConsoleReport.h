@@ -86,12 +86,15 @@ private:
 
     void WriteCommand(const host::Record& record);
     void WriteEndOfThread(const host::Record& record);
+    /// Each call of a command once in a step; the command's own line counts them.
+    void WriteFailedCall(const host::Record& record);
     void WriteUnmet(const host::Record& record);
     void WriteEntry(const host::Record& record);
     void WriteMeasurements();
     void WriteLeft(const host::Record& record);
     void WriteVerdict(const host::Record& record);
-    std::string DescribeValues(const host::Activity& activity) const;
+    /// How many calls have failed, and the values that were used.
+    std::string DescribeWork(const host::Activity& activity) const;
 
     /// False if a thread, or the step itself, repeats a line that was written in this step.
     bool IsNewInStep(const host::Record& record, const std::string& line);

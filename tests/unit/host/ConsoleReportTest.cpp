@@ -151,6 +151,18 @@ TEST_F(ConsoleReportTest, Failures_AreInWords) {
               "(execute)\n");
 }
 
+TEST_F(ConsoleReportTest, CallThatFailsRepeatedly_IsWrittenOnceAndCounted) {
+    Begin();
+    EnterStep("first");
+    Written();
+    for (int i = 0; i < 3; ++i)
+        Call(service::DataStore, operation::GetValue, {{argument::name, "drop"}},
+             HRESULT_FROM_WIN32(ERROR_NOT_FOUND));
+    EndCommand("work");
+    EXPECT_EQ(Written(), "  call failed: DataStore GetValue name = \"drop\": not found, 0x80070490\n"
+                         "  work             Calculator                ok, 3 calls failed\n");
+}
+
 TEST_F(ConsoleReportTest, UnmetCondition_IsToldWithNameAndUnits) {
     Begin();
     Event(event::ParameterGiven,
