@@ -243,7 +243,7 @@ ExitCode Run(const RunOptions& options) {
         throw;
     }
     std::cerr << loaded.files.Print();
-    if (loaded.files.HasErrors())
+    if (loaded.files.HasErrors() || (options.strict && loaded.files.HasWarnings()))
         return ExitCode::WrongInput;
     return RunLoaded(options, loaded, *commands);
 }

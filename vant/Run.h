@@ -20,6 +20,7 @@ struct RunOptions {
     bool json = false;
     bool quiet = false;          ///< Only the verdict, and measurements that failed or are missing.
     bool verbose = false;        ///< Every host call, too.
+    bool strict = false;         ///< Warnings refuse the run, too.
     bool closesMessages = false; ///< Messages are closed without waiting for the user.
     bool virtualTime = false;    ///< Nothing is waited for.
     double speed = 1;            ///< Otherwise: how many times as fast as real time.

@@ -7,6 +7,7 @@
 #include "platform/DynamicLibrary.h"
 #include "platform/Process.h"
 #include "platform/Utf8.h"
+#include "vant/Check.h"
 #include "vant/Classes.h"
 #include "vant/EngineRun.h"
 #include "vant/Registration.h"
@@ -65,7 +66,7 @@ CLI::Option* AddModule(CLI::App& command, std::string& module) {
 void AddRun(CLI::App& app, ExitCode& result) {
     CLI::App& run = *app.add_subcommand("run", "Run a procedure file");
     const auto options = std::make_shared<RunOptions>();
-    run.add_option("FILE", options->procedure, "The procedure, a TOML file")
+    run.add_option("FILE", options->procedure, "The procedure, a TOML file; - for the standard input")
         ->required()
         ->check(CheckNotEmpty);
     run.add_option("--engine", options->engine, "Run on the engine in this file, not on the procedure's own")
@@ -81,6 +82,7 @@ void AddRun(CLI::App& app, ExitCode& result) {
                                             "Print the verdict, and measurements that failed or are missing");
     run.add_flag("--verbose", options->verbose, "Print every host call")->excludes(json)->excludes(quiet);
     quiet->excludes(json);
+    run.add_flag("--strict", options->strict, "Refuse a procedure with warnings, too");
     run.add_flag("--yes", options->closesMessages, "Close every message without waiting for Enter");
     run.add_flag("--registered", options->registered,
                  "Create the commands by their registered ProgIDs instead of loading a module")
@@ -107,6 +109,26 @@ void AddRun(CLI::App& app, ExitCode& result) {
                "the bench or "
                "a command could not do its work, 130 aborted.");
     OnSelected<RunOptions>(run, options, result, Run);
+}
+
+void AddCheck(CLI::App& app, ExitCode& result) {
+    CLI::App& check =
+        *app.add_subcommand("check", "Look for mistakes in procedures and engines without running them");
+    const auto options = std::make_shared<CheckOptions>();
+    check.add_option("FILE", options->files, "Procedures or engines, TOML files; - for the standard input")
+        ->required()
+        ->check(CheckNotEmpty);
+    check
+        .add_option("--engine", options->engine,
+                    "Check against the engine in this file, not the procedures' own")
+        ->check(CheckNotEmpty)
+        ->type_name("FILE");
+    check.add_flag("--json", options->json, "Print the messages as JSON");
+    check.add_flag("--strict", options->strict, "Let warnings count as mistakes");
+    check.footer(
+        "Exit codes: 0 no errors (with --strict: and no warnings), 2 mistakes or wrong usage, 3 the messages "
+        "could not be written.");
+    OnSelected<CheckOptions>(check, options, result, Check);
 }
 
 void AddEngine(CLI::App& app, ExitCode& result) {
@@ -167,6 +189,7 @@ ExitCode RunProgram(int argc, char** argv) {
     app.allow_windows_style_options(false);
     ExitCode result = ExitCode::Passed;
     AddRun(app, result);
+    AddCheck(app, result);
     AddEngine(app, result);
     AddClasses(app, result);
     AddRegistration(app, result, "register", "Register the module's classes with the system", Register);

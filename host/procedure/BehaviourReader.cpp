@@ -300,7 +300,7 @@ void BehaviourReader::CheckOneSource(const toml::table& table) {
                                         ": a behaviour has one source");
     }
     const auto needs = [&](std::string_view key, std::string_view source) {
-        if (table.contains(key) && !table.contains(source))
+        if (table.contains(key) && !HasOrMeans(table, source))
             m_found.Error(PositionOfKey(table, key), Quoted(key) + " needs " + Quoted(source));
     };
     needs("gain", "follows");

@@ -6,12 +6,9 @@
 
 #include <algorithm>
 #include <fmt/format.h>
-#include <string_view>
 #include <utility>
 
 namespace vant::host {
-
-namespace {
 
 std::vector<std::string> WordsOf(std::string_view words) {
     std::vector<std::string> list;
@@ -22,8 +19,6 @@ std::vector<std::string> WordsOf(std::string_view words) {
     }
     return list;
 }
-
-} // namespace
 
 std::vector<std::string> ClassNames() {
     std::vector<std::string> names;

@@ -3,12 +3,16 @@
 #include "host/record/Json.h"
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace vant::host {
 
 /// The names of all command classes, in the order of the class table.
 std::vector<std::string> ClassNames();
+
+/// The words of a choice, which spaces separate.
+std::vector<std::string> WordsOf(std::string_view words);
 
 /// A class and what its properties mean, as lines of text.
 std::string DescribeClass(const std::string& name);

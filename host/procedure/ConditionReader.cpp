@@ -2,6 +2,7 @@
 
 #include "host/procedure/TableReader.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace vant::host {
@@ -24,10 +25,10 @@ public:
         const char* const key = table->contains("all") ? "all" : "any";
         const toml::node* const list = table->get(key);
         conditions.any = !table->contains("all");
-        if (!list)
-            m_found.Error(PositionOf(name), "'all' or 'any' is missing");
-        else
+        if (list)
             ReadList(key, *list, std::string(name.str()), conditions.list);
+        else if (!HasOrMeans(*table, "all") && !HasOrMeans(*table, "any"))
+            m_found.Error(PositionOf(name), "'all' or 'any' is missing");
         return conditions;
     }
 
@@ -67,7 +68,7 @@ private:
         const auto parameter = OptionalName(table, "parameter");
         const auto data = OptionalName(table, "data");
         const bool hasBoth = table.contains("parameter") && table.contains("data");
-        if (hasBoth || (!table.contains("parameter") && !table.contains("data")))
+        if (hasBoth || (!HasOrMeans(table, "parameter") && !HasOrMeans(table, "data")))
             m_found.Error(position, hasBoth ? "a condition has 'parameter' or 'data', not both"
                                             : "'parameter' or 'data' is missing: what is compared?");
         condition.kind = parameter ? Condition::Kind::Parameter : Condition::Kind::Data;
@@ -87,7 +88,10 @@ private:
             condition.comparison = comparison;
             ReadValue(*value, condition);
         }
-        if (count == 0)
+        const bool isMeant = std::any_of(comparisons.begin(), comparisons.end(), [&](Comparison comparison) {
+            return HasOrMeans(table, NameOf(comparison));
+        });
+        if (count == 0 && !isMeant)
             m_found.Error(position, "a comparison is missing: 'is', 'isNot', 'below', 'above', 'atLeast' or "
                                     "'atMost'");
         else if (count > 1)
@@ -118,36 +122,6 @@ private:
 
 Conditions ReadConditionSet(const toml::key& name, const toml::node& node, Diagnostics& found) {
     return ConditionReader(found).Read(name, node);
-}
-
-void CheckConditionNames(const Procedure& procedure, Diagnostics& found) {
-    for (const auto& [name, conditions] : procedure.conditions) {
-        for (const Condition& condition : conditions.list) {
-            // An empty message has been reported already.
-            if (condition.hasOwnMessage && !condition.message.empty() &&
-                !procedure.data.contains(condition.message))
-                found.Warning(condition.messagePosition,
-                              "there is no data entry " + Quoted(condition.message) + " at the beginning" +
-                                  found.Suggest(condition.message, procedure.data));
-        }
-    }
-}
-
-void CheckConditionParameters(const Procedure& procedure, Diagnostics& found) {
-    if (procedure.engineFile && !procedure.engine)
-        return; // It could not be read, which has been reported.
-    for (const auto& [name, conditions] : procedure.conditions) {
-        for (const Condition& condition : conditions.list) {
-            const std::string& id = condition.subject;
-            if (condition.kind != Condition::Kind::Parameter || id.empty())
-                continue;
-            if (!procedure.engine)
-                found.Error(condition.position, "a condition on a parameter needs an engine");
-            else if (!procedure.engine->parameters.contains(id))
-                found.Error(condition.position, "the engine has no parameter " + Quoted(id) +
-                                                    found.Suggest(id, procedure.engine->parameters));
-        }
-    }
 }
 
 } // namespace vant::host

@@ -54,4 +54,27 @@ std::vector<std::size_t> StrongComponents(const Graph& graph) {
     return components;
 }
 
+void MarkReachable(const Graph& graph, std::size_t start, std::vector<bool>& marked) {
+    Walk(graph, start, marked, [](std::size_t) {});
+}
+
+std::vector<std::size_t> Beginnings(const Graph& graph, const std::vector<bool>& marked) {
+    const std::vector<std::size_t> components = StrongComponents(graph);
+    std::vector<bool> isLedTo(graph.size()); // by component
+    for (std::size_t node = 0; node < graph.size(); ++node) {
+        for (const std::size_t next : graph[node]) {
+            if (!marked[node] && components[node] != components[next])
+                isLedTo[components[next]] = true;
+        }
+    }
+    std::vector<std::size_t> beginnings;
+    for (std::size_t node = 0; node < graph.size(); ++node) {
+        if (marked[node] || isLedTo[components[node]])
+            continue;
+        isLedTo[components[node]] = true; // The rest of its cycle.
+        beginnings.push_back(node);
+    }
+    return beginnings;
+}
+
 } // namespace vant::host

@@ -41,6 +41,7 @@ public:
             if (const auto text = Text(node, "unit " + Quoted(key.str())))
                 m_engine.units.emplace(std::string(key.str()), text->text);
         });
+        CheckUnits();
         ForEach(table, "faults", [this](const toml::key& key, const toml::node& node) {
             m_engine.faultArrays[std::string(key.str())] = m_faults.Read(key, node);
         });
@@ -86,8 +87,10 @@ private:
             parameter.name = name->text;
         if (const auto text = OptionalText(*table, "text"))
             parameter.text = text->text;
-        if (const auto units = OptionalText(*table, "units"))
+        if (auto units = OptionalText(*table, "units")) {
             parameter.unitsKey = units->text;
+            m_unitsKeys.push_back(std::move(*units));
+        }
         parameter.readOnly = Truth(*table, "readOnly").value_or(false);
         m_behaviours.ReadFails(*table, parameter);
         const toml::node* const value = table->get("value");
@@ -103,6 +106,14 @@ private:
         parameter.max = OptionalLimit(*table, "max", parameter.value);
         CheckLimits(parameter, *table);
         m_behaviours.ReadBehaviour(id, *table, parameter);
+    }
+
+    void CheckUnits() {
+        for (const Located& key : m_unitsKeys) {
+            if (!m_engine.units.contains(key.text))
+                m_found.Warning(key.position, "'units' of the engine has no " + Quoted(key.text) +
+                                                  m_found.Suggest(key.text, m_engine.units));
+        }
     }
 
     std::optional<double> OptionalLimit(const toml::table& table, std::string_view key, const Value& value) {
@@ -134,6 +145,7 @@ private:
     }
 
     EngineDescription m_engine;
+    std::vector<Located> m_unitsKeys; ///< Of the parameters.
     BehaviourReader m_behaviours;
     FaultReader m_faults;
 };

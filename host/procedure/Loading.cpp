@@ -1,10 +1,9 @@
 #include "host/procedure/Loading.h"
 
-#include "host/procedure/ConditionReader.h"
 #include "host/procedure/EngineReader.h"
 #include "host/procedure/InputFile.h"
+#include "host/procedure/ProcedureCheck.h"
 #include "host/procedure/ProcedureReader.h"
-#include "host/procedure/PropertyCheck.h"
 #include "platform/Utf8.h"
 
 #include <algorithm>
@@ -19,9 +18,13 @@ namespace vant::host {
 
 namespace {
 
+std::string ReadInput(const std::string& file) {
+    return file == standardInput ? ReadStandardInput() : ReadFile(PathFromUtf8(file));
+}
+
 std::string ReadNamed(const std::string& file) {
     try {
-        return ReadFile(PathFromUtf8(file));
+        return ReadInput(file);
     } catch (const InputError& failure) {
         throw InputError(file + ": " + failure.what());
     }
@@ -81,12 +84,8 @@ public:
 
     std::vector<CalledProcedure> TakeCalled() { return std::move(m_called); }
 
-    Procedure Load(const std::string& text, LoadedFile& file) {
-        const std::optional<toml::table> root = ParseToml(text, file.found);
-        if (!root)
-            return {};
-        Procedure procedure = ReadProcedure(*root, ReadIncluded(*root, file, m_files), file.found);
-        CheckProperties(procedure, file.found);
+    Procedure Load(const toml::table& root, LoadedFile& file) {
+        Procedure procedure = ReadProcedure(root, ReadIncluded(root, file, m_files), file.found);
         m_open.push_back(Identity(PathFromUtf8(file.name)));
         for (auto& [id, step] : procedure.steps) {
             if (step.procedure)
@@ -122,7 +121,8 @@ private:
         if (!text)
             return nullptr;
         LoadedFile& file = m_files.Add(FileName(path), "a procedure that it runs");
-        loaded = std::make_shared<const Procedure>(Load(*text, file));
+        const std::optional<toml::table> root = ParseToml(*text, file.found);
+        loaded = std::make_shared<const Procedure>(root ? Load(*root, file) : Procedure());
         m_called.push_back({loaded, &file});
         return loaded;
     }
@@ -139,11 +139,45 @@ bool IsProcedure(const toml::table& root) {
     return root.contains("engine") || root.contains("commands") || root.contains("steps");
 }
 
+bool IsEngine(const toml::table& root) {
+    const auto has = [&root](const char* key) { return root.contains(key); };
+    return !IsProcedure(root) && !has("name") && !has("start") &&
+           (has("connection") || has("protocol") || has("parameters") || has("units") || has("faults"));
+}
+
+/// Reads what the procedure in `root` needs, and checks everything.
+void LoadAll(const toml::table& root, LoadedFile& main, const std::string& engineFile,
+             LoadedProcedure& loaded) {
+    auto& [procedure, called, files] = loaded;
+    ProcedureLoader loader(files);
+    procedure = loader.Load(root, main);
+    called = loader.TakeCalled();
+    const LoadedFile& last = files.All().back();
+    if (!engineFile.empty())
+        procedure.engine = ReadEngineFile(engineFile, files);
+    else if (procedure.engineFile)
+        procedure.engine = ReadEngineOf(procedure, main, files);
+    const bool engineIsWhole = &files.All().back() == &last || !files.All().back().found.HasErrors();
+    const bool engineIsRead = procedure.engine || !procedure.engineFile;
+    std::vector<ProcedureToCheck> toCheck = {{&procedure, &main.found}};
+    for (const CalledProcedure& each : called)
+        toCheck.push_back({each.procedure.get(), &each.file->found});
+    const EngineAtHand engine = {.engine = procedure.engine ? &*procedure.engine : nullptr,
+                                 .isAnother = !engineFile.empty(),
+                                 .isKnown = engineIsWhole && engineIsRead};
+    CheckProcedures(toCheck, engine, engineFile.empty() && !procedure.engineFile);
+}
+
 } // namespace
 
 bool LoadedFiles::HasErrors() const {
     return std::any_of(m_files.begin(), m_files.end(),
                        [](const LoadedFile& each) { return each.found.HasErrors(); });
+}
+
+bool LoadedFiles::HasWarnings() const {
+    return std::any_of(m_files.begin(), m_files.end(),
+                       [](const LoadedFile& each) { return each.found.Warnings() > 0; });
 }
 
 std::string LoadedFiles::Print() const {
@@ -155,21 +189,31 @@ std::string LoadedFiles::Print() const {
 
 LoadedProcedure LoadProcedure(const std::string& file, const std::string& engineFile) {
     LoadedProcedure loaded;
-    auto& [procedure, called, files] = loaded;
     const std::string text = ReadNamed(file);
-    LoadedFile& main = files.Add(file, "the procedure");
-    ProcedureLoader loader(files);
-    procedure = loader.Load(text, main);
-    called = loader.TakeCalled();
-    const LoadedFile& last = files.All().back();
-    if (!engineFile.empty())
-        procedure.engine = ReadEngineFile(engineFile, files);
-    else if (procedure.engineFile)
-        procedure.engine = ReadEngineOf(procedure, main, files);
-    const bool engineIsWhole = &files.All().back() == &last || !files.All().back().found.HasErrors();
-    if (engineIsWhole)
-        CheckConditionParameters(procedure, main.found);
+    LoadedFile& main = loaded.files.Add(file, "the procedure");
+    if (const auto root = ParseToml(text, main.found))
+        LoadAll(*root, main, engineFile, loaded);
+    else if (!engineFile.empty())
+        ReadEngineFile(engineFile, loaded.files);
     return loaded;
+}
+
+LoadedFiles CheckFile(const std::string& file, const std::string& engineFile) {
+    LoadedProcedure loaded;
+    LoadedFile& main = loaded.files.Add(file, "the file");
+    std::string text;
+    try {
+        text = ReadInput(file);
+    } catch (const InputError& failure) {
+        main.found.Error({}, std::string("the file cannot be read: ") + failure.what());
+        return std::move(loaded.files);
+    }
+    const auto root = ParseToml(text, main.found);
+    if (root && IsEngine(*root))
+        ReadEngine(*root, main.found);
+    else if (root)
+        LoadAll(*root, main, engineFile, loaded);
+    return std::move(loaded.files);
 }
 
 LoadedEngine LoadEngine(const std::string& file) {
@@ -184,7 +228,7 @@ LoadedEngine LoadEngine(const std::string& file) {
         engine = ReadEngine(*root, main.found);
         return loaded;
     }
-    Procedure procedure = ProcedureLoader(files).Load(text, main);
+    Procedure procedure = ProcedureLoader(files).Load(*root, main);
     if (procedure.engineFile)
         engine = ReadEngineOf(procedure, main, files);
     else

@@ -30,6 +30,7 @@ public:
     const std::list<LoadedFile>& All() const noexcept { return m_files; }
 
     bool HasErrors() const;
+    bool HasWarnings() const;
     /// All messages, file by file, as lines of text.
     std::string Print() const;
 
@@ -57,8 +58,12 @@ inline constexpr std::size_t deepestProcedure = 8;
 /// runs on: the one in `engineFile` unless that is empty, else the procedure's own or the one in the file
 /// that it names. The procedures that it runs work on the same engine. All mistakes of all files are found.
 /// Throws InputError, with the file's name, if the procedure or `engineFile` cannot be read. File names in
-/// UTF-8.
+/// UTF-8; `standardInput` stands for what the program is given.
 LoadedProcedure LoadProcedure(const std::string& file, const std::string& engineFile);
+
+/// Reads a procedure as LoadProcedure does, or an engine, for the sake of the messages. That `file` cannot be
+/// read is one of them; throws InputError if `engineFile` cannot be read.
+LoadedFiles CheckFile(const std::string& file, const std::string& engineFile);
 
 struct LoadedEngine {
     std::optional<EngineDescription>

@@ -32,6 +32,7 @@ struct Command {
     std::string description{};
     std::vector<Property> properties{}; ///< In the file's order.
     std::vector<std::string> misread{}; ///< The names of further properties, whose values are mistakes.
+    bool hasAllProperties = true;       ///< Otherwise it has some that could not be read at all.
 };
 
 /// How a procedure ended.
@@ -130,10 +131,12 @@ struct Procedure {
     std::map<std::string, Step> steps;
     std::map<std::string, Measurement> measurements;
     Components components;
+    std::map<std::string, Position> componentPositions; ///< Of the names in `components`.
     ConditionSets conditions;
     /// The file that holds the engine, relative to the procedure's folder; whoever reads it fills `engine`.
     std::optional<Located> engineFile;
     std::optional<EngineDescription> engine;
+    std::map<std::string, Position> parameterPositions; ///< Of the parameters of an engine in this file.
 };
 
 } // namespace vant::host

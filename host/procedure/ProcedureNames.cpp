@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -36,32 +35,10 @@ std::vector<const Located*> TargetsOf(const Step& step) {
     return targets;
 }
 
-void WarnOfUnreachableSteps(const Procedure& procedure, Diagnostics& found) {
-    std::set<std::string> reached;
-    std::vector<std::string> toVisit = {procedure.start.text};
-    // A command may lead to a step by its name, which it takes from a property.
-    for (const auto& [id, command] : procedure.commands) {
-        for (const Property& property : command.properties)
-            toVisit.push_back(property.value.text);
-    }
-    while (!toVisit.empty()) {
-        const std::string id = std::move(toVisit.back());
-        toVisit.pop_back();
-        const auto step = procedure.steps.find(id);
-        if (step == procedure.steps.end() || !reached.insert(id).second)
-            continue;
-        for (const Located* const target : TargetsOf(step->second))
-            toVisit.push_back(target->text);
-    }
-    for (const auto& [id, step] : procedure.steps) {
-        if (!reached.contains(id))
-            found.Warning(step.position, "nothing leads to step " + Quoted(id));
-    }
-}
-
 class NameCheck {
 public:
-    NameCheck(const Procedure& procedure, Diagnostics& found) : m_procedure(procedure), m_found(found) {}
+    NameCheck(const Procedure& procedure, Diagnostics& found)
+        : m_procedure(procedure), m_found(found), m_hasErrors(found.HasErrors()) {}
 
     void Check() {
         // A start that is missing or empty has been reported already.
@@ -76,7 +53,8 @@ public:
 private:
     template <class Map>
     void CheckName(const char* what, const Located& name, const Map& known) {
-        if (!known.contains(name.text))
+        // All are missing if their table could not be read.
+        if (!known.contains(name.text) && !(known.empty() && m_hasErrors))
             m_found.Error(name.position, std::string("there is no ") + what + ' ' + Quoted(name.text) +
                                              m_found.Suggest(name.text, known));
     }
@@ -96,14 +74,13 @@ private:
 
     const Procedure& m_procedure;
     Diagnostics& m_found;
+    const bool m_hasErrors; ///< Before any name was looked up.
 };
 
 } // namespace
 
 void CheckNames(const Procedure& procedure, Diagnostics& found) {
     NameCheck(procedure, found).Check();
-    if (!found.HasErrors())
-        WarnOfUnreachableSteps(procedure, found);
 }
 
 } // namespace vant::host

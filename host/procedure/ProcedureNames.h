@@ -5,8 +5,8 @@
 
 namespace vant::host {
 
-/// Looks up every step, command and condition set that a procedure names: an error for each one that does not
-/// exist, a warning for each step that nothing can lead to.
+/// Looks up every step, command and condition set that a procedure names outside the properties of commands:
+/// an error for each one that does not exist.
 void CheckNames(const Procedure& procedure, Diagnostics& found);
 
 } // namespace vant::host

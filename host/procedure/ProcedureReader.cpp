@@ -26,10 +26,21 @@ public:
                   {"name", "description", "revision", "author", "maxTime", "maxSteps", "start", "finally",
                    "finallyTime", "include", "data", "conditions", "components", "measurements", "engine",
                    "commands", "steps"});
-        ReadHead(root);
+        if (HasOrMeans(root, "name") || HasOrMeans(root, "start") || HasOrMeans(root, "steps"))
+            ReadHead(root);
+        else
+            m_found.Error(
+                {},
+                "'name', 'start' and 'steps' are missing: this is not a procedure; a file that procedures "
+                "include is checked with them");
         for (const toml::table& each : shared) {
-            CheckKeys(each, "an included file",
-                      {"data", "conditions", "components", "measurements", "commands"});
+            if (const auto steps = each.find("steps"); steps != each.end())
+                m_found.Error(PositionOf(steps->first),
+                              "an included file has no steps: to run a procedure, name it "
+                              "in 'procedure' of a step");
+            else
+                CheckKeys(each, "an included file",
+                          {"data", "conditions", "components", "measurements", "commands"});
             ReadShared(each);
         }
         ReadShared(root);
@@ -38,8 +49,6 @@ public:
         ForEach(root, "steps", [this](const toml::key& key, const toml::node& node) {
             m_procedure.steps[std::string(key.str())] = ReadStep(key, node, m_found);
         });
-        if (m_procedure.steps.empty() && !root.contains("steps"))
-            m_found.Error({1, 1}, "'steps' is missing: a procedure needs a step that ends it");
         return std::move(m_procedure);
     }
 
@@ -51,6 +60,8 @@ private:
             m_procedure.name = std::move(name->text);
         if (auto start = RequiredName(root, "start", {1, 1}))
             m_procedure.start = std::move(*start);
+        if (!HasOrMeans(root, "steps"))
+            m_found.Error({1, 1}, "'steps' is missing: a procedure needs a step that ends it");
         const auto read = [&](const char* key, std::string& text) {
             if (auto located = OptionalText(root, key))
                 text = std::move(located->text);
@@ -125,6 +136,8 @@ private:
         if (!table)
             return;
         CheckKeys(*table, "a command", {"class", "description", "properties"});
+        const toml::node* const properties = table->get("properties");
+        command->hasAllProperties = properties ? properties->is_table() : !HasOrMeans(*table, "properties");
         if (auto className = RequiredName(*table, "class", command->position))
             command->className = std::move(*className);
         if (auto description = OptionalText(*table, "description"))
@@ -140,6 +153,7 @@ private:
 
     void ReadComponent(const toml::key& key, const toml::node& node) {
         std::set<std::string>* const properties = Add(m_procedure.components, "component", key);
+        m_procedure.componentPositions.emplace(key.str(), PositionOf(key));
         const toml::table* const table =
             properties ? AsTable(node, "component " + Quoted(key.str())) : nullptr;
         if (!table)
@@ -164,13 +178,18 @@ private:
 
     /// The engine itself, or the name of its file.
     void ReadEngineKey(const toml::node& node) {
-        if (node.is_table())
-            m_procedure.engine = ReadEngine(*node.as_table(), m_found);
-        else if (const auto file = node.value_exact<std::string>())
+        if (const toml::table* const table = node.as_table()) {
+            m_procedure.engine = ReadEngine(*table, m_found);
+            if (const toml::table* const parameters = table->get_as<toml::table>("parameters")) {
+                for (const auto& [key, parameter] : *parameters)
+                    m_procedure.parameterPositions.emplace(key.str(), PositionOf(key));
+            }
+        } else if (const auto file = node.value_exact<std::string>()) {
             m_procedure.engineFile = Located{*file, PositionOf(node)};
-        else
+        } else {
             m_found.Error(PositionOf(node),
                           std::string("'engine' must be a table or the name of a file, not ") + KindOf(node));
+        }
     }
 
     Procedure m_procedure;
@@ -179,8 +198,11 @@ private:
 } // namespace
 
 Procedure ReadProcedure(const toml::table& root, std::span<const toml::table> shared, Diagnostics& found) {
+    if (root.empty()) {
+        found.Error({}, "the file is empty: a procedure has at least 'name', 'start' and 'steps'");
+        return {};
+    }
     Procedure procedure = ProcedureReader(found).Read(root, shared);
-    CheckConditionNames(procedure, found);
     CheckNames(procedure, found);
     return procedure;
 }

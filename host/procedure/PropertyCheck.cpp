@@ -27,7 +27,7 @@ public:
                 ReportUnknown(property);
         }
         for (const ClassProperty& known : m_known) {
-            if (known.required)
+            if (known.required && m_command.hasAllProperties)
                 CheckGiven(known);
             if (!known.alternative.empty())
                 CheckAlternative(known);
@@ -96,10 +96,13 @@ private:
 
 } // namespace
 
-void CheckProperties(const Procedure& procedure, Diagnostics& found) {
+bool CheckProperties(const Procedure& procedure, Diagnostics& found) {
     const std::vector<std::string> names = ClassNames();
+    const std::size_t errors = found.Errors();
+    bool areRead = true;
     for (const auto& [id, command] : procedure.commands) {
         const auto& [name, position] = command.className;
+        areRead = areRead && !name.empty() && command.misread.empty() && command.hasAllProperties;
         if (name.empty())
             continue; // It is missing, which has been reported.
         if (std::find(names.begin(), names.end(), name) == names.end())
@@ -108,6 +111,7 @@ void CheckProperties(const Procedure& procedure, Diagnostics& found) {
         else
             CommandProperties(id, command, found).Check();
     }
+    return areRead && found.Errors() == errors;
 }
 
 } // namespace vant::host

@@ -3,6 +3,7 @@
 #include "host/procedure/TableReader.h"
 #include "host/text/Suggestion.h"
 
+#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -19,9 +20,7 @@ public:
         const toml::table* const table = AsTable(node, "step " + Quoted(name.str()));
         if (!table)
             return step;
-        CheckKeys(*table, "a step",
-                  {"description", "procedure", "arguments", "results", "run", "mayFail", "delay", "until",
-                   "wait", "timeout", "retry", "next", "failed", "timedOut", "always", "on", "end"});
+        CheckKeys(*table, "a step", keys);
         ReadWork(*table, step);
         ReadWaiting(*table, step);
         ReadTargets(*table, step);
@@ -102,7 +101,7 @@ private:
         }
         CheckKeys(*table, "a retry", {"times", "after", "on"});
         const auto times = OptionalCount(*table, "times", 1);
-        if (!table->contains("times"))
+        if (!HasOrMeans(*table, "times"))
             m_found.Error(PositionOf(node), "'times' is missing: how often is the step tried again?");
         else if (times && *times > mostRetries)
             m_found.Error(PositionOf(*table->get("times")), "'times' must be at most 1000");
@@ -145,7 +144,8 @@ private:
         const std::string name = "step " + Quoted(key.str());
         if (table.contains("end")) {
             for (const auto& [other, node] : table) {
-                if (other != "end" && other != "description")
+                const bool isKnown = std::find(keys.begin(), keys.end(), other.str()) != keys.end();
+                if (isKnown && other != "end" && other != "description")
                     m_found.Error(PositionOf(other),
                                   name + " ends the procedure, so it can have no " + Quoted(other.str()));
             }
@@ -161,16 +161,22 @@ private:
             return;
         }
         const toml::table* const on = table["on"].as_table();
-        if (!table.contains("next") && !(on && !on->empty() && table.contains("run")))
+        const bool isMeant =
+            HasOrMeans(table, "next") || HasOrMeans(table, "end") || HasOrMeans(table, "always");
+        const bool chooses = on ? !on->empty() && HasOrMeans(table, "run") : HasOrMeans(table, "on");
+        if (!isMeant && !chooses)
             m_found.Error(PositionOf(key), name + " leads nowhere: add 'next', or 'end', or 'run' with 'on'");
     }
 
     void CheckNeeds(const toml::table& table, std::string_view key, std::string_view needed) {
-        if (table.contains(key) && !table.contains(needed))
+        if (table.contains(key) && !HasOrMeans(table, needed))
             m_found.Error(PositionOf(table.find(key)->first), Quoted(key) + " needs " + Quoted(needed));
     }
 
     static constexpr std::int64_t mostRetries = 1000;
+    inline static const std::vector<std::string> keys = {
+        "description", "procedure", "arguments", "results", "run",      "mayFail", "delay", "until", "wait",
+        "timeout",     "retry",     "next",      "failed",  "timedOut", "always",  "on",    "end"};
 };
 
 } // namespace

@@ -28,10 +28,17 @@ const char* KindOf(const toml::node& node) {
 void TableReader::CheckKeys(const toml::table& table, const std::string& owner,
                             const std::vector<std::string>& known) {
     for (const auto& [key, node] : table) {
-        if (std::find(known.begin(), known.end(), key.str()) == known.end())
-            m_found.Error(PositionOf(key),
-                          owner + " has no key " + Quoted(key.str()) + DidYouMean(key.str(), known));
+        if (std::find(known.begin(), known.end(), key.str()) != known.end())
+            continue;
+        const auto meant = NearestName(key.str(), known);
+        m_found.Error(PositionOf(key), owner + " has no key " + Quoted(key.str()) + DidYouMean(meant));
+        if (meant)
+            m_meant.emplace(&table, *meant);
     }
+}
+
+bool TableReader::HasOrMeans(const toml::table& table, std::string_view key) const {
+    return table.contains(key) || m_meant.contains({&table, std::string(key)});
 }
 
 const toml::table* TableReader::AsTable(const toml::node& node, const std::string& what) {
@@ -64,7 +71,7 @@ std::optional<Located> TableReader::OptionalText(const toml::table& table, std::
 
 std::optional<Located> TableReader::RequiredText(const toml::table& table, std::string_view key,
                                                  Position owner) {
-    if (!table.contains(key))
+    if (!HasOrMeans(table, key))
         m_found.Error(owner, Quoted(key) + " is missing");
     return OptionalText(table, key);
 }
@@ -79,7 +86,7 @@ std::optional<Located> TableReader::OptionalName(const toml::table& table, std::
 
 std::optional<Located> TableReader::RequiredName(const toml::table& table, std::string_view key,
                                                  Position owner) {
-    if (!table.contains(key))
+    if (!HasOrMeans(table, key))
         m_found.Error(owner, Quoted(key) + " is missing");
     return OptionalName(table, key);
 }

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -25,6 +26,8 @@ protected:
     ~TableReader() = default;
 
     void CheckKeys(const toml::table& table, const std::string& owner, const std::vector<std::string>& known);
+    /// Whether the table has the key, or one that has been reported as a misspelling of it.
+    bool HasOrMeans(const toml::table& table, std::string_view key) const;
 
     /// Null, and a mistake, if the node is not a table; `what` names it.
     const toml::table* AsTable(const toml::node& node, const std::string& what);
@@ -68,6 +71,10 @@ protected:
     std::optional<Value> Scalar(const toml::node& node, const std::string& what);
 
     Diagnostics& m_found;
+
+private:
+    std::set<std::pair<const toml::table*, std::string>>
+        m_meant; ///< What unknown keys were probably meant to be.
 };
 
 } // namespace vant::host

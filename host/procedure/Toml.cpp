@@ -55,6 +55,16 @@ Position PositionOfFailure(std::string_view toml) {
     return {static_cast<std::uint32_t>(line - lineEnds.begin()) + 1, 1};
 }
 
+/// The parser's words for a mistake in the words of other messages.
+std::string Reworded(std::string_view mistake) {
+    constexpr std::string_view beginning = "Error while parsing ";
+    if (mistake.find("utf-8") != std::string_view::npos)
+        return "a character that is not UTF-8: save the file as UTF-8";
+    if (mistake.starts_with(beginning))
+        return "invalid " + std::string(mistake.substr(beginning.size()));
+    return std::string(mistake);
+}
+
 } // namespace
 
 std::optional<toml::table> ParseToml(std::string_view toml, Diagnostics& found,
@@ -64,7 +74,7 @@ std::optional<toml::table> ParseToml(std::string_view toml, Diagnostics& found,
         try {
             return file ? toml::parse(toml, *file) : toml::parse(toml);
         } catch (const toml::parse_error& mistake) {
-            mistakes.Error(PositionOf(mistake.source()), std::string(mistake.description()));
+            mistakes.Error(PositionOf(mistake.source()), Reworded(mistake.description()));
         } catch (const TomlAssertion&) {
             mistakes.Error(PositionOfFailure(toml), "this line is not valid TOML");
         }

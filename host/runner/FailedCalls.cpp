@@ -102,7 +102,7 @@ std::string FailedCalls::StillFailing() const {
         const auto& [command, service, operation, subject] = key;
         sentences.push_back(fmt::format("{} has not been able to {}{} since {}: {}",
                                         command.empty() ? "the step" : Quoted(command), operation,
-                                        subject.empty() ? "" : " " + Quoted(subject),
+                                        subject.empty() ? "" : fmt::format(" '{}'", subject),
                                         FormatTime(failing.since), DescribeCode(failing.code)));
     }
     return fmt::format("{}", fmt::join(sentences, "; "));

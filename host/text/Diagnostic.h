@@ -52,21 +52,27 @@ public:
     void Warning(Position position, std::string message);
 
     bool HasErrors() const noexcept { return m_errors != 0; }
+    std::size_t Errors() const noexcept { return m_errors; }
+    std::size_t Warnings() const noexcept { return m_all.size() - m_errors; }
     /// In the order of the file.
     std::vector<Diagnostic> Sorted() const;
     /// One line for each message, in the order of the file, up to `mostPrinted`; a last line counts the rest.
     std::string Print(std::string_view file) const;
 
-    /// DidYouMean with the keys of a map; an empty text after `mostSuggestions` calls.
-    template <class Map>
-    std::string Suggest(std::string_view written, const Map& map) {
+    /// DidYouMean with names or with the keys of a map; an empty text after `mostSuggestions` calls.
+    template <class Names>
+    std::string Suggest(std::string_view written, const Names& known) {
         if (m_suggestions == mostSuggestions)
             return {};
         ++m_suggestions;
         std::vector<std::string> names;
-        names.reserve(map.size());
-        for (const auto& [name, value] : map)
-            names.push_back(name);
+        names.reserve(known.size());
+        for (const auto& each : known) {
+            if constexpr (requires { each.first; })
+                names.push_back(each.first);
+            else
+                names.push_back(each);
+        }
         return DidYouMean(written, names);
     }
 

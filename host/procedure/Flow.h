@@ -1,0 +1,78 @@
+#pragma once
+
+#include "host/procedure/CommandUse.h"
+#include "host/procedure/Cycles.h"
+#include "host/procedure/Procedure.h"
+
+#include <cstddef>
+#include <span>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace vant::host {
+
+/// A command at work in a step.
+struct WorkingCommand {
+    std::size_t command;
+    bool onThread; ///< A command that runs on has run it, maybe after the step's commands.
+};
+
+/// How a procedure runs: its steps and commands by their places in its maps, and what follows from what.
+/// Every command and step that it names exists.
+class Flow {
+public:
+    Flow(const Procedure& procedure, std::span<const CommandUse> commands);
+
+    /// Whether all that is asked for below is known. Commands that run one another in very many ways are not
+    /// followed to their end.
+    bool IsWhole() const noexcept { return m_work > 0; }
+
+    std::size_t StepCount() const noexcept { return m_steps.size(); }
+    std::string_view StepId(std::size_t step) const noexcept { return m_stepIds[step]; }
+    const Step& StepAt(std::size_t step) const noexcept { return *m_steps[step]; }
+    const CommandUse& CommandAt(std::size_t command) const noexcept { return m_commands[command]; }
+    std::size_t CommandNumber(std::string_view id) const { return m_commandNumbers.at(id); }
+
+    /// The commands that a step runs, and those that they run; each once.
+    std::vector<WorkingCommand> CommandsOf(std::size_t step);
+    /// The commands that were started in an earlier step and may still run when this one begins.
+    const std::vector<std::size_t>& StillRunning(std::size_t step) const noexcept {
+        return m_stillRunning[step];
+    }
+    /// What the commands of a step, of these, and those that they run may choose.
+    std::vector<std::string_view> Choices(std::span<const WorkingCommand> working,
+                                          std::span<const std::size_t> stillRunning);
+
+    /// Where a step leads by its keys or by the choice of a command that it runs itself.
+    const Graph& Leads() const noexcept { return m_leads; }
+    /// Which steps can be reached at all.
+    std::vector<bool> Reached() const;
+
+private:
+    void AddKeys(std::size_t step);
+    void AddChoices(std::size_t step);
+    void FindStillRunning();
+    void Follow(std::size_t command, const std::vector<std::size_t>& starts);
+    std::vector<WorkingCommand> Closure(std::vector<WorkingCommand> working);
+    template <class Visit>
+    void ForEachTransition(std::size_t command, Visit visit) const;
+
+    const Procedure& m_procedure;
+    std::span<const CommandUse> m_commands;
+    std::vector<std::string_view> m_stepIds;
+    std::vector<const Step*> m_steps;
+    std::unordered_map<std::string_view, std::size_t> m_stepNumbers;
+    std::unordered_map<std::string_view, std::size_t> m_commandNumbers;
+    Graph m_runs; ///< From command to command.
+    Graph m_leads;
+    Graph m_carries; ///< Of `m_leads` those edges beyond which commands may still run.
+    Graph m_chosen;  ///< From a step to those that commands on threads may choose.
+    std::vector<std::size_t> m_chosenAnywhere;
+    std::vector<std::vector<std::size_t>> m_stillRunning;
+    std::vector<std::size_t> m_seen; ///< The last closure in which a command was seen.
+    std::size_t m_closures = 0;
+    std::ptrdiff_t m_work = 5'000'000; ///< So many more edges are followed.
+};
+
+} // namespace vant::host
