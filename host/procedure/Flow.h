@@ -32,6 +32,7 @@ public:
     std::string_view StepId(std::size_t step) const noexcept { return m_stepIds[step]; }
     const Step& StepAt(std::size_t step) const noexcept { return *m_steps[step]; }
     const CommandUse& CommandAt(std::size_t command) const noexcept { return m_commands[command]; }
+    bool IsStep(std::string_view id) const { return m_stepNumbers.contains(id); }
     std::size_t CommandNumber(std::string_view id) const { return m_commandNumbers.at(id); }
 
     /// The commands that a step runs, and those that they run; each once.

@@ -42,8 +42,9 @@ public:
             CheckStep(step);
         if (!m_flow.IsWhole())
             return;
-        CheckReached();
-        CheckCircles();
+        const std::vector<bool> reached = m_flow.Reached();
+        CheckReached(reached);
+        CheckCircles(reached);
     }
 
 private:
@@ -73,7 +74,7 @@ private:
     // Transitions.
 
     bool Takes(const Step& step, const std::string& transition) const {
-        return step.on.contains(transition) || m_procedure.steps.contains(transition);
+        return step.on.contains(transition) || m_flow.IsStep(transition);
     }
 
     void NoteTransitions(std::size_t number, const Working& working) {
@@ -115,7 +116,7 @@ private:
     void CheckTransition(const CommandUse& command, const NameUse& use) {
         const auto noted = m_transitions.find(&use);
         const bool anywhere = noted == m_transitions.end() || noted->second.onThread;
-        const bool exists = m_keys.contains(use.name) || m_procedure.steps.contains(use.name);
+        const bool exists = m_keys.contains(use.name) || m_flow.IsStep(use.name);
         if (anywhere ? exists : noted->second.isTaken) {
             if (!anywhere && noted->second.lacking)
                 m_found.Warning(use.property->value.position,
@@ -267,8 +268,7 @@ private:
                });
     }
 
-    void CheckReached() {
-        const std::vector<bool> reached = m_flow.Reached();
+    void CheckReached(const std::vector<bool>& reached) {
         bool ends = false;
         for (std::size_t step = 0; step < reached.size(); ++step)
             ends = ends || (reached[step] && m_flow.StepAt(step).end);
@@ -282,11 +282,11 @@ private:
                             "only if something fails");
     }
 
-    void CheckCircles() {
+    void CheckCircles(const std::vector<bool>& reached) {
         Graph quick(m_flow.StepCount());
         for (std::size_t step = 0; step < quick.size(); ++step) {
             for (const std::size_t next : m_flow.Leads()[step]) {
-                if (!m_takesTime[step] && !m_takesTime[next])
+                if (reached[step] && !m_takesTime[step] && !m_takesTime[next])
                     quick[step].push_back(next);
             }
         }

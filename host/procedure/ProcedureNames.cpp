@@ -7,6 +7,7 @@
 #include <iterator>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 namespace vant::host {
@@ -41,9 +42,12 @@ public:
         : m_procedure(procedure), m_found(found), m_hasErrors(found.HasErrors()) {}
 
     void Check() {
+        m_steps.reserve(m_procedure.steps.size());
+        for (const auto& [id, step] : m_procedure.steps)
+            m_steps.insert(id);
         // A start that is missing or empty has been reported already.
         if (!m_procedure.start.text.empty())
-            CheckName("step", m_procedure.start, m_procedure.steps);
+            CheckStepName(m_procedure.start);
         for (const Located& command : m_procedure.finally)
             CheckName("command", command, m_procedure.commands);
         for (const auto& [id, step] : m_procedure.steps)
@@ -59,9 +63,14 @@ private:
                                              m_found.Suggest(name.text, known));
     }
 
+    void CheckStepName(const Located& name) {
+        if (!m_steps.contains(name.text))
+            CheckName("step", name, m_procedure.steps);
+    }
+
     void CheckStep(const Step& step) {
         for (const Located* const target : TargetsOf(step))
-            CheckName("step", *target, m_procedure.steps);
+            CheckStepName(*target);
         for (const Located& command : step.run)
             CheckName("command", command, m_procedure.commands);
         if (step.until)
@@ -74,7 +83,8 @@ private:
 
     const Procedure& m_procedure;
     Diagnostics& m_found;
-    const bool m_hasErrors; ///< Before any name was looked up.
+    std::unordered_set<std::string_view> m_steps; ///< Of a long procedure, found faster than in the map.
+    const bool m_hasErrors;                       ///< Before any name was looked up.
 };
 
 } // namespace

@@ -26,6 +26,15 @@ Json ObjectOf(const Record& record, std::initializer_list<const char*> names) {
     return object;
 }
 
+/// Null in place of empty texts under these names.
+Json WithoutEmpty(Json object, std::initializer_list<const char*> names) {
+    for (const char* const name : names) {
+        if (object[name] == "")
+            object[name] = nullptr;
+    }
+    return object;
+}
+
 Json MeaningAsJson(HRESULT code) {
     const char* const meaning = MeaningOf(code);
     return meaning ? Json(meaning) : Json();
@@ -260,12 +269,15 @@ bool ResultReport::TakeEventOfProcedure(const Record& record, Json& result) {
     else if (record.operation == event::DataLeft)
         result["data"][record.Text(argument::name)] = JsonOf(record, argument::value);
     else if (record.operation == event::Measured)
-        result["measurements"].push_back(ObjectOf(
-            record, {argument::name, argument::data, argument::value, argument::units, argument::limits,
-                     argument::verdict, argument::at, argument::step, argument::description}));
+        result["measurements"].push_back(
+            WithoutEmpty(ObjectOf(record, {argument::name, argument::data, argument::value, argument::units,
+                                           argument::limits, argument::verdict, argument::at, argument::step,
+                                           argument::description}),
+                         {argument::units, argument::limits, argument::description}));
     else if (record.operation == event::ParameterLeft)
         result["left"].push_back(
-            ObjectOf(record, {argument::id, argument::name, argument::value, argument::was}));
+            WithoutEmpty(ObjectOf(record, {argument::id, argument::name, argument::value, argument::was}),
+                         {argument::name}));
     else
         return false;
     return true;

@@ -4,6 +4,7 @@
 #include "framework/interfaces/ClassProperties.h"
 #include "framework/interfaces/VantCommand.h"
 #include "host/procedure/ClassReport.h"
+#include "host/procedure/ClassTraits.h"
 #include "host/procedure/ProcedureReader.h"
 #include "host/procedure/PropertyCheck.h"
 #include "host/runner/CommandCheck.h"
@@ -133,6 +134,24 @@ TEST(CommandsDocument, PersistentMark_StandsAtTheClassesThatReturnTheInterface) 
         ASSERT_EQ(BuiltModule().Create(name, command), S_OK) << name;
         CComPtr<IVantPersistentCommand> persistent;
         EXPECT_EQ(SUCCEEDED(command.QueryInterface(&persistent)), each.isPersistent) << name;
+    }
+}
+
+TEST(CommandsDocument, TraitsForChecks_AreThoseOfTheClasses) {
+    const auto classes = DocumentedClasses();
+    ASSERT_EQ(AllClassTraits().size(), classes.size());
+    for (const auto& [name, each] : classes) {
+        const ClassTraits& traits = TraitsOf(name);
+        EXPECT_EQ(traits.className, name);
+        EXPECT_EQ(traits.runsOn, each.isPersistent) << name;
+        // The engine speed stands in the text before both throttle adjusters.
+        const auto isNamed = [&section = each.section](std::string_view id) {
+            return id.empty() || id == "101000" ||
+                   std::any_of(section.lines.begin(), section.lines.end(),
+                               [id](const std::string& line) { return line.find(id) != std::string::npos; });
+        };
+        for (const std::string_view id : traits.parameters)
+            EXPECT_TRUE(isNamed(id)) << name << " does not name parameter " << id;
     }
 }
 

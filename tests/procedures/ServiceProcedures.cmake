@@ -63,7 +63,10 @@ vant_add_variants(fault_check_and_clear 0 ENGINES ${engines}/idle)
 vant_add_variants(fault_return_check 0 ENGINES ${failing_engines}/fault_repaired)
 vant_add_variants(fault_return_check 1 ENGINES ${engines}/faulty)
 vant_add_variants(fault_check_and_clear 1 ONLY "${told_or_refused}"
-                  ENGINES ${engines}/egr ${failing_engines}/clearing_refused)
+                  ENGINES ${failing_engines}/clearing_refused)
+# This one has no faults to ask for, of which the check warns.
+vant_add_service_run(fault_check_and_clear_egr fault_check_and_clear ${engines}/egr EXIT 1 OUTPUT ERRORS
+                     ONLY "${told_or_refused}")
 vant_add_variants(boost_test 1 ONLY "${told_or_refused}"
                   ENGINES ${engines}/turbo_leaking ${failing_engines}/intake_lost ${failing_engines}/ambient_lost
                           ${failing_engines}/wastegate_stuck)
@@ -107,7 +110,7 @@ vant_add_run(other_engine_unfit EXIT 2
 vant_add_run(other_engine_for_missing EXIT 0
              ARGUMENTS run ${cases}/engine_missing.toml --engine ${engines}/idle.toml OUTPUT)
 vant_add_run(other_engine_inline EXIT 4
-             ARGUMENTS run procedures/load_and_format.toml --engine ${engines}/egr.toml OUTPUT)
+             ARGUMENTS run procedures/load_and_format.toml --engine ${engines}/egr.toml OUTPUT ERRORS)
 vant_add_run(journal_over_other_engine EXIT 2
              ARGUMENTS run procedures/fault_check.toml --engine ${engines}/faulty.toml
                        --journal ${engines}/faulty.toml ERRORS)

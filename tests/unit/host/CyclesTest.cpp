@@ -32,6 +32,19 @@ TEST(StrongComponents, LongPath_NeedsNoRecursion) {
     EXPECT_EQ(components.front(), components.back());
 }
 
+TEST(MarkReachable, Marks_WhatCanBeReached) {
+    std::vector<bool> marked(5);
+    MarkReachable({{1}, {2}, {1}, {0}, {}}, 1, marked);
+    EXPECT_EQ(marked, (std::vector<bool>{false, true, true, false, false}));
+}
+
+TEST(Beginnings, NodesThatNoOtherLeadsTo_AreOnesFromWhichTheRestIsReached) {
+    // 0 is marked; 1 leads to 2; 3 and 4 form a cycle that leads to 2, too.
+    const Graph graph = {{}, {2}, {0}, {4}, {3, 2}};
+    EXPECT_EQ(Beginnings(graph, {true, false, false, false, false}), (std::vector<std::size_t>{1, 3}));
+    EXPECT_TRUE(Beginnings(graph, std::vector<bool>(5, true)).empty());
+}
+
 } // namespace
 
 } // namespace vant::host
