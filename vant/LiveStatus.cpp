@@ -44,7 +44,7 @@ void LiveStatus::TakeEvent(const Record& record) {
         m_wait = {Printable(record.Text(argument::waitsFor)), record.time,
                   number ? std::optional(*number) : std::nullopt};
         m_unmet.clear();
-    } else if (record.operation == event::TransitionFollowed) {
+    } else if (record.operation == event::TransitionFollowed || record.operation == event::StepRetried) {
         LeaveStep();
     } else if (record.operation == event::ThreadEnded) {
         m_running.erase(record.thread);
