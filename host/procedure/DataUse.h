@@ -29,8 +29,10 @@ struct DataUse {
     Names expandedWithEntries{};
 
     bool Exists(std::string_view name) const { return given.contains(name) || written.contains(name); }
-    /// Given and never written.
-    bool IsConstant(std::string_view name) const { return given.contains(name) && !written.contains(name); }
+    /// Given by the procedure itself and never written.
+    bool IsConstant(std::string_view name) const {
+        return given.contains(name) && !written.contains(name) && !arguments.contains(name);
+    }
 };
 
 DataUse FindDataUse(const Procedure& procedure, std::span<const CommandUse> commands,

@@ -61,8 +61,9 @@ private:
             CheckCommandId(use);
             break;
         case PropertyKind::DataEntry:
-        case PropertyKind::DataEntryRead:
             CheckEntry(use.name, position);
+            break;
+        case PropertyKind::DataEntryRead:
             CheckEntryRead(command, use);
             break;
         case PropertyKind::DataEntryWritten:
@@ -130,21 +131,22 @@ private:
 
     void CheckEntryRead(const CommandUse& command, const NameUse& use) {
         const Position& position = use.property->value.position;
-        if (use.kind != PropertyKind::DataEntryRead)
-            return;
-        if (m_procedure.conditions.contains(use.name)) {
+        if (m_procedure.conditions.contains(use.name))
             m_found.Error(position, Quoted(use.name) + " is a condition set, which has no value to read");
-            return;
-        }
-        if (use.known->holds != PropertyKind::Parameter || MayLackEngine(command) ||
-            !m_data.IsConstant(use.name))
-            return;
-        const auto value = m_procedure.data.find(use.name);
+        else if (use.known->holds == PropertyKind::Parameter && m_data.IsConstant(use.name))
+            CheckParameterInEntry(command, use.name);
+        else
+            CheckEntry(use.name, position);
+    }
+
+    /// An entry that holds the id of a parameter in every run.
+    void CheckParameterInEntry(const CommandUse& command, const std::string& entry) {
+        const auto value = m_procedure.data.find(entry);
         const auto* const id =
             value == m_procedure.data.end() ? nullptr : std::get_if<std::string>(&value->second);
-        if (id)
+        if (id && !MayLackEngine(command))
             CheckEngineHas("parameter", m_engine.engine->parameters, *id,
-                           m_procedure.dataPositions.at(use.name));
+                           m_procedure.dataPositions.at(entry));
     }
 
     std::string SuggestEntry(const std::string& name) {

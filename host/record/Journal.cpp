@@ -1,9 +1,11 @@
 #include "host/record/Journal.h"
 
 #include "host/record/CallScope.h"
+#include "host/record/Vocabulary.h"
 #include "platform/Clock.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace vant::host {
 
@@ -32,6 +34,15 @@ void Journal::Add(Record record) noexcept {
     } catch (...) {
         m_complete = false;
     }
+}
+
+void Journal::AddEvent(const char* event, std::vector<Argument> arguments, std::optional<HRESULT> result) {
+    Record record;
+    record.service = service::Runner;
+    record.operation = event;
+    record.arguments = std::move(arguments);
+    record.result = result;
+    Add(std::move(record));
 }
 
 } // namespace vant::host

@@ -58,6 +58,9 @@ public:
     /// Milliseconds since the run began, as in records. Any thread may call.
     std::int64_t Now() const { return m_clock(); }
 
+    /// Adds an event of the run, one of those in Vocabulary.h. Throws std::bad_alloc.
+    void AddEvent(const char* event, std::vector<Argument> arguments, std::optional<HRESULT> result = {});
+
     /// For a record that could not even be made.
     void MarkIncomplete() noexcept { m_complete = false; }
 

@@ -1,6 +1,5 @@
 #include "host/runner/ProcedureRun.h"
 
-#include "framework/interfaces/ClassProperties.h"
 #include "host/object/VariantValue.h"
 #include "host/record/Codes.h"
 #include "host/record/Json.h"
@@ -19,10 +18,6 @@ namespace {
 
 /// How often a step looks whether the conditions that it waits for hold.
 constexpr DWORD conditionsPeriod = 250;
-
-Value TextOrNull(const std::string& text) {
-    return text.empty() ? Value(nullptr) : Value(text);
-}
 
 /// Arguments whose text is empty are left out.
 std::vector<Argument> WithoutEmpty(std::vector<Argument> arguments) {
@@ -53,6 +48,8 @@ const char* NameOf(Verdict verdict) {
 
 ProcedureRun::ProcedureRun(const Procedure& procedure, RunShared& shared, ProcedureRun* outer)
     : m_procedure(procedure), m_shared(shared), m_outer(outer), m_measurements(procedure.measurements),
+      m_execution(procedure, shared.factory, shared.journal, m_services,
+                  [this](const std::string& id, const std::string& entry) { NoteMissingResult(id, entry); }),
       m_services(
           shared.journal, [this](const std::string& id) { return RunCommand(id); },
           [this](std::uint32_t cookie, HRESULT result) { RecordThreadEnded(cookie, result); },
@@ -88,25 +85,26 @@ ProcedureRun::Ending ProcedureRun::Run() {
     RunFinally();
     for (const auto& [name, value] : m_services.data.All()) {
         if (!m_messages.contains(name))
-            RecordEvent(event::DataLeft, {{argument::name, name}, {argument::value, value}});
+            m_shared.journal.AddEvent(event::DataLeft, {{argument::name, name}, {argument::value, value}});
     }
     const auto measured = RecordMeasurements();
     if (!m_outer)
         RecordLeft();
     ending = Judge(std::move(ending), measured);
-    RecordEvent(event::ProcedureEnded,
-                {{argument::verdict, NameOf(ending.verdict)}, {argument::reason, ending.reason}});
+    m_shared.journal.AddEvent(event::ProcedureEnded, {{argument::verdict, NameOf(ending.verdict)},
+                                                      {argument::reason, ending.reason}});
     return ending;
 }
 
 void ProcedureRun::RecordBeginning() {
-    RecordEvent(event::ProcedureStarted, WithoutEmpty({{argument::name, m_procedure.name},
-                                                       {argument::description, m_procedure.description},
-                                                       {argument::revision, m_procedure.revision},
-                                                       {argument::author, m_procedure.author}}));
+    m_shared.journal.AddEvent(event::ProcedureStarted,
+                              WithoutEmpty({{argument::name, m_procedure.name},
+                                            {argument::description, m_procedure.description},
+                                            {argument::revision, m_procedure.revision},
+                                            {argument::author, m_procedure.author}}));
     if (!m_outer) {
         for (const auto& [name, value] : m_shared.settings.tags)
-            RecordEvent(event::TagGiven, {{argument::name, name}, {argument::value, value}});
+            m_shared.journal.AddEvent(event::TagGiven, {{argument::name, name}, {argument::value, value}});
         RecordParameters();
     }
     for (const auto& [name, value] : m_procedure.data)
@@ -116,11 +114,11 @@ void ProcedureRun::RecordBeginning() {
     m_arguments.clear();
     for (const auto& [name, value] : m_services.data.All()) {
         if (!m_procedure.conditions.contains(name) && !m_messages.contains(name))
-            RecordEvent(event::DataGiven, {{argument::name, name}, {argument::value, value}});
+            m_shared.journal.AddEvent(event::DataGiven, {{argument::name, name}, {argument::value, value}});
     }
     for (const auto& [name, conditions] : m_procedure.conditions)
-        RecordEvent(event::ConditionsGiven,
-                    {{argument::name, name}, {argument::conditions, Describe(conditions)}});
+        m_shared.journal.AddEvent(event::ConditionsGiven,
+                                  {{argument::name, name}, {argument::conditions, Describe(conditions)}});
 }
 
 void ProcedureRun::RecordParameters() {
@@ -128,7 +126,7 @@ void ProcedureRun::RecordParameters() {
         return;
     for (const auto& [id, parameter] : m_procedure.engine->parameters) {
         const auto units = m_procedure.engine->units.find(parameter.unitsKey);
-        RecordEvent(
+        m_shared.journal.AddEvent(
             event::ParameterGiven,
             WithoutEmpty({{argument::id, id},
                           {argument::name, parameter.name},
@@ -151,8 +149,9 @@ ProcedureRun::Ending ProcedureRun::RunSteps() {
             m_step = &step;
             m_stepId = current;
         }
-        RecordEvent(event::StepEntered,
-                    WithoutEmpty({{argument::step, current}, {argument::description, step.description}}));
+        m_shared.journal.AddEvent(
+            event::StepEntered,
+            WithoutEmpty({{argument::step, current}, {argument::description, step.description}}));
         if (step.end)
             return {*step.end, fmt::format("step '{}'", current)};
         const Attempt attempt = RunStep(step);
@@ -162,11 +161,12 @@ ProcedureRun::Ending ProcedureRun::RunSteps() {
         const std::string* const target = TargetOf(step, attempt, key);
         if (!target)
             return EndingIn(current, attempt);
-        RecordEvent(event::TransitionFollowed,
-                    {{argument::from, current},
-                     {argument::to, *target},
-                     {argument::key, key},
-                     {argument::transitionId, attempt.chosen ? Value(*attempt.chosen) : Value(nullptr)}});
+        m_shared.journal.AddEvent(
+            event::TransitionFollowed,
+            {{argument::from, current},
+             {argument::to, *target},
+             {argument::key, key},
+             {argument::transitionId, attempt.chosen ? Value(*attempt.chosen) : Value(nullptr)}});
         current = *target;
     }
     return EndingBy(m_cause);
@@ -186,7 +186,7 @@ ProcedureRun::Attempt ProcedureRun::RunStep(const Step& step) {
                                                       : "a host call failed";
         m_failedCalls.DropTry();
         m_services.persistentThreads.StopOfStep();
-        RecordEvent(
+        m_shared.journal.AddEvent(
             event::StepRetried,
             {{argument::step, m_stepId}, {argument::attempt, number + 1}, {argument::reason, reason}});
         m_stepExpired = false;
@@ -232,8 +232,8 @@ ProcedureRun::Attempt ProcedureRun::TryStep(const Step& step) {
     if (attempt.timedOut && m_cause == Cause::None) {
         attempt.failure.reset();
         attempt.timedOutReason = DescribeWaiting();
-        RecordEvent(event::StepTimedOut,
-                    {{argument::step, m_stepId}, {argument::reason, attempt.timedOutReason}});
+        m_shared.journal.AddEvent(event::StepTimedOut,
+                                  {{argument::step, m_stepId}, {argument::reason, attempt.timedOutReason}});
     }
     attempt.chosen = m_services.procedureController.LeaveStep();
     return attempt;
@@ -306,9 +306,9 @@ bool ProcedureRun::AwaitCommands(Wait wait) {
 }
 
 void ProcedureRun::BeginWait(const Step& step, std::string what) {
-    RecordEvent(event::WaitStarted,
-                {{argument::waitsFor, what},
-                 {argument::limit, step.timeout ? Value(*step.timeout) : Value(nullptr)}});
+    m_shared.journal.AddEvent(event::WaitStarted,
+                              {{argument::waitsFor, what},
+                               {argument::limit, step.timeout ? Value(*step.timeout) : Value(nullptr)}});
     const std::lock_guard lock(m_access);
     m_waitsFor = std::move(what);
     m_waitsSince = m_shared.journal.Now();
@@ -481,7 +481,7 @@ void ProcedureRun::RunFinally() {
         m_ending = false;
         m_services.Open();
     }
-    RecordEvent(event::FinallyStarted, {});
+    m_shared.journal.AddEvent(event::FinallyStarted, {});
     m_services.persistentThreads.EnterStep();
     m_services.procedureController.EnterStepWithoutChoice();
     {
@@ -508,15 +508,16 @@ std::vector<Measurements::Result> ProcedureRun::RecordMeasurements() {
     auto results = m_measurements.Results();
     for (const Measurements::Result& each : results) {
         const bool made = each.value.has_value();
-        RecordEvent(event::Measured, {{argument::name, each.name},
-                                      {argument::data, each.measurement->data.text},
-                                      {argument::value, each.value.value_or(nullptr)},
-                                      {argument::units, each.measurement->units},
-                                      {argument::limits, DescribeLimits(*each.measurement)},
-                                      {argument::verdict, NameOf(each.outcome)},
-                                      {argument::at, made ? Value(each.time) : Value(nullptr)},
-                                      {argument::step, made ? Value(each.step) : Value(nullptr)},
-                                      {argument::description, each.measurement->description}});
+        m_shared.journal.AddEvent(event::Measured,
+                                  {{argument::name, each.name},
+                                   {argument::data, each.measurement->data.text},
+                                   {argument::value, each.value.value_or(nullptr)},
+                                   {argument::units, each.measurement->units},
+                                   {argument::limits, DescribeLimits(*each.measurement)},
+                                   {argument::verdict, NameOf(each.outcome)},
+                                   {argument::at, made ? Value(each.time) : Value(nullptr)},
+                                   {argument::step, made ? Value(each.step) : Value(nullptr)},
+                                   {argument::description, each.measurement->description}});
     }
     return results;
 }
@@ -525,10 +526,11 @@ void ProcedureRun::RecordLeft() {
     if (!m_services.engine)
         return;
     for (const Engine::Left& each : m_services.engine->Model().LeftWritten())
-        RecordEvent(event::ParameterLeft, {{argument::id, each.id},
-                                           {argument::name, m_procedure.engine->parameters.at(each.id).name},
-                                           {argument::value, each.value},
-                                           {argument::was, each.was}});
+        m_shared.journal.AddEvent(event::ParameterLeft,
+                                  {{argument::id, each.id},
+                                   {argument::name, m_procedure.engine->parameters.at(each.id).name},
+                                   {argument::value, each.value},
+                                   {argument::was, each.was}});
 }
 
 ProcedureRun::Ending ProcedureRun::Judge(Ending ending,
@@ -568,69 +570,13 @@ ProcedureRun::Ending ProcedureRun::Judge(Ending ending,
 HRESULT ProcedureRun::RunCommand(const std::string& id) {
     if (m_ending || (m_stepExpired && CurrentThread() == mainThread))
         return E_ABORT;
-    const auto command = m_procedure.commands.find(id);
-    if (command == m_procedure.commands.end())
-        return E_INVALIDARG;
-    if (CommandDepth() >= maxCommandDepth)
-        return HRESULT_FROM_WIN32(ERROR_STACK_OVERFLOW);
-    const std::string caller = CurrentCommand();
-    const std::uint64_t before = WriteCount();
-    CComPtr<IVantCommand> object;
-    CommandScope scope(id);
-    const char* phase = "";
-    const HRESULT result = CreateAndExecute(command->second, object, scope, phase);
-    if (SUCCEEDED(result))
-        CheckResults(command->second, id, *object.Get(), before);
-    RecordEvent(event::CommandEnded,
-                {{argument::className, command->second.className.text},
-                 {argument::caller, TextOrNull(caller)},
-                 {argument::phase, phase}},
-                result);
-    return result;
+    return m_execution.Run(id);
 }
 
-HRESULT ProcedureRun::CreateAndExecute(const Command& command, CComPtr<IVantCommand>& object,
-                                       CommandScope& scope, const char*& phase) {
-    phase = "create";
-    HRESULT result = m_shared.factory.Create(command.className.text, object);
-    RecordEvent(event::CommandCreated, {{argument::className, command.className.text}}, result);
-    if (FAILED(result))
-        return result;
-
-    phase = "initialize";
-    result = object->Initialize(&m_services.context, &m_services.controller);
-    RecordEvent(event::CommandInitialized, {}, result);
-    if (FAILED(result))
-        return result;
-
-    phase = "set property";
-    for (const auto& [name, value] : command.properties) {
-        result = object->SetProperty(CComBSTR(ToWide(name.text)).Get(), CComBSTR(ToWide(value.text)).Get());
-        RecordEvent(event::PropertySet, {{argument::name, name.text}, {argument::value, value.text}}, result);
-        if (FAILED(result))
-            return result;
-    }
-
-    phase = "execute";
-    scope.SetObject(object.Get());
-    return object->Execute();
-}
-
-void ProcedureRun::CheckResults(const Command& command, const std::string& id, IVantCommand& object,
-                                std::uint64_t before) {
-    CComPtr<IVantPersistentCommand> persistent;
-    if (SUCCEEDED(object.QueryInterface(IID_IVantPersistentCommand, reinterpret_cast<void**>(&persistent))))
-        return; // It writes while it runs on.
-    for (const auto& [name, value] : command.properties) {
-        const ClassProperty* const property = FindClassProperty(command.className.text, name.text);
-        if (!property || !property->required || property->kind != PropertyKind::DataEntryWritten ||
-            LastWrite(value.text) > before)
-            continue;
-        RecordEvent(event::ResultMissing, {{argument::name, name.text}, {argument::value, value.text}});
-        if (!m_ending && !MayFail(id, ""))
-            (m_inFinally ? m_failedCleanUp : m_failedCalls)
-                .Add(fmt::format("{} has not written {}", Quoted(id), Quoted(value.text)));
-    }
+void ProcedureRun::NoteMissingResult(const std::string& commandId, const std::string& entry) {
+    if (!m_ending && !MayFail(commandId, ""))
+        (m_inFinally ? m_failedCleanUp : m_failedCalls)
+            .Add(fmt::format("{} has not written {}", Quoted(commandId), Quoted(entry)));
 }
 
 void ProcedureRun::Watch(const Record& call) {
@@ -655,20 +601,9 @@ bool ProcedureRun::MayFail(const std::string& command, const std::string& operat
 
 void ProcedureRun::NoteWrite(const std::string& entry, Value value) {
     const std::int64_t now = m_shared.journal.Now();
+    m_execution.NoteWrite(entry);
     const std::lock_guard lock(m_access);
-    m_lastWrite[entry] = ++m_writes;
     m_measurements.Take(entry, std::move(value), now, m_inFinally ? "finally" : m_stepId);
-}
-
-std::uint64_t ProcedureRun::WriteCount() const {
-    const std::lock_guard lock(m_access);
-    return m_writes;
-}
-
-std::uint64_t ProcedureRun::LastWrite(const std::string& entry) const {
-    const std::lock_guard lock(m_access);
-    const auto found = m_lastWrite.find(entry);
-    return found == m_lastWrite.end() ? 0 : found->second;
 }
 
 std::vector<std::string> ProcedureRun::StillHeld() const {
@@ -682,20 +617,10 @@ std::vector<std::string> ProcedureRun::StillHeld() const {
 
 void ProcedureRun::RecordThreadEnded(std::uint32_t cookie, HRESULT result) noexcept {
     try {
-        RecordEvent(event::ThreadEnded, {{argument::cookie, std::int64_t{cookie}}}, result);
+        m_shared.journal.AddEvent(event::ThreadEnded, {{argument::cookie, std::int64_t{cookie}}}, result);
     } catch (...) {
         m_shared.journal.MarkIncomplete();
     }
-}
-
-void ProcedureRun::RecordEvent(const char* event, std::vector<Argument> arguments,
-                               std::optional<HRESULT> result) {
-    Record record;
-    record.service = service::Runner;
-    record.operation = event;
-    record.arguments = std::move(arguments);
-    record.result = result;
-    m_shared.journal.Add(std::move(record));
 }
 
 } // namespace vant::host

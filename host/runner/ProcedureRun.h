@@ -1,8 +1,8 @@
 #pragma once
 
 #include "host/procedure/Procedure.h"
-#include "host/record/CallScope.h"
 #include "host/record/Journal.h"
+#include "host/runner/CommandExecution.h"
 #include "host/runner/CommandFactory.h"
 #include "host/runner/FailedCalls.h"
 #include "host/runner/Measurements.h"
@@ -22,11 +22,6 @@
 #include <vector>
 
 namespace vant::host {
-
-/// The greatest depth of commands that run or start one another; a thread that a command starts is one level
-/// deeper than the command. RunCommand returns HRESULT_FROM_WIN32(ERROR_STACK_OVERFLOW) to a request that
-/// would go deeper.
-inline constexpr std::size_t maxCommandDepth = 32;
 
 /// "passed", "failed", "error" or "aborted".
 const char* NameOf(Verdict verdict);
@@ -143,23 +138,15 @@ private:
     Ending Judge(Ending ending, const std::vector<Measurements::Result>& measured) const;
 
     HRESULT RunCommand(const std::string& id);
-    /// Gives `scope` the object before it is executed. `phase` becomes the last phase that was begun.
-    HRESULT CreateAndExecute(const Command& command, CComPtr<IVantCommand>& object, CommandScope& scope,
-                             const char*& phase);
-    /// Notes the required results that a command which has succeeded did not write.
-    void CheckResults(const Command& command, const std::string& id, IVantCommand& object,
-                      std::uint64_t before);
+    void NoteMissingResult(const std::string& commandId, const std::string& entry);
     /// A call that is over. Any thread may call.
     void Watch(const Record& call);
     void NoteWrite(const std::string& entry, Value value);
-    std::uint64_t WriteCount() const;
-    std::uint64_t LastWrite(const std::string& entry) const;
     /// Whether failures of that command or operation are expected in the current step.
     bool MayFail(const std::string& command, const std::string& operation) const;
 
     /// On the thread that has ended.
     void RecordThreadEnded(std::uint32_t cookie, HRESULT result) noexcept;
-    void RecordEvent(const char* event, std::vector<Argument> arguments, std::optional<HRESULT> result = {});
 
     const Procedure& m_procedure;
     RunShared& m_shared;
@@ -183,10 +170,9 @@ private:
     std::string m_stepId;
     std::string m_waitsFor; ///< Empty if the run does not wait.
     std::int64_t m_waitsSince = 0;
-    std::uint64_t m_writes = 0;
-    std::map<std::string, std::uint64_t> m_lastWrite; ///< The number of the last write of each entry.
 
     Watchdog m_watchdog;
+    CommandExecution m_execution;
     Services m_services; ///< Destroyed first: its threads may use everything above.
 };
 

@@ -64,6 +64,31 @@ TEST_F(LoadingTest, EngineThatCannotBeRead_IsAMistakeOfTheProcedure) {
     EXPECT_EQ(loaded.files.Print().find(file + ":1:10: error: cannot read the engine 'none.toml': "), 0U);
 }
 
+TEST_F(LoadingTest, CalledProcedure_IsCheckedWithItsArgumentsAndTheOuterEngine) {
+    Write("called.toml", "name = 'c'\nstart = 's'\n[data]\nlength = 'given'\n"
+                         "[commands.count]\nclass = 'Timer'\n"
+                         "properties = { dsLength = 'length', dsBase = 'left' }\n"
+                         "[commands.show]\nclass = 'PropertySetter'\n"
+                         "properties = { componentID = 'c', propertyName = 'p', pValue = '101' }\n"
+                         "[steps.s]\nrun = ['count', 'show']\nwait = 'end'\nnext = 'e'\n"
+                         "[steps.e]\nend = 'passed'\n");
+    const std::string file =
+        Write("p.toml", "name = 'n'\nstart = 's'\n[engine.parameters.100]\nvalue = 1\n"
+                        "[steps.s]\nprocedure = 'called.toml'\narguments = { length = '5' }\nnext = 'e'\n"
+                        "[steps.e]\nend = 'passed'\n");
+    EXPECT_EQ(LoadProcedure(file, "").files.Print(),
+              FileName(m_folder / "called.toml") +
+                  ":10:64: error: the engine has no parameter '101' (did you mean '100'?)\n");
+}
+
+TEST_F(LoadingTest, CheckedFile_IsAProcedureOrAnEngine) {
+    EXPECT_EQ(CheckFile(Write("p.toml", m_procedure), "").Print(), "");
+    EXPECT_EQ(CheckFile(Write("e.toml", "[parameters.100]\nvalue = 1\n"), "").Print(), "");
+    const std::string file = FileName(m_folder / "none.toml");
+    EXPECT_EQ(CheckFile(file, "").Print().find(file + ":1:1: error: the file cannot be read: "), 0U);
+    EXPECT_THROW(CheckFile(Write("p.toml", m_procedure), "no such file"), InputError);
+}
+
 TEST_F(LoadingTest, FileThatCannotBeRead_Throws) {
     EXPECT_THROW(LoadProcedure("no such file", ""), InputError);
     EXPECT_THROW(LoadProcedure(Write("p.toml", m_procedure), "no such file"), InputError);
