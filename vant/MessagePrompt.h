@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/MessagePresenter.h"
+#include "vant/ConsoleReport.h"
 
 #include <istream>
 #include <mutex>
@@ -13,8 +14,9 @@ namespace vant::program {
 /// itself.
 class MessagePrompt {
 public:
-    /// `closesAtOnce`: messages are shown and closed without waiting. The streams must outlive the prompt.
-    MessagePrompt(std::ostream& out, std::istream& in, bool closesAtOnce);
+    /// `closesAtOnce`: messages are shown and closed without waiting. `report`, which may be null, writes to
+    /// the same stream. All of them must outlive the prompt.
+    MessagePrompt(std::ostream& out, std::istream& in, bool closesAtOnce, ConsoleReport* report);
     ~MessagePrompt();
     MessagePrompt(const MessagePrompt&) = delete;
     MessagePrompt& operator=(const MessagePrompt&) = delete;
@@ -26,6 +28,7 @@ private:
     std::ostream& m_out;
     std::istream& m_in;
     const bool m_closesAtOnce;
+    ConsoleReport* const m_report;
 };
 
 } // namespace vant::program

@@ -110,6 +110,18 @@ bool WantsColour() {
     return OutputTakesColours() && !(noColour && *noColour);
 }
 
+ConsoleReport::Style StyleOf(const RunOptions& options) {
+    return {.coloured = WantsColour(),
+            .detail = options.quiet     ? Detail::Quiet
+                      : options.verbose ? Detail::Verbose
+                                        : Detail::Normal};
+}
+
+/// In virtual time nothing is to be waited for.
+bool WantsLiveLine(const RunOptions& options) {
+    return WantsColour() && !options.quiet && !options.virtualTime;
+}
+
 ExitCode ExitCodeOf(Verdict verdict) {
     switch (verdict) {
     case Verdict::Passed:
@@ -160,18 +172,23 @@ ExitCode RunLoaded(const RunOptions& options, const LoadedProcedure& loaded, con
     std::optional<JournalFile> journalFile = OpenJournal(options, loaded.files);
     if (journalFile)
         journal.Observe([&journalFile](const Record& record) { journalFile->Write(record); });
+    std::optional<ConsoleReport> report;
     if (options.json)
         journal.Observe([&result](const Record& record) { result(record); });
     else
-        journal.Observe(ConsoleReport(std::cout, WantsColour()));
+        journal.Observe(
+            [&shown = report.emplace(std::cout, StyleOf(options))](const Record& record) { shown(record); });
 
     OnFirstInterrupt(
         Interrupt); // Before the runner starts a thread, which takes over what is done about signals.
+    if (report && WantsLiveLine(options))
+        report->GoLive([&journal] { return journal.Now(); });
     Runner runner(loaded.procedure, commands, journal, SettingsOf(options));
     Verdict verdict{};
     {
         // What a program reads from standard output stays JSON.
-        const MessagePrompt prompt(options.json ? std::cerr : std::cout, std::cin, options.closesMessages);
+        const MessagePrompt prompt(options.json ? std::cerr : std::cout, std::cin, options.closesMessages,
+                                   report ? &*report : nullptr);
         const InterruptScope scope(runner);
         const ClockParticipant participant;
         verdict = runner.Run();

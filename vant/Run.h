@@ -18,6 +18,8 @@ struct RunOptions {
     std::string module;
     bool registered = false; ///< Commands come from the classes registered with the system, not `module`.
     bool json = false;
+    bool quiet = false;          ///< Only the verdict, and measurements that failed or are missing.
+    bool verbose = false;        ///< Every host call, too.
     bool strict = false;         ///< Warnings refuse the run, too.
     bool closesMessages = false; ///< Messages are closed without waiting for the user.
     bool virtualTime = false;    ///< Nothing is waited for.

@@ -77,7 +77,11 @@ void AddRun(CLI::App& app, ExitCode& result) {
         ->type_name("FILE");
     run.add_flag("--force", options->force, "Let the journal replace a file that is not a journal");
     CLI::Option* const module = AddModule(run, options->module);
-    run.add_flag("--json", options->json, "Print the result as JSON");
+    CLI::Option* const json = run.add_flag("--json", options->json, "Print the result as JSON");
+    CLI::Option* const quiet = run.add_flag("--quiet", options->quiet,
+                                            "Print the verdict, and measurements that failed or are missing");
+    run.add_flag("--verbose", options->verbose, "Print every host call")->excludes(json)->excludes(quiet);
+    quiet->excludes(json);
     run.add_flag("--strict", options->strict, "Refuse a procedure with warnings, too");
     run.add_flag("--yes", options->closesMessages, "Close every message without waiting for Enter");
     run.add_flag("--registered", options->registered,

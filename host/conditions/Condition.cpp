@@ -38,11 +38,15 @@ const char* NameOf(Comparison comparison) {
     }
 }
 
+std::string DescribeLimit(const Condition& condition) {
+    return fmt::format("{} {}", NameOf(condition.comparison),
+                       condition.otherEntry.empty() ? ToJson(condition.value).dump()
+                                                    : "data " + condition.otherEntry);
+}
+
 std::string Describe(const Condition& condition) {
-    const std::string limit =
-        condition.otherEntry.empty() ? ToJson(condition.value).dump() : "data " + condition.otherEntry;
-    return fmt::format("{} {} {} {}", condition.kind == Condition::Kind::Parameter ? "parameter" : "data",
-                       condition.subject, NameOf(condition.comparison), limit);
+    return fmt::format("{} {} {}", condition.kind == Condition::Kind::Parameter ? "parameter" : "data",
+                       condition.subject, DescribeLimit(condition));
 }
 
 std::string Describe(const Conditions& conditions) {

@@ -54,6 +54,8 @@ constexpr bool IsOrder(Comparison comparison) noexcept {
     return comparison != Comparison::Is && comparison != Comparison::IsNot;
 }
 
+/// What a condition compares with, such as "atLeast 600".
+std::string DescribeLimit(const Condition& condition);
 /// A condition as reports show it, such as "parameter 101000 atLeast 600".
 std::string Describe(const Condition& condition);
 /// A set as reports show it: its conditions, separated by "; ", or "any of: " and its conditions.

@@ -3,6 +3,7 @@
 #include "host/engine/objects/EngineAccess.h"
 #include "host/object/HandOut.h"
 #include "host/object/VariantValue.h"
+#include "host/record/Json.h"
 #include "host/record/Vocabulary.h"
 
 namespace vant::host {
@@ -58,6 +59,13 @@ HRESULT ConditionSet::RecordFailure(Record& record, const Condition& failed, con
         m_failed = &failed;
     }
     record.Add(argument::failed, m_conditions.any ? Describe(m_conditions) : Describe(failed));
+    if (!m_conditions.any) {
+        record.Add(failed.kind == Condition::Kind::Parameter ? argument::parameter : argument::data,
+                   failed.subject);
+        const bool isKnown = SUCCEEDED(outcome.code) && !failed.otherEntry.empty();
+        record.Add(argument::limits,
+                   DescribeLimit(failed) + (isKnown ? " = " + ToJson(outcome.limit).dump() : ""));
+    }
     if (FAILED(outcome.code) && !m_conditions.failSafe)
         return outcome.code;
     if (!m_conditions.any)
@@ -94,8 +102,8 @@ ConditionSet::Outcome ConditionSet::Check(const Condition& condition) const {
     if (FAILED(outcome.code))
         return outcome;
     outcome.actual = ToValue(actual.Get());
-    outcome.holds = Holds(condition.comparison, outcome.actual,
-                          condition.otherEntry.empty() ? condition.value : ToValue(other.Get()));
+    outcome.limit = condition.otherEntry.empty() ? condition.value : ToValue(other.Get());
+    outcome.holds = Holds(condition.comparison, outcome.actual, outcome.limit);
     return outcome;
 }
 

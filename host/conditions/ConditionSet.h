@@ -46,6 +46,7 @@ private:
         bool holds = false;
         HRESULT code = S_OK;
         Value actual{};
+        Value limit{}; ///< What it was compared with.
     };
 
     Outcome Check(const Condition& condition) const;

@@ -3,6 +3,7 @@
 #include "host/record/Json.h"
 
 #include <algorithm>
+#include <fmt/format.h>
 
 namespace vant::host {
 
@@ -37,11 +38,16 @@ std::span<const CodeMeaning> CodeMeanings() noexcept {
     return meanings;
 }
 
-std::string DescribeCode(HRESULT code) {
+const char* MeaningOf(HRESULT code) noexcept {
     const auto meanings = CodeMeanings();
     const auto found = std::find_if(meanings.begin(), meanings.end(),
                                     [code](const CodeMeaning& each) { return each.code == code; });
-    return found == meanings.end() ? ToText(code) : std::string(found->meaning) + ", " + ToText(code);
+    return found == meanings.end() ? nullptr : found->meaning;
+}
+
+std::string DescribeCode(HRESULT code) {
+    const char* const meaning = MeaningOf(code);
+    return meaning ? fmt::format("{}, {}", meaning, ToText(code)) : ToText(code);
 }
 
 } // namespace vant::host

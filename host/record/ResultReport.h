@@ -1,43 +1,75 @@
 #pragma once
 
+#include "host/record/Activity.h"
 #include "host/record/Json.h"
+#include "host/record/ReportText.h"
 
 #include <cstddef>
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
 
 namespace vant::host {
 
-/// Makes the result of one run from its records:
+/// Makes the result of one run from its records. docs/result.schema.json describes it, docs/procedures.md
+/// explains it.
 ///
-///     {"procedure": NAME, "verdict": "passed" | "failed" | "aborted", "reason": TEXT,
-///      "steps": [{"step": ID, "commands": [{"command": ID, "class": NAME, "caller": ID or null,
-///                                           "phase": TEXT, "result": HRESULT}],
-///                 "instructions": [TEXT], "display": {COMPONENT: {PROPERTY: TEXT}}, "next": ID or null}],
-///      "data": {NAME: VALUE}}
-///
-/// Of steps, commands and instructions the first `mostEntries` are kept; "omitted" then counts the steps, and
-/// the entries of kept steps, that came later. Without "omitted" nothing is missing.
-///
-/// Steps, commands and instructions are listed in the order in which they were entered, ended and shown. If a
-/// step sets a property of a component several times, the last value counts.
+/// Of all that is listed in steps the first `mostEntries` are kept; "omitted" then counts the steps, and the
+/// entries of kept steps, that came later. Without "omitted" nothing is missing.
 class ResultReport {
 public:
+    /// Changes if a program that reads results must change.
+    static constexpr int format = 1;
     static constexpr std::size_t mostEntries = 10000;
 
     ResultReport();
     void operator()(const Record& record);
-    const Json& Result() const noexcept { return m_result; }
+    const Json& Result() const noexcept { return m_procedures.front().result; }
 
 private:
+    /// A procedure that has not ended. All but the first are run by a step of the one before.
+    struct Running {
+        Json result = Json::object();
+        std::int64_t began = 0;
+        bool stepIsKept = false;
+        bool inFinally = false;
+    };
+
     /// Whether one more entry is kept.
     bool Keeps();
-    void TakeEvent(const Record& record);
-    /// What was shown to the technician.
-    void TakeCall(const Record& record);
+    void Omit(std::size_t entries);
+    void AppendTo(Json& list, Json entry);
 
-    Json m_result;
+    void Begin(const Record& record);
+    void EnterStep(const Record& record);
+    void EnterFinally(const Record& record);
+    void EndProcedure(const Record& record);
+    void TakeEvent(const Record& record);
+    /// What describes the procedure as a whole; returns false for any other event.
+    static bool TakeEventOfProcedure(const Record& record, Json& result);
+    /// What happened in a step or in the clean-up.
+    void TakeEventOfStep(const Record& record, Running& running);
+    /// What was shown to the technician, and what did not work.
+    void TakeCall(const Record& record, Json& place);
+    void TakeUnmet(const Record& evaluation, Json& place);
+
+    /// The procedure that the record belongs to: the innermost one, or the one that has started its thread.
+    Running& RunningOf(const Record& record);
+    /// Where the procedure is: in a step or in the clean-up; null if that is not kept.
+    static Json* PlaceOf(Running& running);
+    /// Completes the duration of the current step or clean-up.
+    static void EndPlace(Running& running, std::int64_t time);
+    /// Adds the command or the thread that the record ends.
+    void AppendEnded(Json& list, Json entry, const Record& end, const Activity& activity);
+
+    std::vector<Running> m_procedures;
+    bool m_hasBegun = false;
+    std::map<std::string, std::size_t> m_startedBy; ///< Names of threads, and places in m_procedures.
+    Activities m_activities;
+    ReportText m_text;
     std::size_t m_entries = 0;
     std::size_t m_omitted = 0;
-    bool m_stepIsKept = false;
 };
 
 } // namespace vant::host

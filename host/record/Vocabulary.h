@@ -56,6 +56,7 @@ inline constexpr const char* DataGiven = "DataGiven";
 inline constexpr const char* DataLeft = "DataLeft";
 inline constexpr const char* FinallyStarted = "FinallyStarted";
 inline constexpr const char* Measured = "Measured";
+inline constexpr const char* ParameterGiven = "ParameterGiven";
 inline constexpr const char* ParameterLeft = "ParameterLeft";
 inline constexpr const char* ProcedureEnded = "ProcedureEnded";
 inline constexpr const char* ProcedureStarted = "ProcedureStarted";
@@ -151,6 +152,7 @@ inline constexpr const char* kind = "kind";
 inline constexpr const char* limit = "limit";
 inline constexpr const char* limits = "limits";
 inline constexpr const char* name = "name";
+inline constexpr const char* parameter = "parameter";
 inline constexpr const char* phase = "phase";
 inline constexpr const char* reason = "reason";
 inline constexpr const char* revision = "revision";
@@ -183,6 +185,7 @@ inline constexpr RecordKind recordKinds[] = {
      event::ProcedureStarted,
      {argument::name, argument::description, argument::revision, argument::author}},
     {service::Runner, event::TagGiven, {argument::name, argument::value}},
+    {service::Runner, event::ParameterGiven, {argument::id, argument::name, argument::units}},
     {service::Runner, event::DataGiven, {argument::name, argument::value}},
     {service::Runner, event::ConditionsGiven, {argument::name, argument::conditions}},
     {service::Runner, event::StepEntered, {argument::step, argument::description}},
@@ -234,7 +237,8 @@ inline constexpr RecordKind recordKinds[] = {
     {service::ThreadService, operation::Operation12, {argument::cookie}},
     {service::ConditionSet,
      operation::Evaluate,
-     {argument::name, argument::failed, argument::value, argument::allMet}},
+     {argument::name, argument::failed, argument::parameter, argument::data, argument::limits,
+      argument::value, argument::allMet}},
     {service::ConditionSet, operation::GetFailureKey, {argument::name, argument::key}},
 
     {service::ParameterService, operation::GetConnection},

@@ -112,6 +112,7 @@ void ProcedureRun::RecordBeginning() {
     if (!m_outer) {
         for (const auto& [name, value] : m_shared.settings.tags)
             m_shared.journal.AddEvent(event::TagGiven, {{argument::name, name}, {argument::value, value}});
+        RecordParameters();
     }
     for (const auto& [name, value] : m_procedure.data)
         m_services.data.Set(ToWide(name), ToVariant(value));
@@ -125,6 +126,20 @@ void ProcedureRun::RecordBeginning() {
     for (const auto& [name, conditions] : m_procedure.conditions)
         m_shared.journal.AddEvent(event::ConditionsGiven,
                                   {{argument::name, name}, {argument::conditions, Describe(conditions)}});
+}
+
+void ProcedureRun::RecordParameters() {
+    if (!m_procedure.engine)
+        return;
+    for (const auto& [id, parameter] : m_procedure.engine->parameters) {
+        const auto units = m_procedure.engine->units.find(parameter.unitsKey);
+        m_shared.journal.AddEvent(
+            event::ParameterGiven,
+            WithoutEmpty({{argument::id, id},
+                          {argument::name, parameter.name},
+                          {argument::units,
+                           units == m_procedure.engine->units.end() ? std::string() : units->second}}));
+    }
 }
 
 ProcedureRun::Ending ProcedureRun::RunSteps() {

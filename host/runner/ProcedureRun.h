@@ -95,6 +95,8 @@ private:
     static constexpr std::int64_t longestWait = 1'000'000'000;
 
     void RecordBeginning();
+    /// What the parameters of the engine are called.
+    void RecordParameters();
     Ending RunSteps();
     /// Tries the step as often as it says.
     Attempt RunStep(const Step& step);

@@ -111,7 +111,8 @@ TEST_F(ConditionSetTest, FirstConditionThatFails_IsRememberedAndEndsTheEvaluatio
     EXPECT_FALSE(allMet);
     EXPECT_EQ(ToJson(records.back()).dump(),
               R"({"time":0,"thread":"main","command":null,"service":"ConditionSet","operation":"Evaluate",)"
-              R"("arguments":{"name":"set","failed":"parameter 100 below 5.0","value":800.0,"allMet":false},)"
+              R"("arguments":{"name":"set","failed":"parameter 100 below 5.0","parameter":"100",)"
+              R"("limits":"below 5.0","value":800.0,"allMet":false},)"
               R"("result":"0x00000000"})");
     std::wstring key;
     EXPECT_EQ(Key(key), S_OK);

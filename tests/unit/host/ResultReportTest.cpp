@@ -1,89 +1,265 @@
 #include "host/record/ResultReport.h"
 
+#include "host/record/CallScope.h"
 #include "host/record/Vocabulary.h"
 
 #include <gtest/gtest.h>
+#include <utility>
 
 namespace vant::host {
 
 namespace {
 
-Record Event(const char* operation, std::vector<Argument> arguments) {
-    Record record;
-    record.service = service::Runner;
-    record.operation = operation;
-    record.arguments = std::move(arguments);
-    return record;
-}
+class ResultReportTest : public ::testing::Test {
+protected:
+    void Event(const char* operation, std::vector<Argument> arguments = {}, const char* command = "",
+               std::optional<HRESULT> result = std::nullopt) {
+        Take(service::Runner, operation, std::move(arguments), command, result);
+    }
+    void Call(const char* service, const char* operation, std::vector<Argument> arguments, HRESULT result,
+              const char* command = "") {
+        Take(service, operation, std::move(arguments), command, result);
+    }
+    void Begin(const char* name) { Event(event::ProcedureStarted, {{argument::name, name}}); }
+    void End(const char* verdict) {
+        Event(event::ProcedureEnded, {{argument::verdict, verdict}, {argument::reason, "because"}});
+    }
+    void Enter(const char* step) { Event(event::StepEntered, {{argument::step, step}}); }
+    void Follow(const char* to) { Event(event::TransitionFollowed, {{argument::to, to}}); }
+    void EndCommand(const char* command, HRESULT result) {
+        Event(
+            event::CommandEnded,
+            {{argument::className, "Calculator"}, {argument::caller, nullptr}, {argument::phase, "execute"}},
+            command, result);
+    }
+    void Show(const char* text) {
+        Call(service::PresentationService, operation::ShowInstruction, {{argument::text, text}}, S_OK);
+    }
+    const Json& Result() { return report.Result(); }
+    const Json& Step(std::size_t index) { return report.Result()["steps"][index]; }
 
-Record Call(const char* operation, std::vector<Argument> arguments, HRESULT result) {
-    Record record = Event(operation, std::move(arguments));
-    record.service = "Service";
-    record.result = result;
-    return record;
-}
-
-TEST(ResultReport, CollectsTheRunnersRecords) {
     ResultReport report;
-    report(Event(event::ProcedureStarted, {{argument::name, "Check"}}));
-    report(Event(event::StepEntered, {{argument::step, "measure"}}));
-    Record ended = Event(
-        event::CommandEnded,
-        {{argument::className, "Calculator"}, {argument::caller, nullptr}, {argument::phase, "execute"}});
-    ended.command = "drop";
-    ended.result = E_FAIL;
-    report(ended);
-    report(Call(operation::ShowInstruction, {{argument::text, "Wait"}}, S_OK));
-    report(Call(operation::ShowInstruction, {{argument::text, "Go on"}}, S_OK));
+    std::string thread = mainThread;
+    std::int64_t time = 0;
+
+private:
+    void Take(const char* service, const char* operation, std::vector<Argument> arguments,
+              const char* command, std::optional<HRESULT> result) {
+        Record record{.time = time,
+                      .thread = thread,
+                      .command = command,
+                      .service = service,
+                      .operation = operation,
+                      .arguments = std::move(arguments),
+                      .result = result};
+        report(record);
+    }
+};
+
+TEST_F(ResultReportTest, Procedure_IsDescribedWithTagsVerdictAndDuration) {
+    Event(event::ProcedureStarted, {{argument::name, "Check"},
+                                    {argument::description, "A check."},
+                                    {argument::revision, "3"},
+                                    {argument::author, "Jane"}});
+    Event(event::TagGiven, {{argument::name, "serial"}, {argument::value, "4711"}});
+    Event(event::ParameterGiven,
+          {{argument::id, "100"}, {argument::name, "Speed"}, {argument::units, "1/min"}});
+    Event(event::DataLeft, {{argument::name, "drop"}, {argument::value, "3"}});
+    Event(event::ParameterLeft, {{argument::id, "100"},
+                                 {argument::name, "Speed"},
+                                 {argument::value, std::int64_t{35}},
+                                 {argument::was, std::int64_t{0}}});
+    time = 2500;
+    End("passed");
+    EXPECT_EQ(Result().dump(),
+              R"({"format":1,"procedure":{"name":"Check","description":"A check.","revision":"3",)"
+              R"("author":"Jane"},"tags":{"serial":"4711"},"verdict":"passed","reason":"because","start":0,)"
+              R"("duration":2500,"steps":[],"finally":null,"measurements":[],"data":{"drop":"3"},)"
+              R"("parameters":{"100":{"name":"Speed","units":"1/min"}},)"
+              R"("left":[{"id":"100","name":"Speed","value":35,"was":0}]})");
+}
+
+TEST_F(ResultReportTest, Step_HasCommandsInstructionsDisplayAndNext) {
+    Begin("Check");
+    Enter("measure");
+    EndCommand("drop", E_FAIL);
+    Show("Wait");
+    Show("Go on");
     const auto setNeedle = [&](const char* value, HRESULT result) {
-        report(Call(operation::SetComponentProperty,
-                    {{argument::componentId, "gauge"}, {argument::name, "needle"}, {argument::value, value}},
-                    result));
+        Call(service::ComponentService, operation::SetComponentProperty,
+             {{argument::componentId, "gauge"}, {argument::name, "needle"}, {argument::value, value}},
+             result);
     };
     setNeedle("1", S_OK);
     setNeedle("2", S_OK);
     setNeedle("refused", E_FAIL);
-    report(Event(event::TransitionFollowed, {{argument::from, "measure"}, {argument::to, "done"}}));
-    report(Event(event::StepEntered, {{argument::step, "done"}}));
-    report(Event(event::DataLeft, {{argument::name, "drop"}, {argument::value, "3"}}));
-    report(Event(event::ProcedureEnded, {{argument::verdict, "passed"}, {argument::reason, "step 'done'"}}));
-    EXPECT_EQ(report.Result().dump(),
-              R"({"procedure":"Check","verdict":"passed","reason":"step 'done'","steps":[{"step":"measure",)"
-              R"("commands":[{"command":"drop","class":"Calculator","caller":null,"phase":"execute",)"
-              R"("result":"0x80004005"}],"instructions":["Wait","Go on"],"display":{"gauge":{"needle":"2"}},)"
-              R"("next":"done"},{"step":"done","commands":[],"instructions":[],"display":{},"next":null}],)"
-              R"("data":{"drop":"3"}})");
+    time = 1250;
+    Follow("done");
+    EXPECT_EQ(
+        Step(0).dump(),
+        R"({"step":"measure","description":null,"start":0,"duration":1250,"commands":[{"command":"drop",)"
+        R"("class":"Calculator","caller":null,"phase":"execute","result":"0x80004005",)"
+        R"("meaning":"unspecified failure","start":0,"duration":0,"values":[],"failedCalls":[]}],"threads":[],)"
+        R"("unmet":[],"missing":[],"instructions":["Wait","Go on"],"display":{"gauge":{"needle":"2"}},)"
+        R"("waits":[],"retries":[],"timedOut":null,"procedure":null,"next":"done"})");
 }
 
-TEST(ResultReport, CallsOfCommands_AreNotTakenForEvents) {
-    ResultReport report;
+TEST_F(ResultReportTest, StepWithoutTransition_EndsWithTheProcedure) {
+    Begin("Check");
+    Enter("measure");
+    time = 700;
+    End("failed");
+    EXPECT_EQ(Step(0)["duration"], 700);
+    EXPECT_EQ(Step(0)["next"], nullptr);
+}
+
+TEST_F(ResultReportTest, Command_HasItsValuesAndFailedCalls) {
+    Begin("Check");
+    Enter("measure");
+    time = 100;
+    Event(event::CommandCreated, {}, "load", S_OK);
+    Call(service::Parameter, operation::get_Text, {{argument::id, "7"}, {argument::value, "1"}}, S_OK,
+         "load");
+    Call(service::Parameter, operation::get_Text, {{argument::id, "7"}, {argument::value, "2"}}, S_OK,
+         "load");
+    Call(service::DataStore, operation::SetValue, {{argument::name, "a"}, {argument::value, "2"}}, S_OK,
+         "load");
+    Call(service::DataStore, operation::GetValue, {{argument::name, "b"}, {argument::value, "9"}}, S_OK,
+         "load");
+    time = 150;
+    for (int i = 0; i < 3; ++i)
+        Call(service::ParameterService, operation::SetParameter, {{argument::id, "7"}}, E_ACCESSDENIED,
+             "load");
+    time = 400;
+    EndCommand("load", S_OK);
+    const Json& command = Step(0)["commands"][0];
+    EXPECT_EQ(command["start"], 100);
+    EXPECT_EQ(command["duration"], 300);
+    EXPECT_EQ(command["values"].dump(), R"([{"kind":"read","name":"7","value":"2"},)"
+                                        R"({"kind":"written","name":"a","value":"2"}])");
+    EXPECT_EQ(command["failedCalls"].dump(),
+              R"([{"service":"ParameterService","operation":"SetParameter","arguments":{"id":"7"},)"
+              R"("result":"0x80070005","meaning":"read-only","time":150,"times":3}])");
+}
+
+TEST_F(ResultReportTest, ThreadOfACommand_HasItsOwnValuesInTheStepInWhichItEnds) {
+    Begin("Check");
+    Enter("sample");
+    Event(event::CommandCreated, {}, "sample", S_OK);
+    EndCommand("sample", S_OK);
+    Enter("later");
+    thread = "Worker 1";
+    time = 1000;
+    Call(service::Parameter, operation::get_Value, {{argument::id, "7"}, {argument::value, 1.5}}, S_OK,
+         "sample");
+    time = 3000;
+    Event(event::ThreadEnded, {{argument::cookie, std::int64_t{1}}}, "sample", S_OK);
+    EXPECT_EQ(Step(1)["threads"].dump(),
+              R"([{"command":"sample","thread":"Worker 1","result":"0x00000000","meaning":"done",)"
+              R"("start":1000,"duration":2000,"values":[{"kind":"read","name":"7","value":1.5}],)"
+              R"("failedCalls":[]}])");
+}
+
+TEST_F(ResultReportTest, UnmetConditions_AreListedOnceWithTheLastValue) {
+    Begin("Check");
+    Event(event::ParameterGiven,
+          {{argument::id, "7"}, {argument::name, "Speed"}, {argument::units, "1/min"}});
+    Enter("measure");
+    for (const double value : {1200.0, 1391.0}) {
+        time += 250;
+        Call(service::ConditionSet, operation::Evaluate,
+             {{argument::name, "fast"},
+              {argument::failed, "parameter 7 atLeast 1500"},
+              {argument::parameter, "7"},
+              {argument::limits, "atLeast 1500"},
+              {argument::value, value},
+              {argument::allMet, false}},
+             S_OK);
+    }
+    EXPECT_EQ(Step(0)["unmet"].dump(),
+              R"([{"conditions":"fast","condition":"parameter 7 atLeast 1500","value":1391.0,)"
+              R"("description":"Speed 1391 1/min, required atLeast 1500","time":500}])");
+}
+
+TEST_F(ResultReportTest, WaitsRetriesAndTimeOut_AreThoseOfTheStep) {
+    Begin("Check");
+    Enter("measure");
+    Event(event::WaitStarted, {{argument::waitsFor, "a transition"}, {argument::limit, std::int64_t{60000}}});
+    Event(event::StepRetried, {{argument::step, "measure"},
+                               {argument::attempt, std::int64_t{2}},
+                               {argument::reason, "command 'x' failed"}});
+    Event(event::StepTimedOut, {{argument::step, "measure"}, {argument::reason, "it has waited"}});
+    Event(event::ResultMissing, {{argument::name, "dsResult"}, {argument::value, "drop"}}, "calculate");
+    EXPECT_EQ(Step(0)["waits"].dump(), R"([{"for":"a transition","limit":60000,"start":0}])");
+    EXPECT_EQ(Step(0)["retries"].dump(), R"([{"attempt":2,"reason":"command 'x' failed","time":0}])");
+    EXPECT_EQ(Step(0)["timedOut"], "it has waited");
+    EXPECT_EQ(Step(0)["missing"].dump(), R"([{"command":"calculate","property":"dsResult","data":"drop"}])");
+}
+
+TEST_F(ResultReportTest, CleanUp_HasItsOwnCommands) {
+    Begin("Check");
+    Enter("done");
+    time = 100;
+    Event(event::FinallyStarted);
+    EndCommand("reset", S_OK);
+    time = 150;
+    End("passed");
+    EXPECT_EQ(Step(0)["duration"], 100);
+    EXPECT_TRUE(Step(0)["commands"].empty());
+    EXPECT_EQ(Result()["finally"]["commands"][0]["command"], "reset");
+    EXPECT_EQ(Result()["finally"]["duration"], 50);
+}
+
+TEST_F(ResultReportTest, CalledProcedure_IsAResultWithinItsStep) {
+    Begin("Outer");
+    Enter("first");
+    Call(service::ThreadService, operation::RegisterCallback,
+         {{argument::threadName, "Worker"}, {argument::cookie, std::int64_t{1}}}, S_OK, "guard");
+    Begin("Inner");
+    Enter("first");
+    Show("inner");
+    thread = "Worker 1";
+    Show("outer");
+    thread = mainThread;
+    time = 40;
+    End("failed");
+    EndCommand("after", S_OK);
+    End("passed");
+    const Json& inner = Step(0)["procedure"];
+    EXPECT_EQ(inner["procedure"]["name"], "Inner");
+    EXPECT_EQ(inner["verdict"], "failed");
+    EXPECT_EQ(inner["duration"], 40);
+    EXPECT_EQ(inner["steps"][0]["instructions"].dump(), R"(["inner"])");
+    EXPECT_FALSE(inner.contains("format"));
+    EXPECT_EQ(Step(0)["instructions"].dump(), R"(["outer"])");
+    EXPECT_EQ(Step(0)["commands"][0]["command"], "after");
+    EXPECT_EQ(Result()["verdict"], "passed");
+}
+
+TEST_F(ResultReportTest, CallsOfCommands_AreNotTakenForEvents) {
     const Json before = report.Result();
-    Record call = Event(event::ProcedureEnded, {{argument::verdict, "passed"}});
-    call.service = service::DataStore;
-    report(call);
+    Call(service::DataStore, event::ProcedureEnded, {{argument::verdict, "passed"}}, S_OK);
     EXPECT_EQ(report.Result(), before);
 }
 
-TEST(ResultReport, EndlessRun_IsKeptUpToTheLimit) {
-    ResultReport report;
+TEST_F(ResultReportTest, EndlessRun_IsKeptUpToTheLimit) {
     for (std::size_t i = 0; i < ResultReport::mostEntries + 5; ++i) {
-        report(Event(event::StepEntered, {{argument::step, "again"}}));
-        report(Event(event::TransitionFollowed, {{argument::from, "again"}, {argument::to, "again"}}));
+        Enter("again");
+        Follow("again");
     }
-    report(Call(operation::ShowInstruction, {{argument::text, "late"}}, S_OK));
-    EXPECT_EQ(report.Result()["steps"].size(), ResultReport::mostEntries);
-    EXPECT_EQ(report.Result()["omitted"], 5);
-    EXPECT_EQ(report.Result()["steps"].back()["next"], "again");
-    EXPECT_TRUE(report.Result()["steps"].back()["instructions"].empty());
+    Show("late");
+    EXPECT_EQ(Result()["steps"].size(), ResultReport::mostEntries);
+    EXPECT_EQ(Result()["omitted"], 5);
+    EXPECT_EQ(Result()["steps"].back()["next"], "again");
+    EXPECT_TRUE(Result()["steps"].back()["instructions"].empty());
 }
 
-TEST(ResultReport, ManyInstructionsOfAStep_AreKeptUpToTheLimit) {
-    ResultReport report;
-    report(Event(event::StepEntered, {{argument::step, "long"}}));
+TEST_F(ResultReportTest, ManyInstructionsOfAStep_AreKeptUpToTheLimit) {
+    Enter("long");
     for (std::size_t i = 0; i < ResultReport::mostEntries; ++i)
-        report(Call(operation::ShowInstruction, {{argument::text, "again"}}, S_OK));
-    EXPECT_EQ(report.Result()["steps"][0]["instructions"].size(), ResultReport::mostEntries - 1);
-    EXPECT_EQ(report.Result()["omitted"], 1);
+        Show("again");
+    EXPECT_EQ(Step(0)["instructions"].size(), ResultReport::mostEntries - 1);
+    EXPECT_EQ(Result()["omitted"], 1);
 }
 
 } // namespace

@@ -1,0 +1,96 @@
+#include "vant/LiveStatus.h"
+
+#include "host/record/Vocabulary.h"
+
+#include <gtest/gtest.h>
+#include <utility>
+
+namespace vant::program {
+
+using namespace host;
+
+namespace {
+
+class LiveStatusTest : public ::testing::Test {
+protected:
+    void Event(const char* operation, std::vector<Argument> arguments = {}, const char* thread = "main") {
+        Take(service::Runner, operation, std::move(arguments), "", thread);
+    }
+    void Call(const char* service, const char* operation, std::vector<Argument> arguments,
+              const char* command) {
+        Take(service, operation, std::move(arguments), command, "main");
+    }
+    void EnterStep(const char* step) { Event(event::StepEntered, {{argument::step, step}}); }
+
+    LiveStatus status;
+    std::int64_t time = 0;
+
+private:
+    void Take(const char* service, const char* operation, std::vector<Argument> arguments,
+              const char* command, const char* thread) {
+        status.Take({.time = time,
+                     .thread = thread,
+                     .command = command,
+                     .service = service,
+                     .operation = operation,
+                     .arguments = std::move(arguments),
+                     .result = S_OK});
+    }
+};
+
+TEST_F(LiveStatusTest, OutsideSteps_IsEmpty) {
+    EXPECT_EQ(status.Text(0), "");
+    Event(event::ProcedureStarted, {{argument::name, "Test"}});
+    EXPECT_EQ(status.Text(0), "");
+    EnterStep("a");
+    EXPECT_EQ(status.Text(1999), "step a  0:01");
+    Event(event::ProcedureEnded);
+    EXPECT_EQ(status.Text(0), "");
+}
+
+TEST_F(LiveStatusTest, Wait_IsShownWithItsTimeLimitAndConditionUntilTheStepIsLeft) {
+    Event(event::ProcedureStarted);
+    EnterStep("a");
+    time = 5000;
+    Event(event::WaitStarted,
+          {{argument::waitsFor, "conditions 'hot'"}, {argument::limit, std::int64_t{60'000}}});
+    Call(service::ConditionSet, operation::Evaluate,
+         {{argument::name, "hot"},
+          {argument::failed, "data x above 5"},
+          {argument::data, "x"},
+          {argument::limits, "above 5"},
+          {argument::value, "4"},
+          {argument::allMet, false}},
+         "");
+    EXPECT_EQ(status.Text(35'000),
+              "step a  0:35  waits for conditions 'hot' (0:30 of at most 1:00): data x 4, required above 5");
+    EnterStep("b");
+    EXPECT_EQ(status.Text(35'000), "step b  0:35");
+}
+
+TEST_F(LiveStatusTest, CommandsThatRunOn_AreShownUntilTheirThreadsEnd) {
+    Event(event::ProcedureStarted);
+    EnterStep("a");
+    for (const std::int64_t cookie : {1, 2})
+        Call(service::ThreadService, operation::RegisterCallback,
+             {{argument::threadName, "Worker"}, {argument::cookie, cookie}}, cookie == 1 ? "guard" : "show");
+    EXPECT_EQ(status.Text(0), "step a  0:00  running: guard, show");
+    Event(event::ThreadEnded, {}, "Worker 1");
+    EXPECT_EQ(status.Text(0), "step a  0:00  running: show");
+}
+
+TEST_F(LiveStatusTest, CalledProcedure_IsShownBehindItsCaller) {
+    Event(event::ProcedureStarted);
+    EnterStep("a");
+    Event(event::ProcedureStarted);
+    EnterStep("b");
+    EXPECT_EQ(status.Text(0), "step a, step b  0:00");
+    Event(event::ProcedureEnded);
+    EXPECT_EQ(status.Text(0), "step a  0:00");
+    Event(event::FinallyStarted);
+    EXPECT_EQ(status.Text(0), "clean-up  0:00");
+}
+
+} // namespace
+
+} // namespace vant::program
