@@ -14,6 +14,11 @@ Value TextOrNull(const std::string& text) {
     return text.empty() ? Value(nullptr) : Value(text);
 }
 
+/// Whether a command that succeeds writes the entry, or, if it runs on, may write it.
+bool IsRequiredResult(const ClassProperty& property) {
+    return property.required && property.kind == PropertyKind::DataEntryWritten;
+}
+
 } // namespace
 
 HRESULT CommandExecution::Run(const std::string& id) {
@@ -63,7 +68,7 @@ HRESULT CommandExecution::CreateAndExecute(const Command& command, CComPtr<IVant
 
     for (const auto& [name, value] : command.properties) {
         const ClassProperty* const property = FindClassProperty(command.className.text, name.text);
-        if (property && property->kind == PropertyKind::DataEntryWritten)
+        if (property && IsRequiredResult(*property))
             m_expected(value.text);
     }
     phase = "execute";
@@ -78,8 +83,7 @@ void CommandExecution::CheckResults(const Command& command, const std::string& i
         return; // It writes while it runs on.
     for (const auto& [name, value] : command.properties) {
         const ClassProperty* const property = FindClassProperty(command.className.text, name.text);
-        if (!property || !property->required || property->kind != PropertyKind::DataEntryWritten ||
-            LastWrite(value.text) > before)
+        if (!property || !IsRequiredResult(*property) || LastWrite(value.text) > before)
             continue;
         m_journal.AddEvent(event::ResultMissing,
                            {{argument::name, name.text}, {argument::value, value.text}});
