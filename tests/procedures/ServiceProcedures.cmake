@@ -37,6 +37,11 @@ endif()
 # The fault is back before the procedure ends.
 vant_add_service_run(fault_return_check fault_return_check "" EXIT 1 OUTPUT)
 
+# The engine has a weak cylinder; the other one has none.
+vant_add_service_run(cylinder_balance cylinder_balance "" EXIT 1 OUTPUT ONLY "${told_or_refused}")
+vant_add_service_run(cylinder_balance_balanced cylinder_balance ${engines}/balanced EXIT 0 OUTPUT
+                     ONLY "${told_or_refused}")
+
 # On other engines, worn or broken ones. Each line ends the procedure another way, or for another reason.
 function(vant_add_variants procedure exit)
   cmake_parse_arguments(PARSE_ARGV 2 arg "" "ONLY" "ENGINES")
