@@ -109,7 +109,7 @@ struct Measurement {
 };
 
 /// The limits of a run without limits of its own.
-inline constexpr std::int64_t defaultMaxTime = 2 * 3'600'000;
+inline constexpr std::int64_t defaultMaxTime = 7'200'000; ///< Two hours.
 inline constexpr std::int64_t defaultMaxSteps = 10'000;
 inline constexpr std::int64_t defaultFinallyTime = 30'000;
 

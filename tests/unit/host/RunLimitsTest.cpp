@@ -9,6 +9,7 @@
 #include "tests/support/VirtualTime.h"
 #include "tests/unit/host/BuiltModule.h"
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 #include <string>
 #include <vector>
@@ -94,17 +95,16 @@ struct Outcome {
     }
     /// The steps that were entered, such as "s:0 good:5000".
     std::string Path() const {
-        std::string path;
+        std::vector<std::string> steps;
         for (const Record& record : Of(event::StepEntered))
-            path +=
-                (path.empty() ? "" : " ") + record.Text(argument::step) + ':' + std::to_string(record.time);
-        return path;
+            steps.push_back(fmt::format("{}:{}", record.Text(argument::step), record.time));
+        return fmt::format("{}", fmt::join(steps, " "));
     }
     std::string Executed() const {
-        std::string ids;
+        std::vector<std::string> ids;
         for (const Record& record : Of(event::CommandEnded))
-            ids += (ids.empty() ? "" : " ") + record.command;
-        return ids;
+            ids.push_back(record.command);
+        return fmt::format("{}", fmt::join(ids, " "));
     }
 };
 
@@ -316,7 +316,8 @@ TEST(RunVerdict, ExpectedFailure_LeavesThePass) {
 TEST(RunVerdict, CommandThatDoesNotWriteItsResult_MakesAPassAnError) {
     const Outcome outcome = RunSteps("[steps.s]\nrun = ['wrong']\nnext = 'good'\n");
     EXPECT_EQ(outcome.verdict, Verdict::Error);
-    EXPECT_EQ(outcome.reason, "not everything was done: 'wrong' has not written 'sum'; otherwise passed: step 'good'");
+    EXPECT_EQ(outcome.reason,
+              "not everything was done: 'wrong' has not written 'sum'; otherwise passed: step 'good'");
     const auto missing = outcome.Of(event::ResultMissing);
     ASSERT_EQ(missing.size(), 1U);
     EXPECT_EQ(missing.front().command, "wrong");
