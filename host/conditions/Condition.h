@@ -35,7 +35,8 @@ struct Condition {
 struct Conditions {
     Position position{}; ///< Of the set's name.
     bool any = false;    ///< Whether one condition that holds is enough.
-    bool failSafe = false; ///< Whether a condition that cannot be read is one that does not hold, and nothing else.
+    bool failSafe =
+        false; ///< Whether a condition that cannot be read is one that does not hold, and nothing else.
     std::vector<Condition> list{};
 };
 

@@ -129,7 +129,8 @@ struct Procedure {
     std::map<std::string, Position> dataPositions; ///< Of the names in `data`.
     std::map<std::string, Command> commands;
     std::map<std::string, Step> steps;
-    std::map<std::string, Located> on; ///< Transition id to step, for the steps that do not name the transition.
+    std::map<std::string, Located>
+        on; ///< Transition id to step, for the steps that do not name the transition.
     std::map<std::string, Measurement> measurements;
     Components components;
     std::map<std::string, Position> componentPositions; ///< Of the names in `components`.

@@ -23,9 +23,9 @@ public:
 
     Procedure Read(const toml::table& root, std::span<const toml::table> shared) {
         CheckKeys(root, "a procedure",
-                  {"name", "description", "revision", "author", "maxTime", "maxSteps", "start", "on", "finally",
-                   "finallyTime", "include", "data", "conditions", "components", "measurements", "engine",
-                   "commands", "steps"});
+                  {"name", "description", "revision", "author", "maxTime", "maxSteps", "start", "on",
+                   "finally", "finallyTime", "include", "data", "conditions", "components", "measurements",
+                   "engine", "commands", "steps"});
         if (HasOrMeans(root, "name") || HasOrMeans(root, "start") || HasOrMeans(root, "steps"))
             ReadHead(root);
         else
