@@ -50,6 +50,8 @@ public:
             CheckStepName(m_procedure.start);
         for (const Located& command : m_procedure.finally)
             CheckName("command", command, m_procedure.commands);
+        for (const auto& [transition, target] : m_procedure.on)
+            CheckStepName(target);
         for (const auto& [id, step] : m_procedure.steps)
             CheckStep(step);
     }
@@ -76,7 +78,8 @@ private:
         if (step.until)
             CheckName("condition set", *step.until, m_procedure.conditions);
         for (const Located& each : step.mayFail) {
-            if (!IsOperation(each.text))
+            const bool isCalled = step.procedure && step.procedure->file.text == each.text;
+            if (!isCalled && !IsOperation(each.text))
                 CheckName("operation or command", each, m_procedure.commands);
         }
     }
