@@ -145,8 +145,9 @@ bool IsEngine(const toml::table& root) {
            (has("connection") || has("protocol") || has("parameters") || has("units") || has("faults"));
 }
 
-/// Reads what the procedure in `root` needs, and checks everything.
-void LoadAll(const toml::table& root, LoadedFile& main, const std::string& engineFile,
+/// Reads what the procedure in `root` needs, and checks everything. `toRun` says whether it must be able to
+/// run as it stands.
+void LoadAll(const toml::table& root, LoadedFile& main, const std::string& engineFile, bool toRun,
              LoadedProcedure& loaded) {
     auto& [procedure, called, files] = loaded;
     ProcedureLoader loader(files);
@@ -164,7 +165,8 @@ void LoadAll(const toml::table& root, LoadedFile& main, const std::string& engin
         toCheck.push_back({each.procedure.get(), &each.file->found});
     const EngineAtHand engine = {.engine = procedure.engine ? &*procedure.engine : nullptr,
                                  .isAnother = !engineFile.empty(),
-                                 .isKnown = engineIsWhole && engineIsRead};
+                                 .isKnown = engineIsWhole && engineIsRead,
+                                 .isNeeded = toRun};
     CheckProcedures(toCheck, engine, engineFile.empty() && !procedure.engineFile);
 }
 
@@ -192,7 +194,7 @@ LoadedProcedure LoadProcedure(const std::string& file, const std::string& engine
     const std::string text = ReadNamed(file);
     LoadedFile& main = loaded.files.Add(file, "the procedure");
     if (const auto root = ParseToml(text, main.found))
-        LoadAll(*root, main, engineFile, loaded);
+        LoadAll(*root, main, engineFile, true, loaded);
     else if (!engineFile.empty())
         ReadEngineFile(engineFile, loaded.files);
     return loaded;
@@ -212,7 +214,7 @@ LoadedFiles CheckFile(const std::string& file, const std::string& engineFile) {
     if (root && IsEngine(*root))
         ReadEngine(*root, main.found);
     else if (root)
-        LoadAll(*root, main, engineFile, loaded);
+        LoadAll(*root, main, engineFile, false, loaded);
     return std::move(loaded.files);
 }
 
