@@ -99,6 +99,9 @@ TEST_F(LoadingTest, EmptyEntryForAnArgument_IsAWarningOnlyWithoutTheCaller) {
     EXPECT_EQ(CheckFile(caller, "").Print(), "");
     const LoadedFiles alone = CheckFile(called, Write("e.toml", "[parameters.100]\nvalue = 1\n"));
     EXPECT_FALSE(alone.HasErrors());
+    const std::string both[] = {called, caller};
+    for (const LoadedFiles& each : CheckFiles(both, ""))
+        EXPECT_EQ(each.Print(), "");
     const std::string advice =
         " is empty: write a value, or have every procedure that runs this one give it as an argument\n";
     EXPECT_EQ(alone.Print().find(called + ":4:1: warning: data entry 'id', which command 'write' reads," +
@@ -134,6 +137,18 @@ TEST_F(LoadingTest, CheckedFile_IsAProcedureOrAnEngine) {
     const std::string file = FileName(m_folder / "none.toml");
     EXPECT_EQ(CheckFile(file, "").Print().find(file + ":1:1: error: the file cannot be read: "), 0U);
     EXPECT_THROW(CheckFile(Write("p.toml", m_procedure), "no such file"), InputError);
+}
+
+TEST_F(LoadingTest, CheckedFilesThatRunEachOther_AreBothMistakes) {
+    const auto write = [this](const std::string& name, const std::string& called) {
+        return Write(name, "name = 'n'\nstart = 's'\n[steps.s]\nprocedure = '" + called +
+                               "'\nnext = 'e'\n[steps.e]\nend = 'passed'\n");
+    };
+    const std::string files[] = {write("a.toml", "b.toml"), write("b.toml", "a.toml")};
+    const std::vector<LoadedFiles> checked = CheckFiles(files, "");
+    ASSERT_EQ(checked.size(), 2U);
+    EXPECT_EQ(checked[0].Print(), files[1] + ":4:13: error: the procedure 'a.toml' would run itself\n");
+    EXPECT_EQ(checked[1].Print(), files[0] + ":4:13: error: the procedure 'b.toml' would run itself\n");
 }
 
 TEST_F(LoadingTest, FileThatCannotBeRead_Throws) {
