@@ -108,8 +108,8 @@ std::string Summary(std::size_t files, const Messages& messages) {
 ExitCode Check(const CheckOptions& options) {
     Messages messages;
     try {
-        for (const std::string& file : options.files)
-            messages.Add(CheckFile(file, options.engine));
+        for (const LoadedFiles& files : CheckFiles(options.files, options.engine))
+            messages.Add(files);
     } catch (const InputError& failure) {
         throw Failure(ExitCode::WrongInput, failure.what());
     }

@@ -22,18 +22,36 @@ Flow::Flow(const Procedure& procedure, std::span<const CommandUse> commands)
         m_steps.push_back(&step);
     }
     m_leads.resize(m_steps.size());
-    m_carries.resize(m_steps.size());
-    m_chosen.resize(m_steps.size());
     m_stillRunning.resize(m_steps.size());
     for (std::size_t step = 0; step < m_steps.size(); ++step)
         AddKeys(step);
-    FindStillRunning();
+    FindStillRunning(AddChoices());
+    AddChoicesOnThreads();
+}
+
+std::optional<std::size_t> Flow::TargetOf(std::size_t step, std::string_view transition) const {
+    if (m_steps[step]->always || m_steps[step]->end)
+        return std::nullopt;
+    const std::string id(transition);
+    for (const auto* const targets : {&m_steps[step]->on, &m_procedure.on}) {
+        if (const auto target = targets->find(id); target != targets->end())
+            return m_stepNumbers.at(target->second.text);
+    }
+    const auto named = m_stepNumbers.find(transition);
+    return named == m_stepNumbers.end() ? std::nullopt : std::optional(named->second);
 }
 
 std::vector<WorkingCommand> Flow::CommandsOf(std::size_t step) {
     std::vector<WorkingCommand> working;
     for (const Located& id : m_steps[step]->run)
         working.push_back({CommandNumber(id.text), false});
+    return Closure(std::move(working));
+}
+
+std::vector<WorkingCommand> Flow::AtWork(std::size_t step) {
+    std::vector<WorkingCommand> working = CommandsOf(step);
+    for (const std::size_t command : m_stillRunning[step])
+        working.push_back({command, true});
     return Closure(std::move(working));
 }
 
@@ -51,10 +69,17 @@ std::vector<std::string_view> Flow::Choices(std::span<const WorkingCommand> work
     return choices;
 }
 
+Graph Flow::Leads() const {
+    Graph graph(m_steps.size());
+    for (std::size_t step = 0; step < graph.size(); ++step) {
+        for (const Lead& lead : m_leads[step])
+            graph[step].push_back(lead.target);
+    }
+    return graph;
+}
+
 std::vector<bool> Flow::Reached() const {
-    Graph graph = m_leads;
-    for (std::size_t step = 0; step < graph.size(); ++step)
-        graph[step].insert(graph[step].end(), m_chosen[step].begin(), m_chosen[step].end());
+    const Graph graph = Leads();
     std::vector<bool> reached(graph.size());
     MarkReachable(graph, m_stepNumbers.at(m_procedure.start.text), reached);
     return reached;
@@ -62,43 +87,64 @@ std::vector<bool> Flow::Reached() const {
 
 void Flow::AddKeys(std::size_t step) {
     const Step& keys = *m_steps[step];
-    const auto add = [&](const std::optional<Located>& target, bool carries) {
-        if (!target)
-            return;
-        m_leads[step].push_back(m_stepNumbers.at(target->text));
-        if (carries)
-            m_carries[step].push_back(m_leads[step].back());
-    };
-    // A step that waits goes on by `next` when nothing runs any more.
-    add(keys.next, keys.wait == Wait::Not);
-    add(keys.failed, true);
-    add(keys.timedOut, true);
-    add(keys.always, true);
+    // A step that waits goes on by `next` when what it has started, or everything, has ended.
+    if (keys.next)
+        m_leads[step].push_back({.target = m_stepNumbers.at(keys.next->text),
+                                 .carriesOwn = keys.wait == Wait::Not,
+                                 .carriesEarlier = keys.wait != Wait::Transition});
+    for (const std::optional<Located>* const target : {&keys.failed, &keys.timedOut, &keys.always}) {
+        if (*target)
+            m_leads[step].push_back({.target = m_stepNumbers.at((*target)->text)});
+    }
+    // Whether a command of the step takes it is found later.
     for (const auto& [id, target] : keys.on)
-        add(target, true);
+        m_leads[step].push_back({.target = m_stepNumbers.at(target.text), .transition = id, .isOwn = false});
 }
 
-/// The step's own commands choose for the step; those on threads may choose in a later one.
-void Flow::FindStillRunning() {
-    std::map<std::size_t, std::vector<std::size_t>> starts; // by the command that is started
+/// The step's own commands choose for the step; those on threads may choose in a later one. Returns what runs
+/// on.
+Flow::Starts Flow::AddChoices() {
+    Starts starts;
     for (std::size_t step = 0; step < m_steps.size(); ++step) {
         for (const auto& [command, onThread] : CommandsOf(step)) {
             const bool runsOn = m_commands[command].traits->runsOn;
             if (runsOn)
                 starts[command].push_back(step);
             ForEachTransition(command, [&, onThread = onThread || runsOn](std::string_view transition) {
-                const auto target = m_stepNumbers.find(transition);
-                if (target == m_stepNumbers.end())
-                    return;
                 if (onThread)
-                    m_chosenAnywhere.push_back(target->second);
-                Graph& graph = onThread ? m_chosen : m_leads;
-                graph[step].push_back(target->second);
-                if (!onThread)
-                    m_carries[step].push_back(target->second);
+                    AddChosenAnywhere(transition);
+                else
+                    AddChoice(step, transition, true);
             });
         }
     }
+    return starts;
+}
+
+void Flow::AddChoice(std::size_t step, std::string_view transition, bool isOwn) {
+    const auto target = TargetOf(step, transition);
+    if (!target)
+        return;
+    std::vector<Lead>& leads = m_leads[step];
+    m_work -= static_cast<std::ptrdiff_t>(leads.size());
+    const auto lead = std::find_if(leads.begin(), leads.end(),
+                                   [&](const Lead& each) { return each.transition == transition; });
+    if (lead == leads.end())
+        leads.push_back({.target = *target, .transition = transition, .isOwn = isOwn});
+    else
+        lead->isOwn = lead->isOwn || isOwn;
+}
+
+/// In any step whose `on` does not name it.
+void Flow::AddChosenAnywhere(std::string_view transition) {
+    const auto common = m_procedure.on.find(std::string(transition));
+    const auto target = m_stepNumbers.find(
+        common == m_procedure.on.end() ? transition : std::string_view(common->second.text));
+    if (target != m_stepNumbers.end())
+        m_chosenAnywhere.push_back(target->second);
+}
+
+void Flow::FindStillRunning(const Starts& starts) {
     std::sort(m_chosenAnywhere.begin(), m_chosenAnywhere.end());
     m_chosenAnywhere.erase(std::unique(m_chosenAnywhere.begin(), m_chosenAnywhere.end()),
                            m_chosenAnywhere.end());
@@ -109,12 +155,15 @@ void Flow::FindStillRunning() {
 /// Finds the steps in which a command may still run that these steps start.
 void Flow::Follow(std::size_t command, const std::vector<std::size_t>& starts) {
     std::vector<std::size_t> toVisit = m_chosenAnywhere;
-    const auto addNext = [&](std::size_t step) {
-        m_work -= static_cast<std::ptrdiff_t>(m_carries[step].size()) + 1;
-        toVisit.insert(toVisit.end(), m_carries[step].begin(), m_carries[step].end());
+    const auto addNext = [&](std::size_t step, bool Lead::*carries) {
+        m_work -= static_cast<std::ptrdiff_t>(m_leads[step].size()) + 1;
+        for (const Lead& lead : m_leads[step]) {
+            if (lead.*carries)
+                toVisit.push_back(lead.target);
+        }
     };
     for (const std::size_t start : starts)
-        addNext(start);
+        addNext(start, &Lead::carriesOwn);
     while (!toVisit.empty() && m_work > 0) {
         const std::size_t step = toVisit.back();
         toVisit.pop_back();
@@ -122,7 +171,17 @@ void Flow::Follow(std::size_t command, const std::vector<std::size_t>& starts) {
         if (!m_stillRunning[step].empty() && m_stillRunning[step].back() == command)
             continue;
         m_stillRunning[step].push_back(command);
-        addNext(step);
+        addNext(step, &Lead::carriesEarlier);
+    }
+}
+
+void Flow::AddChoicesOnThreads() {
+    for (std::size_t step = 0; step < m_steps.size() && m_work > 0; ++step) {
+        for (const auto& [command, onThread] : AtWork(step)) {
+            if (onThread || m_commands[command].traits->runsOn)
+                ForEachTransition(command,
+                                  [&](std::string_view transition) { AddChoice(step, transition, false); });
+        }
     }
 }
 

@@ -5,6 +5,8 @@
 #include "host/procedure/Procedure.h"
 
 #include <cstddef>
+#include <map>
+#include <optional>
 #include <span>
 #include <string_view>
 #include <unordered_map>
@@ -16,6 +18,15 @@ namespace vant::host {
 struct WorkingCommand {
     std::size_t command;
     bool onThread; ///< A command that runs on has run it, maybe after the step's commands.
+};
+
+/// A way from a step to another one, or back to it.
+struct Lead {
+    std::size_t target;
+    std::string_view transition{}; ///< Empty: by a key other than `on`.
+    bool isOwn = true;             ///< Taken by a key or a command of the step, not by one that runs on.
+    bool carriesOwn = true;        ///< Beyond it, what the step has started may still run.
+    bool carriesEarlier = true;    ///< Beyond it, what earlier steps have started may still run.
 };
 
 /// How a procedure runs: its steps and commands by their places in its maps, and what follows from what.
@@ -33,6 +44,9 @@ public:
     const Step& StepAt(std::size_t step) const noexcept { return *m_steps[step]; }
     const CommandUse& CommandAt(std::size_t command) const noexcept { return m_commands[command]; }
     bool IsStep(std::string_view id) const { return m_stepNumbers.contains(id); }
+    /// Where a transition leads that is chosen in a step: by its `on`, by that of the procedure, or as the
+    /// name of a step. Nothing: it is refused there. A step with `always` or `end` leads nowhere by a choice.
+    std::optional<std::size_t> TargetOf(std::size_t step, std::string_view transition) const;
     std::size_t CommandNumber(std::string_view id) const { return m_commandNumbers.at(id); }
 
     /// The commands that a step runs, and those that they run; each once.
@@ -45,16 +59,25 @@ public:
     std::vector<std::string_view> Choices(std::span<const WorkingCommand> working,
                                           std::span<const std::size_t> stillRunning);
 
-    /// Where a step leads by its keys or by the choice of a command that it runs itself.
-    const Graph& Leads() const noexcept { return m_leads; }
+    /// The commands that may be at work in a step, those of earlier steps among them; each once.
+    std::vector<WorkingCommand> AtWork(std::size_t step);
+
+    /// Where a step leads by its keys and by the choices of the commands that may be at work in it.
+    const std::vector<Lead>& LeadsOf(std::size_t step) const noexcept { return m_leads[step]; }
+    Graph Leads() const;
     /// Which steps can be reached at all.
     std::vector<bool> Reached() const;
 
 private:
+    using Starts = std::map<std::size_t, std::vector<std::size_t>>; ///< Steps by the command they start.
+
     void AddKeys(std::size_t step);
-    void AddChoices(std::size_t step);
-    void FindStillRunning();
+    Starts AddChoices();
+    void AddChoice(std::size_t step, std::string_view transition, bool isOwn);
+    void AddChosenAnywhere(std::string_view transition);
+    void FindStillRunning(const Starts& starts);
     void Follow(std::size_t command, const std::vector<std::size_t>& starts);
+    void AddChoicesOnThreads();
     std::vector<WorkingCommand> Closure(std::vector<WorkingCommand> working);
     template <class Visit>
     void ForEachTransition(std::size_t command, Visit visit) const;
@@ -66,10 +89,8 @@ private:
     std::unordered_map<std::string_view, std::size_t> m_stepNumbers;
     std::unordered_map<std::string_view, std::size_t> m_commandNumbers;
     Graph m_runs; ///< From command to command.
-    Graph m_leads;
-    Graph m_carries; ///< Of `m_leads` those edges beyond which commands may still run.
-    Graph m_chosen;  ///< From a step to those that commands on threads may choose.
-    std::vector<std::size_t> m_chosenAnywhere;
+    std::vector<std::vector<Lead>> m_leads;
+    std::vector<std::size_t> m_chosenAnywhere; ///< The steps that commands on threads may choose in any step.
     std::vector<std::vector<std::size_t>> m_stillRunning;
     std::vector<std::size_t> m_seen; ///< The last closure in which a command was seen.
     std::size_t m_closures = 0;

@@ -1,6 +1,7 @@
 #include "host/procedure/FlowCheck.h"
 
 #include "host/procedure/Flow.h"
+#include "host/procedure/GuardCheck.h"
 #include "host/text/Printable.h"
 
 #include <algorithm>
@@ -42,9 +43,11 @@ public:
             CheckStep(step);
         if (!m_flow.IsWhole())
             return;
+        CheckCommonKeys();
         const std::vector<bool> reached = m_flow.Reached();
         CheckReached(reached);
         CheckCircles(reached);
+        CheckGuards(m_flow, reached, m_takesTime, m_found);
     }
 
 private:
@@ -73,40 +76,43 @@ private:
 
     // Transitions.
 
-    bool Takes(const Step& step, const std::string& transition) const {
-        return step.on.contains(transition) || m_flow.IsStep(transition);
+    bool Takes(std::size_t number, std::string_view transition) const {
+        return m_flow.StepAt(number).always || m_flow.TargetOf(number, transition);
     }
 
     void NoteTransitions(std::size_t number, const Working& working) {
-        const Step& step = m_flow.StepAt(number);
         for (const auto& [command, onThread] : working) {
             for (const NameUse& use : m_flow.CommandAt(command).names) {
                 if (use.kind != PropertyKind::Transition || use.name.empty())
                     continue;
                 TransitionUse& noted = m_transitions[&use];
                 noted.onThread = noted.onThread || onThread || m_flow.CommandAt(command).traits->runsOn;
-                if (Takes(step, use.name))
+                m_choices.insert(use.name);
+                if (Takes(number, use.name))
                     noted.isTaken = true;
                 else if (!noted.lacking)
                     noted.lacking = number;
             }
         }
-        for (const auto& [transition, target] : step.on)
+        for (const auto& [transition, target] : m_flow.StepAt(number).on)
             m_keys.insert(transition);
     }
 
     void CheckTransitions() {
+        for (const auto& [transition, target] : m_procedure.on)
+            m_keys.insert(transition);
         for (const CommandUse& command : m_commands) {
             for (const NameUse& use : command.names) {
                 if (use.kind == PropertyKind::Transition && !use.name.empty())
                     CheckTransition(command, use);
             }
         }
-        for (const auto& [id, step] : m_procedure.steps) {
+        for (std::size_t number = 0; number < m_flow.StepCount(); ++number) {
+            const Step& step = m_flow.StepAt(number);
             for (const Located& transition : step.retry.on) {
-                if (!Takes(step, transition.text))
+                if (!m_flow.TargetOf(number, transition.text))
                     m_found.Error(transition.position,
-                                  fmt::format("step {} has no transition {}{}", Quoted(id),
+                                  fmt::format("step {} has no transition {}{}", Name(number),
                                               Quoted(transition.text),
                                               m_found.Suggest(transition.text, step.on)));
             }
@@ -129,6 +135,15 @@ private:
         m_found.Error(use.property->value.position,
                       fmt::format("no step that runs command {} has the transition {}{}", Quoted(command.id),
                                   Quoted(use.name), suggestion));
+    }
+
+    /// Keys of the procedure's `on`.
+    void CheckCommonKeys() {
+        for (const auto& [transition, target] : m_procedure.on) {
+            if (!m_choices.contains(transition))
+                m_found.Warning(target.position,
+                                "no command that a step runs chooses the transition " + Quoted(transition));
+        }
     }
 
     bool AnythingChooses(std::size_t number, const Working& working) {
@@ -282,12 +297,13 @@ private:
                             "only if something fails");
     }
 
+    /// A command that runs on ends with its choice, so it closes no circle.
     void CheckCircles(const std::vector<bool>& reached) {
         Graph quick(m_flow.StepCount());
         for (std::size_t step = 0; step < quick.size(); ++step) {
-            for (const std::size_t next : m_flow.Leads()[step]) {
-                if (reached[step] && !m_takesTime[step] && !m_takesTime[next])
-                    quick[step].push_back(next);
+            for (const Lead& lead : m_flow.LeadsOf(step)) {
+                if (lead.isOwn && reached[step] && !m_takesTime[step] && !m_takesTime[lead.target])
+                    quick[step].push_back(lead.target);
             }
         }
         const std::vector<std::size_t> components = StrongComponents(quick);
@@ -312,7 +328,8 @@ private:
     Flow m_flow;
     Diagnostics& m_found;
     std::map<const NameUse*, TransitionUse> m_transitions;
-    std::set<std::string> m_keys; ///< The transitions of all steps.
+    std::set<std::string> m_keys;         ///< The transitions of all steps and of the procedure.
+    std::set<std::string_view> m_choices; ///< What the commands that steps run may choose.
     std::vector<bool> m_takesTime;
 };
 

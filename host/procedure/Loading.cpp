@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <map>
 #include <memory>
+#include <set>
 #include <system_error>
 #include <utility>
 #include <vector>
@@ -77,6 +78,13 @@ std::vector<toml::table> ReadIncluded(const toml::table& root, LoadedFile& file,
     return tables;
 }
 
+/// The same for every name of a file.
+std::filesystem::path Identity(const std::filesystem::path& path) {
+    std::error_code unknown;
+    std::filesystem::path identity = std::filesystem::weakly_canonical(path, unknown);
+    return unknown ? path : identity;
+}
+
 /// Reads a procedure and those that it runs, each file once.
 class ProcedureLoader {
 public:
@@ -96,12 +104,6 @@ public:
     }
 
 private:
-    static std::filesystem::path Identity(const std::filesystem::path& path) {
-        std::error_code unknown;
-        std::filesystem::path identity = std::filesystem::weakly_canonical(path, unknown);
-        return unknown ? path : identity;
-    }
-
     std::shared_ptr<const Procedure> LoadCalled(const Located& name, LoadedFile& caller) {
         const std::filesystem::path path = Beside(caller, name.text);
         const std::filesystem::path identity = Identity(path);
@@ -145,8 +147,9 @@ bool IsEngine(const toml::table& root) {
            (has("connection") || has("protocol") || has("parameters") || has("units") || has("faults"));
 }
 
-/// Reads what the procedure in `root` needs, and checks everything.
-void LoadAll(const toml::table& root, LoadedFile& main, const std::string& engineFile,
+/// Reads what the procedure in `root` needs, and checks everything. `toRun` says whether it must be able to
+/// run as it stands.
+void LoadAll(const toml::table& root, LoadedFile& main, const std::string& engineFile, bool toRun,
              LoadedProcedure& loaded) {
     auto& [procedure, called, files] = loaded;
     ProcedureLoader loader(files);
@@ -164,8 +167,28 @@ void LoadAll(const toml::table& root, LoadedFile& main, const std::string& engin
         toCheck.push_back({each.procedure.get(), &each.file->found});
     const EngineAtHand engine = {.engine = procedure.engine ? &*procedure.engine : nullptr,
                                  .isAnother = !engineFile.empty(),
-                                 .isKnown = engineIsWhole && engineIsRead};
+                                 .isKnown = engineIsWhole && engineIsRead,
+                                 .isNeeded = toRun};
     CheckProcedures(toCheck, engine, engineFile.empty() && !procedure.engineFile);
+}
+
+/// A procedure or an engine, for the sake of the messages.
+LoadedProcedure ReadToCheck(const std::string& file, const std::string& engineFile) {
+    LoadedProcedure loaded;
+    LoadedFile& main = loaded.files.Add(file, "the file");
+    std::string text;
+    try {
+        text = ReadInput(file);
+    } catch (const InputError& failure) {
+        main.found.Error({}, std::string("the file cannot be read: ") + failure.what());
+        return loaded;
+    }
+    const auto root = ParseToml(text, main.found);
+    if (root && IsEngine(*root))
+        ReadEngine(*root, main.found);
+    else if (root)
+        LoadAll(*root, main, engineFile, false, loaded);
+    return loaded;
 }
 
 } // namespace
@@ -192,28 +215,33 @@ LoadedProcedure LoadProcedure(const std::string& file, const std::string& engine
     const std::string text = ReadNamed(file);
     LoadedFile& main = loaded.files.Add(file, "the procedure");
     if (const auto root = ParseToml(text, main.found))
-        LoadAll(*root, main, engineFile, loaded);
+        LoadAll(*root, main, engineFile, true, loaded);
     else if (!engineFile.empty())
         ReadEngineFile(engineFile, loaded.files);
     return loaded;
 }
 
 LoadedFiles CheckFile(const std::string& file, const std::string& engineFile) {
-    LoadedProcedure loaded;
-    LoadedFile& main = loaded.files.Add(file, "the file");
-    std::string text;
-    try {
-        text = ReadInput(file);
-    } catch (const InputError& failure) {
-        main.found.Error({}, std::string("the file cannot be read: ") + failure.what());
-        return std::move(loaded.files);
+    return std::move(ReadToCheck(file, engineFile).files);
+}
+
+std::vector<LoadedFiles> CheckFiles(std::span<const std::string> files, const std::string& engineFile) {
+    std::vector<LoadedProcedure> all;
+    std::set<std::filesystem::path> called;
+    for (const std::string& file : files) {
+        for (const CalledProcedure& each : all.emplace_back(ReadToCheck(file, engineFile)).called)
+            called.insert(Identity(PathFromUtf8(each.file->name)));
     }
-    const auto root = ParseToml(text, main.found);
-    if (root && IsEngine(*root))
-        ReadEngine(*root, main.found);
-    else if (root)
-        LoadAll(*root, main, engineFile, loaded);
-    return std::move(loaded.files);
+    std::vector<LoadedFiles> checked;
+    for (LoadedProcedure& each : all) {
+        const std::string& name = each.files.Main().name;
+        const bool hasEngine = engineFile.empty() && (each.procedure.engine || each.procedure.engineFile);
+        if (!hasEngine && !each.files.HasErrors() && called.contains(Identity(PathFromUtf8(name))))
+            checked.emplace_back().Add(name, "the file");
+        else
+            checked.push_back(std::move(each.files));
+    }
+    return checked;
 }
 
 LoadedEngine LoadEngine(const std::string& file) {

@@ -7,6 +7,7 @@
 #include <list>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -64,6 +65,11 @@ LoadedProcedure LoadProcedure(const std::string& file, const std::string& engine
 /// Reads a procedure as LoadProcedure does, or an engine, for the sake of the messages. That `file` cannot be
 /// read is one of them; throws InputError if `engineFile` cannot be read.
 LoadedFiles CheckFile(const std::string& file, const std::string& engineFile);
+
+/// Checks each file as CheckFile does; the results are in the order of the files. Nothing is said about a
+/// procedure by itself that another of them runs, on whose engine it works, unless it has mistakes of its
+/// own.
+std::vector<LoadedFiles> CheckFiles(std::span<const std::string> files, const std::string& engineFile);
 
 struct LoadedEngine {
     std::optional<EngineDescription>

@@ -50,6 +50,8 @@ public:
             CheckStepName(m_procedure.start);
         for (const Located& command : m_procedure.finally)
             CheckName("command", command, m_procedure.commands);
+        for (const auto& [transition, target] : m_procedure.on)
+            CheckStepName(target);
         for (const auto& [id, step] : m_procedure.steps)
             CheckStep(step);
     }

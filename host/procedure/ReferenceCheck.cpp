@@ -22,6 +22,8 @@ public:
     void CheckCommand(const CommandUse& command) {
         for (const NameUse& use : command.names)
             CheckUse(command, use);
+        if (!command.traits->parameters.front().empty())
+            NeedEngine(command, command.command->className.position);
         if (MayLackEngine(command))
             return;
         std::string missing;
@@ -74,10 +76,12 @@ private:
             CheckConditionSet(use.name, position);
             break;
         case PropertyKind::Parameter:
+            NeedEngine(command, position);
             if (!MayLackEngine(command))
                 CheckEngineHas("parameter", m_engine.engine->parameters, use.name, position);
             break;
         case PropertyKind::FaultArray:
+            NeedEngine(command, position);
             if (!MayLackEngine(command))
                 CheckEngineHas("fault array", m_engine.engine->faultArrays, use.name, position);
             break;
@@ -111,6 +115,30 @@ private:
         return !m_engine.engine || !m_engine.isKnown || m_mayFail.contains(command.id);
     }
 
+    /// Says once that what is asked of the engine cannot be checked.
+    void NeedEngine(const Position& position) {
+        if (m_engine.engine || !m_engine.isKnown || m_saidThatEngineLacks)
+            return;
+        m_saidThatEngineLacks = true;
+        m_found.Warning(position, "the procedure has no engine, so parameters are not checked: name one in "
+                                  "'engine' or with --engine");
+    }
+
+    void NeedEngineForCondition(const Position& position) {
+        if (!m_engine.isNeeded) {
+            NeedEngine(position);
+            return;
+        }
+        m_saidThatEngineLacks = true;
+        m_found.Error(position, "a condition on a parameter needs an engine: name one in 'engine' or with "
+                                "--engine");
+    }
+
+    void NeedEngine(const CommandUse& command, const Position& position) {
+        if (!m_mayFail.contains(command.id))
+            NeedEngine(position);
+    }
+
     void CheckCommandId(const NameUse& use) {
         const auto command = m_procedure.commands.find(use.name);
         if (command == m_procedure.commands.end())
@@ -131,6 +159,8 @@ private:
 
     void CheckEntryRead(const CommandUse& command, const NameUse& use) {
         const Position& position = use.property->value.position;
+        if (use.known->holds == PropertyKind::Parameter)
+            NeedEngine(command, position);
         if (m_procedure.conditions.contains(use.name))
             m_found.Error(position, Quoted(use.name) + " is a condition set, which has no value to read");
         else if (use.known->holds == PropertyKind::Parameter && m_data.IsConstant(use.name))
@@ -144,7 +174,8 @@ private:
         const auto value = m_procedure.data.find(entry);
         const auto* const id =
             value == m_procedure.data.end() ? nullptr : std::get_if<std::string>(&value->second);
-        if (id && !MayLackEngine(command))
+        // An empty id is a value to be given, of which the check of values speaks.
+        if (id && !id->empty() && !MayLackEngine(command))
             CheckEngineHas("parameter", m_engine.engine->parameters, *id,
                            m_procedure.dataPositions.at(entry));
     }
@@ -220,7 +251,7 @@ private:
         if (!m_engine.isKnown || condition.subject.empty())
             return;
         if (!m_engine.engine)
-            m_found.Error(condition.position, "a condition on a parameter needs an engine");
+            NeedEngineForCondition(condition.position);
         else if (const auto& known = m_engine.engine->parameters; !known.contains(condition.subject))
             m_found.Error(condition.position, LackOf("parameter", known, condition.subject));
     }
@@ -298,10 +329,11 @@ private:
                                               place, Quoted(name), SuggestEntry(name)));
             }
         }
-        if (!m_engine.engine || !m_engine.isKnown || !(withEntries || m_data.expanded.contains(entry)))
+        if (!withEntries && !m_data.expanded.contains(entry))
             return;
         for (const std::string& id : ReferencesIn(text, parameterReference).names) {
-            if (!m_engine.engine->parameters.contains(id))
+            NeedEngine(position);
+            if (m_engine.engine && m_engine.isKnown && !m_engine.engine->parameters.contains(id))
                 ReportLack(position,
                            fmt::format("{} refers to parameter {}, which the engine does not have{}", place,
                                        Quoted(id), m_found.Suggest(id, m_engine.engine->parameters)));
@@ -316,6 +348,7 @@ private:
     Diagnostics& m_found;
     const std::set<std::string_view> m_mayFail;
     const Property* m_reportedEmpty = nullptr;
+    bool m_saidThatEngineLacks = false;
     DataUse::Names m_entries{}; ///< All that exist, once they have been needed.
 };
 
@@ -325,9 +358,10 @@ void CheckReferences(const Procedure& procedure, std::span<const CommandUse> com
                      const CalledData& called, const EngineAtHand& engine, const WholeParts& whole,
                      Diagnostics& found) {
     ReferenceCheck check(procedure, data, called, engine, whole, found);
+    // That a condition needs an engine says enough about the commands that need one, too.
+    check.CheckRest();
     for (const CommandUse& command : commands)
         check.CheckCommand(command);
-    check.CheckRest();
 }
 
 } // namespace vant::host

@@ -18,6 +18,8 @@ struct EngineAtHand {
     bool isAnother = false;
     /// Otherwise it has mistakes or could not be read, and nothing is checked against it.
     bool isKnown = true;
+    /// Whether it is an error that a condition on a parameter has none.
+    bool isNeeded = true;
 };
 
 /// What becomes of the entries of the procedures that a procedure runs, as far as these have no mistakes.

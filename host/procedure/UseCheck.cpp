@@ -174,7 +174,7 @@ private:
         const auto value = m_procedure.data.find(entry);
         const auto* const id =
             value == m_procedure.data.end() ? nullptr : std::get_if<std::string>(&value->second);
-        if (id && m_data.IsConstant(entry))
+        if (id && !id->empty() && m_data.IsConstant(entry))
             m_parameters.insert(*id);
         else
             m_parametersAreUnknown = true;

@@ -146,6 +146,12 @@ private:
             m_procedure.dataPositions.at(name)};
         const auto* const text = std::get_if<std::string>(&value->second);
         const bool isExpanded = held == PropertyKind::ExpandedText;
+        if (text && text->empty() && CannotBeEmpty(held, known.name)) {
+            m_found.Warning(place.position, place.name +
+                                                " is empty: write a value, or have every procedure that "
+                                                "runs this one give it as an argument");
+            return;
+        }
         if (held == PropertyKind::ExpandedTextWithEntries) {
             if (text)
                 CheckReferences(place, *text, true);
@@ -156,6 +162,11 @@ private:
         } else {
             CheckValue(place, value->second, held, known.name);
         }
+    }
+
+    static bool CannotBeEmpty(PropertyKind held, std::string_view property) {
+        return held == PropertyKind::Parameter || held == PropertyKind::Number ||
+               WholeNumbersOf(held, property).has_value();
     }
 
     void CheckReferences(const Place& place, const std::string& text, bool withEntries) {

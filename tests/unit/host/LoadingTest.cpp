@@ -81,12 +81,74 @@ TEST_F(LoadingTest, CalledProcedure_IsCheckedWithItsArgumentsAndTheOuterEngine) 
                   ":10:64: error: the engine has no parameter '101' (did you mean '100'?)\n");
 }
 
+TEST_F(LoadingTest, EmptyEntryForAnArgument_IsAWarningOnlyWithoutTheCaller) {
+    const std::string called =
+        Write("called.toml", "name = 'c'\nstart = 's'\n[data]\nid = ''\nlength = ''\n"
+                             "[commands.write]\nclass = 'ParameterWriter'\n"
+                             "properties = { dsParameterID = 'id', value = '1' }\n"
+                             "[commands.count]\nclass = 'Timer'\n"
+                             "properties = { dsLength = 'length', dsBase = 'left' }\n"
+                             "[steps.s]\nrun = ['write', 'count']\nwait = 'end'\nnext = 'e'\n"
+                             "[steps.e]\nend = 'passed'\n");
+    const std::string caller =
+        Write("p.toml", "name = 'n'\nstart = 's'\nfinally = ['back']\n[engine.parameters.100]\nvalue = 1\n"
+                        "[commands.back]\nclass = 'ParameterWriter'\n"
+                        "properties = { parameterID = '100', value = '0' }\n"
+                        "[steps.s]\nprocedure = 'called.toml'\narguments = { id = '100', length = '5' }\n"
+                        "next = 'e'\n[steps.e]\nend = 'passed'\n");
+    EXPECT_EQ(CheckFile(caller, "").Print(), "");
+    const LoadedFiles alone = CheckFile(called, Write("e.toml", "[parameters.100]\nvalue = 1\n"));
+    EXPECT_FALSE(alone.HasErrors());
+    const std::string both[] = {called, caller};
+    for (const LoadedFiles& each : CheckFiles(both, ""))
+        EXPECT_EQ(each.Print(), "");
+    const std::string advice =
+        " is empty: write a value, or have every procedure that runs this one give it as an argument\n";
+    EXPECT_EQ(alone.Print().find(called + ":4:1: warning: data entry 'id', which command 'write' reads," +
+                                 advice + called +
+                                 ":5:1: warning: data entry 'length', which command 'count' reads," + advice),
+              0U)
+        << alone.Print();
+}
+
+TEST_F(LoadingTest, ProcedureWithoutAnEngine_IsCheckedWithoutItsParameters) {
+    const std::string file =
+        Write("p.toml", "name = 'n'\nstart = 's'\n[data]\ntext = '$p(7)'\n"
+                        "[conditions.c]\nall = [{ parameter = '7', is = 1 }]\n"
+                        "[commands.show]\nclass = 'DiagnosticTestInstruction'\n"
+                        "properties = { dsValue = 'text' }\n"
+                        "[commands.load]\nclass = 'ParameterLoader'\n"
+                        "properties = { parameterID = '7', dsLocation = 'text' }\n"
+                        "[steps.s]\nrun = ['show', 'load']\nuntil = 'c'\ntimeout = '1s'\nnext = 'e'\n"
+                        "[steps.e]\nend = 'passed'\n");
+    EXPECT_EQ(CheckFile(file, "").Print(),
+              file + ":6:22: warning: the procedure has no engine, so parameters are "
+                     "not checked: name one in 'engine' or with --engine\n");
+    const LoadedProcedure toRun = LoadProcedure(file, "");
+    EXPECT_TRUE(toRun.files.HasErrors());
+    EXPECT_EQ(toRun.files.Print(),
+              file + ":6:22: error: a condition on a parameter needs an engine: name one in "
+                     "'engine' or with --engine\n");
+}
+
 TEST_F(LoadingTest, CheckedFile_IsAProcedureOrAnEngine) {
     EXPECT_EQ(CheckFile(Write("p.toml", m_procedure), "").Print(), "");
     EXPECT_EQ(CheckFile(Write("e.toml", "[parameters.100]\nvalue = 1\n"), "").Print(), "");
     const std::string file = FileName(m_folder / "none.toml");
     EXPECT_EQ(CheckFile(file, "").Print().find(file + ":1:1: error: the file cannot be read: "), 0U);
     EXPECT_THROW(CheckFile(Write("p.toml", m_procedure), "no such file"), InputError);
+}
+
+TEST_F(LoadingTest, CheckedFilesThatRunEachOther_AreBothMistakes) {
+    const auto write = [this](const std::string& name, const std::string& called) {
+        return Write(name, "name = 'n'\nstart = 's'\n[steps.s]\nprocedure = '" + called +
+                               "'\nnext = 'e'\n[steps.e]\nend = 'passed'\n");
+    };
+    const std::string files[] = {write("a.toml", "b.toml"), write("b.toml", "a.toml")};
+    const std::vector<LoadedFiles> checked = CheckFiles(files, "");
+    ASSERT_EQ(checked.size(), 2U);
+    EXPECT_EQ(checked[0].Print(), files[1] + ":4:13: error: the procedure 'a.toml' would run itself\n");
+    EXPECT_EQ(checked[1].Print(), files[0] + ":4:13: error: the procedure 'b.toml' would run itself\n");
 }
 
 TEST_F(LoadingTest, FileThatCannotBeRead_Throws) {
