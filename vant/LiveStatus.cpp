@@ -1,10 +1,13 @@
 #include "vant/LiveStatus.h"
 
+#include "framework/interfaces/ClassProperties.h"
 #include "host/record/Vocabulary.h"
 #include "host/text/Duration.h"
 #include "host/text/Printable.h"
 
+#include <charconv>
 #include <fmt/format.h>
+#include <system_error>
 
 namespace vant::program {
 
@@ -26,7 +29,29 @@ void LiveStatus::Take(const Record& record) {
         m_unmet = m_text.DescribeUnmet(record);
     else if (const Value* const cookie = record.Find(argument::cookie);
              cookie && record.operation == operation::RegisterCallback)
-        m_running[record.Text(argument::threadName) + ' ' + Readable(*cookie)] = Printable(record.command);
+        m_running[record.Text(argument::threadName) + ' ' + Readable(*cookie)] = {
+            Printable(record.command), record.time, 0, m_extents[record.command]};
+    else if (record.operation == operation::get_Value && SUCCEEDED(record.result.value_or(E_FAIL)))
+        CountReading(record.thread);
+}
+
+void LiveStatus::CountReading(const std::string& thread) {
+    if (const auto running = m_running.find(thread); running != m_running.end())
+        ++running->second.readings;
+}
+
+void LiveStatus::TakeProperty(const Record& record) {
+    Extent& extent = m_extents[record.command];
+    const ClassProperty* const property = FindClassProperty(extent.className, record.Text(argument::name));
+    const std::string value = record.Text(argument::value);
+    std::int64_t number = 0;
+    if (!property || std::from_chars(value.data(), value.data() + value.size(), number).ec != std::errc())
+        return;
+    constexpr std::int64_t longestSeconds = 1'000'000'000;
+    if (property->kind == PropertyKind::Count)
+        extent.readings = number;
+    else if (property->kind == PropertyKind::Seconds && number <= longestSeconds)
+        extent.duration = number * 1000;
 }
 
 void LiveStatus::TakeEvent(const Record& record) {
@@ -38,6 +63,10 @@ void LiveStatus::TakeEvent(const Record& record) {
     } else if (record.operation == event::FinallyStarted && !m_steps.empty()) {
         LeaveStep();
         m_steps.back() = "clean-up";
+    } else if (record.operation == event::CommandCreated) {
+        m_extents[record.command] = {record.Text(argument::className), {}, {}};
+    } else if (record.operation == event::PropertySet) {
+        TakeProperty(record);
     } else if (record.operation == event::WaitStarted) {
         const Value* const limit = record.Find(argument::limit);
         const auto* const number = limit ? std::get_if<std::int64_t>(limit) : nullptr;
@@ -59,6 +88,16 @@ void LiveStatus::LeaveStep() {
     m_unmet.clear();
 }
 
+std::string LiveStatus::Describe(const Running& running, std::int64_t now) {
+    if (running.extent.readings)
+        return fmt::format("{} ({} of {} readings)", running.command, running.readings,
+                           *running.extent.readings);
+    if (running.extent.duration)
+        return fmt::format("{} ({} of {})", running.command, InSeconds(now - running.began),
+                           InSeconds(*running.extent.duration));
+    return running.command;
+}
+
 std::string LiveStatus::Text(std::int64_t now) const {
     if (m_steps.empty() || m_steps.back().empty())
         return {};
@@ -70,8 +109,8 @@ std::string LiveStatus::Text(std::int64_t now) const {
     if (!m_unmet.empty())
         text += ": " + m_unmet;
     std::string running;
-    for (const auto& [thread, command] : m_running)
-        running += (running.empty() ? "  running: " : ", ") + command;
+    for (const auto& [thread, each] : m_running)
+        running += (running.empty() ? "  running: " : ", ") + Describe(each, now);
     return text + running;
 }
 

@@ -20,6 +20,15 @@ protected:
               const char* command) {
         Take(service, operation, std::move(arguments), command, "main");
     }
+    /// A command that begins on a thread "Worker 1".
+    void Begin(const char* command, const char* className, const char* property, const char* value) {
+        Take(service::Runner, event::CommandCreated, {{argument::className, className}}, command, "main");
+        Take(service::Runner, event::PropertySet, {{argument::name, property}, {argument::value, value}},
+             command, "main");
+        Call(service::ThreadService, operation::RegisterCallback,
+             {{argument::threadName, "Worker"}, {argument::cookie, std::int64_t{1}}}, command);
+    }
+    void Read(const char* thread) { Take(service::Parameter, operation::get_Value, {}, "", thread); }
     void EnterStep(const char* step) { Event(event::StepEntered, {{argument::step, step}}); }
 
     LiveStatus status;
@@ -77,6 +86,26 @@ TEST_F(LiveStatusTest, CommandsThatRunOn_AreShownUntilTheirThreadsEnd) {
     EXPECT_EQ(status.Text(0), "step a  0:00  running: guard, show");
     Event(event::ThreadEnded, {}, "Worker 1");
     EXPECT_EQ(status.Text(0), "step a  0:00  running: show");
+}
+
+TEST_F(LiveStatusTest, ProgressOfASampler_IsInReadings) {
+    Event(event::ProcedureStarted);
+    EnterStep("a");
+    Begin("mean", "ParameterSampler", "numSamples", "20");
+    Read("Worker 1");
+    Read("Worker 1");
+    Read("Worker 2");
+    EXPECT_EQ(status.Text(0), "step a  0:00  running: mean (2 of 20 readings)");
+}
+
+TEST_F(LiveStatusTest, ProgressOfATimer_IsInTime) {
+    Event(event::ProcedureStarted);
+    time = 5000;
+    EnterStep("a");
+    Begin("count", "Timer", "length", "90");
+    EXPECT_EQ(status.Text(17'000), "step a  0:17  running: count (0:12 of 1:30)");
+    Begin("other", "Timer", "dsLength", "entry");
+    EXPECT_EQ(status.Text(17'000), "step a  0:17  running: other");
 }
 
 TEST_F(LiveStatusTest, CalledProcedure_IsShownBehindItsCaller) {
