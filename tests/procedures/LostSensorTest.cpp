@@ -24,8 +24,9 @@ struct Outcome {
     bool cleanedUp = false;
 };
 
-Outcome RunOnce(const Procedure& procedure, const LoadedModule& module) {
-    const test::VirtualTime time;
+Outcome RunOnce(const Procedure& procedure) {
+    const test::VirtualTime time; // Before the module is loaded, which waits in this time.
+    const LoadedModule module(test::BuiltModuleFile());
     Outcome outcome;
     Journal journal;
     journal.Observe([&outcome](const Record& record) {
@@ -56,7 +57,6 @@ std::vector<std::pair<std::string, std::int64_t>> WaitingSteps(const Outcome& ou
 }
 
 TEST(LostSensor, InEachWaitingStepOfEachExample_EndsTheRunInBoundedTimeWithTheReason) {
-    const LoadedModule module(test::BuiltModuleFile());
     std::size_t runs = 0;
     for (const auto& entry : std::filesystem::directory_iterator("procedures")) {
         if (entry.path().extension() != ".toml")
@@ -66,13 +66,13 @@ TEST(LostSensor, InEachWaitingStepOfEachExample_EndsTheRunInBoundedTimeWithTheRe
         ASSERT_FALSE(loaded.files.HasErrors()) << loaded.files.Print();
         if (!loaded.procedure.engine)
             continue;
-        const Outcome sound = RunOnce(loaded.procedure, module);
+        const Outcome sound = RunOnce(loaded.procedure);
         for (const auto& [step, time] : WaitingSteps(sound)) {
             SCOPED_TRACE("lost in step " + step + " at " + std::to_string(time));
             Procedure broken = loaded.procedure;
             for (auto& [id, parameter] : broken.engine->parameters)
                 parameter.outage = Outage{time, std::nullopt};
-            const Outcome outcome = RunOnce(broken, module);
+            const Outcome outcome = RunOnce(broken);
             ++runs;
             EXPECT_NE(outcome.verdict, Verdict::Passed) << outcome.reason;
             EXPECT_LE(outcome.duration, broken.maxTime + broken.finallyTime);
