@@ -1,6 +1,6 @@
 #include "vant/LiveStatus.h"
 
-#include "framework/interfaces/ClassProperties.h"
+#include "host/procedure/ClassReport.h"
 #include "host/record/Vocabulary.h"
 #include "host/text/Duration.h"
 #include "host/text/Printable.h"
@@ -42,15 +42,15 @@ void LiveStatus::CountReading(const std::string& thread) {
 
 void LiveStatus::TakeProperty(const Record& record) {
     Extent& extent = m_extents[record.command];
-    const ClassProperty* const property = FindClassProperty(extent.className, record.Text(argument::name));
+    const std::string kind = KindOfProperty(extent.className, record.Text(argument::name));
     const std::string value = record.Text(argument::value);
     std::int64_t number = 0;
-    if (!property || std::from_chars(value.data(), value.data() + value.size(), number).ec != std::errc())
+    if (std::from_chars(value.data(), value.data() + value.size(), number).ec != std::errc())
         return;
     constexpr std::int64_t longestSeconds = 1'000'000'000;
-    if (property->kind == PropertyKind::Count)
+    if (kind == "count")
         extent.readings = number;
-    else if (property->kind == PropertyKind::Seconds && number <= longestSeconds)
+    else if (kind == "seconds" && number <= longestSeconds)
         extent.duration = number * 1000;
 }
 

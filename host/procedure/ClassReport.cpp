@@ -27,6 +27,11 @@ std::vector<std::string> ClassNames() {
     return names;
 }
 
+std::string KindOfProperty(const std::string& className, const std::string& name) {
+    const ClassProperty* const property = FindClassProperty(className, name);
+    return property ? std::string(KindText(property->kind)) : std::string();
+}
+
 std::string DescribeClass(const std::string& name) {
     std::string text = name + '\n';
     for (const ClassProperty& each : PropertiesOfClass(name)) {

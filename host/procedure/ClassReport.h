@@ -14,6 +14,9 @@ std::vector<std::string> ClassNames();
 /// The words of a choice, which spaces separate.
 std::vector<std::string> WordsOf(std::string_view words);
 
+/// The kind of a property as `vant classes` shows it, such as "count"; empty if there is no such property.
+std::string KindOfProperty(const std::string& className, const std::string& name);
+
 /// A class and what its properties mean, as lines of text.
 std::string DescribeClass(const std::string& name);
 
