@@ -179,8 +179,7 @@ ExitCode RunLoaded(const RunOptions& options, const LoadedProcedure& loaded, con
         journal.Observe(
             [&shown = report.emplace(std::cout, StyleOf(options))](const Record& record) { shown(record); });
 
-    OnFirstInterrupt(
-        Interrupt); // Before the runner starts a thread, which takes over what is done about signals.
+    OnFirstInterrupt(Interrupt); // Before the runner starts a thread, which inherits the signal mask.
     if (report && WantsLiveLine(options))
         report->GoLive([&journal] { return journal.Now(); });
     Runner runner(loaded.procedure, commands, journal, SettingsOf(options));

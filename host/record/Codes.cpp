@@ -12,7 +12,7 @@ std::span<const CodeMeaning> CodeMeanings() noexcept {
         {S_OK, "S_OK", "done"},
         {S_FALSE, "S_FALSE", "has ended"},
         {E_FAIL, "E_FAIL", "unspecified failure"},
-        {E_ABORT, "E_ABORT", "refused, because the procedure ends"},
+        {E_ABORT, "E_ABORT", "refused, because the step or the procedure ends"},
         {E_ACCESSDENIED, "E_ACCESSDENIED", "read-only"},
         {E_BOUNDS, "E_BOUNDS", "beyond the limits of the parameter"},
         {E_INVALIDARG, "E_INVALIDARG", "invalid argument"},

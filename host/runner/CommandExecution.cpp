@@ -28,13 +28,13 @@ HRESULT CommandExecution::Run(const std::string& id) {
     if (CommandDepth() >= maxCommandDepth)
         return HRESULT_FROM_WIN32(ERROR_STACK_OVERFLOW);
     const std::string caller = CurrentCommand();
-    const std::uint64_t before = WriteCount();
+    const std::uint64_t before = NoteBegin(id);
     CComPtr<IVantCommand> object;
     CommandScope scope(id);
     const char* phase = "";
     const HRESULT result = CreateAndExecute(command->second, object, scope, phase);
     if (SUCCEEDED(result))
-        CheckResults(command->second, id, *object.Get(), before);
+        CheckResultsOf(command->second, id, *object.Get(), before);
     m_journal.AddEvent(event::CommandEnded,
                        {{argument::className, command->second.className.text},
                         {argument::caller, TextOrNull(caller)},
@@ -76,11 +76,37 @@ HRESULT CommandExecution::CreateAndExecute(const Command& command, CComPtr<IVant
     return object->Execute();
 }
 
-void CommandExecution::CheckResults(const Command& command, const std::string& id, IVantCommand& object,
-                                    std::uint64_t before) {
+void CommandExecution::CheckResultsOf(const Command& command, const std::string& id, IVantCommand& object,
+                                      std::uint64_t before) {
     CComPtr<IVantPersistentCommand> persistent;
     if (SUCCEEDED(object.QueryInterface(IID_IVantPersistentCommand, reinterpret_cast<void**>(&persistent))))
         return; // It writes while it runs on.
+    NoteStop(id);
+    CheckResults(command, id, before);
+}
+
+void CommandExecution::NoteStop(const std::string& id) {
+    const std::lock_guard lock(m_access);
+    m_begun.erase(id);
+}
+
+void CommandExecution::CheckResultsOfEnded(const std::string& id) {
+    const auto command = m_procedure.commands.find(id);
+    if (command == m_procedure.commands.end() || command->second.className.text == monitorClass)
+        return; // A monitor writes only if a condition does not hold.
+    std::uint64_t before = 0;
+    {
+        const std::lock_guard lock(m_access);
+        const auto begun = m_begun.find(id);
+        if (begun == m_begun.end())
+            return;
+        before = begun->second;
+        m_begun.erase(begun);
+    }
+    CheckResults(command->second, id, before);
+}
+
+void CommandExecution::CheckResults(const Command& command, const std::string& id, std::uint64_t before) {
     for (const auto& [name, value] : command.properties) {
         const ClassProperty* const property = FindClassProperty(command.className.text, name.text);
         if (!property || !IsRequiredResult(*property) || LastWrite(value.text) > before)
@@ -96,8 +122,9 @@ void CommandExecution::NoteWrite(const std::string& entry) {
     m_lastWrite[entry] = ++m_writes;
 }
 
-std::uint64_t CommandExecution::WriteCount() const {
+std::uint64_t CommandExecution::NoteBegin(const std::string& id) {
     const std::lock_guard lock(m_access);
+    m_begun.insert_or_assign(id, m_writes);
     return m_writes;
 }
 

@@ -12,6 +12,7 @@
 #include <map>
 #include <mutex>
 #include <string>
+#include <string_view>
 #include <utility>
 
 namespace vant::host {
@@ -19,6 +20,9 @@ namespace vant::host {
 /// The greatest depth of commands that run or start one another; a thread that a command starts is one level
 /// deeper than the command. A request that would go deeper gets HRESULT_FROM_WIN32(ERROR_STACK_OVERFLOW).
 inline constexpr std::size_t maxCommandDepth = 32;
+
+/// The class whose commands stop what goes on: their choices are final, and end the step's waiting at once.
+inline constexpr std::string_view monitorClass = "StopConditionMonitor";
 
 /// Creates and executes the commands of a procedure, and records the phases of each one's life. Any thread
 /// may call.
@@ -40,15 +44,23 @@ public:
 
     /// An entry of the data store was written.
     void NoteWrite(const std::string& entry);
+    bool HasWritten(const std::string& entry) const { return LastWrite(entry) != 0; }
+
+    /// A command that runs on was stopped, so it need not write its results.
+    void NoteStop(const std::string& id);
+    /// Does for a command whose thread ends what is done for others when they succeed.
+    void CheckResultsOfEnded(const std::string& id);
 
 private:
     /// Gives `scope` the object before it is executed. `phase` becomes the last phase that was begun.
     HRESULT CreateAndExecute(const Command& command, CComPtr<IVantCommand>& object, CommandScope& scope,
                              const char*& phase);
     /// `before`: the number of writes before the command.
-    void CheckResults(const Command& command, const std::string& id, IVantCommand& object,
-                      std::uint64_t before);
-    std::uint64_t WriteCount() const;
+    void CheckResultsOf(const Command& command, const std::string& id, IVantCommand& object,
+                        std::uint64_t before);
+    void CheckResults(const Command& command, const std::string& id, std::uint64_t before);
+    /// Before a command is executed; returns the number of writes so far.
+    std::uint64_t NoteBegin(const std::string& id);
     std::uint64_t LastWrite(const std::string& entry) const;
 
     const Procedure& m_procedure;
@@ -59,6 +71,8 @@ private:
     const OnMissingResult m_missing;
     mutable std::mutex m_access; ///< Protects what follows.
     std::uint64_t m_writes = 0;
+    std::map<std::string, std::uint64_t>
+        m_begun; ///< The number of writes before each command that has begun.
     std::map<std::string, std::uint64_t> m_lastWrite; ///< The number of the last write of each entry.
 };
 

@@ -1,6 +1,5 @@
 #include "host/runner/FailedCalls.h"
 
-#include "host/record/CallScope.h"
 #include "host/record/Codes.h"
 #include "host/text/Duration.h"
 #include "host/text/Printable.h"
@@ -31,11 +30,7 @@ void FailedCalls::Failures::Add(std::string sentence) {
         sentences.push_back(std::move(sentence));
 }
 
-FailedCalls::Failures& FailedCalls::Current() noexcept {
-    return m_inTry && CurrentThread() == mainThread ? m_tried : m_kept;
-}
-
-void FailedCalls::Take(const Record& call, std::int64_t now, bool counts) {
+void FailedCalls::Take(const Record& call, std::int64_t now, bool counts, bool ofTry) {
     const HRESULT code = call.result.value_or(S_OK);
     const std::lock_guard lock(m_access);
     if (SUCCEEDED(code) && m_failing.empty())
@@ -47,13 +42,14 @@ void FailedCalls::Take(const Record& call, std::int64_t now, bool counts) {
     }
     m_failing.try_emplace(key, Failing{now, code});
     if (counts)
-        Current().Add(fmt::format("{} {}.{}{}{}: {}", Quoted(call.command), call.service, call.operation,
-                                  std::get<3>(key).empty() ? "" : " ", std::get<3>(key), DescribeCode(code)));
+        Current(ofTry).Add(fmt::format("{} {}.{}{}{}: {}", Quoted(call.command), call.service, call.operation,
+                                       std::get<3>(key).empty() ? "" : " ", std::get<3>(key),
+                                       DescribeCode(code)));
 }
 
 void FailedCalls::Add(std::string sentence) {
     const std::lock_guard lock(m_access);
-    Current().Add(std::move(sentence));
+    Current(true).Add(std::move(sentence));
 }
 
 void FailedCalls::BeginTry() {

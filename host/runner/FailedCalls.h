@@ -15,12 +15,13 @@ namespace vant::host {
 /// may call.
 class FailedCalls {
 public:
-    /// Takes a call that is over. `counts`: whether a failure counts for the verdict.
-    void Take(const Record& call, std::int64_t now, bool counts);
+    /// Takes a call that is over. `counts`: whether a failure counts for the verdict; `ofTry`: whether it
+    /// belongs to the current try.
+    void Take(const Record& call, std::int64_t now, bool counts, bool ofTry = true);
     /// Takes any other work that was not done, as a sentence.
     void Add(std::string sentence);
 
-    /// From now on failures on the main thread belong to a try, which is either kept or dropped.
+    /// From now on failures belong to a try, which is either kept or dropped.
     void BeginTry();
     void KeepTry();
     void DropTry();
@@ -50,7 +51,7 @@ private:
     };
     static constexpr std::size_t mostSentences = 3;
 
-    Failures& Current() noexcept;
+    Failures& Current(bool ofTry) noexcept { return m_inTry && ofTry ? m_tried : m_kept; }
 
     mutable std::mutex m_access;
     std::map<Key, Failing> m_failing; ///< By command, service, operation and first argument.

@@ -31,7 +31,12 @@ bool Fits(std::string_view text, std::string_view pattern) {
         if (next < pattern.size() && pattern[next] == '*') {
             star = next++;
             after = at;
-        } else if (next < pattern.size() && (pattern[next] == '?' || pattern[next] == text[at])) {
+        } else if (next < pattern.size() && pattern[next] == '?') {
+            do
+                ++at;
+            while (at < text.size() && (text[at] & 0xC0) == 0x80); // The whole character.
+            ++next;
+        } else if (next < pattern.size() && pattern[next] == text[at]) {
             ++at;
             ++next;
         } else if (star != std::string_view::npos) {

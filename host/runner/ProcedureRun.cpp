@@ -9,6 +9,7 @@
 #include "platform/Clock.h"
 
 #include <algorithm>
+#include <exception>
 #include <fmt/format.h>
 #include <memory>
 
@@ -16,8 +17,8 @@ namespace vant::host {
 
 namespace {
 
-/// Its commands stop what goes on: their choices are final, and end the step's waiting at once.
-constexpr std::string_view monitorClass = "StopConditionMonitor";
+/// How often commands that are to end before the next try are stopped.
+constexpr DWORD stoppingPeriod = 100;
 
 /// How often a step looks whether the conditions that it waits for hold.
 constexpr DWORD conditionsPeriod = 250;
@@ -78,18 +79,18 @@ ProcedureRun::Ending ProcedureRun::Run() {
     const std::int64_t maxTime =
         m_outer ? m_procedure.maxTime : m_shared.settings.maxTime.value_or(m_procedure.maxTime);
     Ending ending;
+    std::exception_ptr thrown;
     try {
         const Watchdog::Guard limit(m_watchdog, maxTime, [this] { End(Cause::MaxTime); });
         ending = RunSteps();
     } catch (...) {
-        EndPersistentCommands(); // They use what the caller may destroy now.
-        RunFinally();
-        throw;
+        thrown = std::current_exception();
+        ending = {Verdict::Error, "the module or the host failed"};
     }
-    EndPersistentCommands();
+    EndPersistentCommands(); // They use what the caller may destroy afterwards.
     RunFinally();
     if (m_cause == Cause::Aborted && ending.verdict != Verdict::Aborted)
-        ending = {Verdict::Aborted, "interrupted during the clean-up; before it: " + ending.reason};
+        ending = {Verdict::Aborted, "interrupted at the end; before that: " + ending.reason};
     for (const auto& [name, value] : m_services.data.All()) {
         if (!m_messages.contains(name))
             m_shared.journal.AddEvent(event::DataLeft, {{argument::name, name}, {argument::value, value}});
@@ -100,6 +101,8 @@ ProcedureRun::Ending ProcedureRun::Run() {
     ending = Judge(std::move(ending), measured);
     m_shared.journal.AddEvent(event::ProcedureEnded, {{argument::verdict, NameOf(ending.verdict)},
                                                       {argument::reason, ending.reason}});
+    if (thrown)
+        std::rethrow_exception(thrown);
     return ending;
 }
 
@@ -183,28 +186,57 @@ ProcedureRun::Attempt ProcedureRun::RunStep(const Step& step) {
     for (std::int64_t number = 1;; ++number) {
         m_failedCalls.BeginTry();
         m_measurements.BeginTry();
+        const std::size_t failedBefore = m_failedProcedures.size();
         Attempt attempt = TryStep(step);
-        if (m_cause != Cause::None || number > step.retry.times || !WantsRetry(step, attempt)) {
+        if (m_cause != Cause::None || number > step.retry.times || !WantsRetry(step, attempt) ||
+            !WaitForNextTry(step, attempt, number + 1)) {
             m_failedCalls.KeepTry();
             return attempt;
         }
-        const std::string reason = attempt.failure    ? attempt.failure->reason
-                                   : attempt.timedOut ? "its time ran out"
-                                   : attempt.chosen   ? "transition " + Quoted(*attempt.chosen)
-                                                      : "a host call failed";
         m_failedCalls.DropTry();
         m_measurements.DropTry();
-        m_services.persistentThreads.StopOfStep();
-        m_shared.journal.AddEvent(
-            event::StepRetried,
-            {{argument::step, m_stepId}, {argument::attempt, number + 1}, {argument::reason, reason}});
-        m_stepExpired = false;
-        WaitUntil([this] { return !m_services.persistentThreads.IsAnyOfStepRunning(); }, INFINITE);
-        Pause(step.retry.after);
+        m_failedProcedures.resize(failedBefore);
     }
 }
 
+bool ProcedureRun::WaitForNextTry(const Step& step, Attempt& attempt, std::int64_t number) {
+    m_shared.journal.AddEvent(event::StepRetried, {{argument::step, m_stepId},
+                                                   {argument::attempt, number},
+                                                   {argument::reason, ReasonOfRetry(attempt)}});
+    m_stepExpired = false;
+    m_services.procedureController.EnterStep([this, &step](const std::string& id) {
+        const Acceptance acceptance = AcceptanceOf(step, id);
+        return acceptance == Acceptance::Accepted ? Acceptance::Ignored : acceptance;
+    });
+    const auto haveEnded = [this] {
+        m_services.persistentThreads.StopOfStep(); // Again each time: one that ends may still start another.
+        return !m_services.persistentThreads.IsAnyOfStepRunning();
+    };
+    m_stoppingStep = true;
+    WaitUntil(haveEnded, stoppingPeriod);
+    m_stoppingStep = false;
+    if (step.retry.after > 0 && m_cause == Cause::None) {
+        BeginWait(step, "the next try");
+        Pause(step.retry.after);
+    }
+    bool isFinal = false;
+    const auto chosen = m_services.procedureController.LeaveStep(isFinal);
+    if (chosen)
+        attempt = Attempt{.chosen = chosen, .isFinal = isFinal};
+    return !chosen && m_cause == Cause::None;
+}
+
+std::string ProcedureRun::ReasonOfRetry(const Attempt& attempt) {
+    if (attempt.failure)
+        return attempt.failure->reason;
+    if (attempt.timedOut)
+        return "its time ran out";
+    return attempt.chosen ? "transition " + Quoted(*attempt.chosen) : "a host call failed";
+}
+
 bool ProcedureRun::WantsRetry(const Step& step, const Attempt& attempt) const {
+    if (attempt.isFinal)
+        return false;
     if (attempt.failure || attempt.timedOut || m_failedCalls.CountOfTry() != 0)
         return true;
     const auto isChosen = [&attempt](const Located& transition) { return transition.text == attempt.chosen; };
@@ -213,11 +245,9 @@ bool ProcedureRun::WantsRetry(const Step& step, const Attempt& attempt) const {
 
 ProcedureRun::Attempt ProcedureRun::TryStep(const Step& step) {
     m_services.persistentThreads.EnterStep();
-    if (step.always)
-        m_services.procedureController.EnterStepWithoutChoice();
-    else
-        m_services.procedureController.EnterStep(
-            [this, &step](const std::string& id) { return AcceptanceOf(step, id); });
+    m_services.procedureController.EnterStep(
+        [this, &step](const std::string& id) { return AcceptanceOf(step, id); });
+    m_lastEvaluation = S_OK;
     EndWait();
     m_stepExpired = false;
     Attempt attempt;
@@ -237,6 +267,11 @@ ProcedureRun::Attempt ProcedureRun::TryStep(const Step& step) {
         attempt.timedOut = !isOver && m_stepExpired;
     }
     m_services.parameterService.AllowMainThread();
+    attempt.chosen = m_services.procedureController.LeaveStep(attempt.isFinal);
+    if (attempt.isFinal) {
+        attempt.timedOut = false;
+        attempt.failure.reset();
+    }
     if (attempt.timedOut && m_cause == Cause::None) {
         attempt.failure.reset();
         attempt.timedOutReason = DescribeWaiting();
@@ -244,7 +279,6 @@ ProcedureRun::Attempt ProcedureRun::TryStep(const Step& step) {
         m_shared.journal.AddEvent(event::StepTimedOut,
                                   {{argument::step, m_stepId}, {argument::reason, attempt.timedOutReason}});
     }
-    attempt.chosen = m_services.procedureController.LeaveStep();
     return attempt;
 }
 
@@ -371,10 +405,10 @@ void ProcedureRun::EndCalled(Cause cause) noexcept {
 
 void ProcedureRun::End(Cause cause) noexcept {
     const std::lock_guard lock(m_access);
-    Cause none = Cause::None;
-    m_cause.compare_exchange_strong(none, cause);
+    if (m_cause == Cause::None || cause == Cause::Aborted)
+        m_cause = cause;
     if (m_called)
-        m_called->End(cause == Cause::Aborted ? cause : Cause::Outer);
+        m_called->End(cause == Cause::MaxTime ? Cause::Outer : cause);
     if (m_inFinally)
         return; // It has a limit of its own.
     m_ending = true;
@@ -409,23 +443,16 @@ std::optional<ProcedureRun::Ending> ProcedureRun::RunCalled(const ProcedureCall&
                           fmt::format("there is no data entry {} to pass on", Quoted(own.text))};
         called->Give(entry, std::move(value));
     }
-    {
-        const std::lock_guard lock(m_access);
-        m_called = called.get();
-        if (m_cause != Cause::None)
-            called->End(m_cause);
-    }
-    Ending ending = called->Run();
-    {
-        const std::lock_guard lock(m_access);
-        m_called = nullptr;
-    }
+    for (const auto& [own, entry] : call.results)
+        m_measurements.Expect(own);
+    Ending ending = RunAsCalled(*called);
     ending.reason = fmt::format("procedure {} ended {}: {}", Quoted(call.procedure->name),
                                 NameOf(ending.verdict), ending.reason);
     for (const auto& [own, entry] : call.results) {
         CComVariant value;
         if (SUCCEEDED(called->m_services.data.Read(ToWide(entry.text), value))) {
-            NoteWrite(own, ToValue(value.Get()));
+            if (called->m_execution.HasWritten(entry.text))
+                NoteWrite(own, ToValue(value.Get()));
             m_services.data.Set(ToWide(own), std::move(value));
         } else if (ending.verdict == Verdict::Passed) {
             ending = {Verdict::Error, fmt::format("procedure {} has left no data entry {}",
@@ -436,16 +463,53 @@ std::optional<ProcedureRun::Ending> ProcedureRun::RunCalled(const ProcedureCall&
     if (!called->StillHeld().empty())
         m_stillHeld.push_back(std::move(called));
     const bool isStopped = ending.verdict == Verdict::Aborted && m_cause == Cause::None;
-    const bool counts = ending.verdict != Verdict::Passed && !isStopped && !m_stepExpired;
-    if (counts && !MayFail(call.file.text, "")) {
-        if (ending.verdict == Verdict::Error)
-            m_failedCalls.Add(ending.reason);
-        else
-            m_failedProcedures.push_back(ending.reason);
-    }
+    NoteFailureOfCalled(call, *called, ending, isStopped);
     if (isStopped)
         return std::nullopt; // The choice says where to go on.
     return ending.verdict == Verdict::Passed ? std::nullopt : std::optional(std::move(ending));
+}
+
+ProcedureRun::Ending ProcedureRun::RunAsCalled(ProcedureRun& called) {
+    struct Scope {
+        Scope(ProcedureRun& outer, ProcedureRun& inner) : run(outer) {
+            const std::lock_guard lock(run.m_access);
+            run.m_called = &inner;
+            // What came before has not reached the called one.
+            if (run.m_cause != Cause::None)
+                inner.End(run.m_cause == Cause::Aborted ? Cause::Aborted : Cause::Outer);
+            else if (run.m_stepExpired)
+                inner.End(Cause::Outer);
+        }
+        ~Scope() {
+            const std::lock_guard lock(run.m_access);
+            run.m_called = nullptr;
+        }
+        Scope(const Scope&) = delete;
+        Scope& operator=(const Scope&) = delete;
+
+        ProcedureRun& run;
+    };
+    const Scope scope(*this, called);
+    if (m_services.procedureController.IsFinal())
+        called.End(Cause::Stopped);
+    return called.Run();
+}
+
+void ProcedureRun::NoteFailureOfCalled(const ProcedureCall& call, const ProcedureRun& called,
+                                       const Ending& ending, bool isStopped) {
+    if (MayFail(call.file.text, ""))
+        return;
+    if (isStopped || m_stepExpired) {
+        // Its ending is that of this step; what it could not do remains.
+        for (const FailedCalls* const failed : {&called.m_failedCalls, &called.m_failedCleanUp}) {
+            if (const std::string summary = failed->Summary(); !summary.empty())
+                m_failedCalls.Add(fmt::format("procedure {}: {}", Quoted(call.procedure->name), summary));
+        }
+    } else if (ending.verdict == Verdict::Error) {
+        m_failedCalls.Add(ending.reason);
+    } else if (ending.verdict == Verdict::Failed) {
+        m_failedProcedures.push_back(ending.reason);
+    }
 }
 
 const std::string* ProcedureRun::StepOf(const Step& step, const std::string& transition) const {
@@ -458,13 +522,24 @@ const std::string* ProcedureRun::StepOf(const Step& step, const std::string& tra
 }
 
 Acceptance ProcedureRun::AcceptanceOf(const Step& step, const std::string& transition) {
-    if (!StepOf(step, transition))
+    const bool isMonitor = IsMonitor(CurrentCommand());
+    if (step.always) // A monitor tries again in the next step.
+        return isMonitor ? Acceptance::Refused : Acceptance::Ignored;
+    if (!StepOf(step, transition)) {
+        if (isMonitor && !MayFail(CurrentCommand(), operation::SetTransition))
+            m_failedCalls.Add(fmt::format("the monitor {} chose {}, which leads nowhere from step {}",
+                                          Quoted(CurrentCommand()), Quoted(transition), Quoted(m_stepId)));
         return Acceptance::Refused;
-    const auto command = m_procedure.commands.find(CurrentCommand());
-    if (command == m_procedure.commands.end() || command->second.className.text != monitorClass)
+    }
+    if (!isMonitor)
         return Acceptance::Accepted;
     EndCalled(Cause::Stopped);
     return Acceptance::Final;
+}
+
+bool ProcedureRun::IsMonitor(const std::string& commandId) const {
+    const auto command = m_procedure.commands.find(commandId);
+    return command != m_procedure.commands.end() && command->second.className.text == monitorClass;
 }
 
 const std::string* ProcedureRun::TargetOf(const Step& step, const Attempt& attempt, std::string& key) const {
@@ -488,7 +563,7 @@ ProcedureRun::Ending ProcedureRun::EndingIn(const std::string& step, const Attem
         return details.empty() ? reason : reason + ": " + details;
     };
     if (attempt.timedOut)
-        return {m_failedCalls.StillFailing().empty() ? Verdict::Failed : Verdict::Error,
+        return {Verdict::Failed,
                 with(fmt::format("the time of step {} ran out", Quoted(step)), attempt.timedOutReason)};
     if (!attempt.failure)
         return {Verdict::Error, fmt::format("no transition was chosen in step '{}'", step)};
@@ -531,7 +606,7 @@ void ProcedureRun::RunFinally() {
     }
     m_shared.journal.AddEvent(event::FinallyStarted, {});
     m_services.persistentThreads.EnterStep();
-    m_services.procedureController.EnterStepWithoutChoice();
+    m_services.procedureController.EnterStep([](const std::string&) { return Acceptance::Ignored; });
     {
         const Watchdog::Guard limit(m_watchdog, m_procedure.finallyTime, [this] {
             m_stepExpired = true;
@@ -540,15 +615,20 @@ void ProcedureRun::RunFinally() {
             m_services.changed.Set();
         });
         for (const Located& id : m_procedure.finally) {
-            if (const HRESULT result = RunCommand(id.text); FAILED(result))
-                m_failedCleanUp.Add(fmt::format("{} failed: {}", Quoted(id.text), DescribeCode(result)));
+            try {
+                if (const HRESULT result = RunCommand(id.text); FAILED(result))
+                    m_failedCleanUp.Add(fmt::format("{} failed: {}", Quoted(id.text), DescribeCode(result)));
+            } catch (const std::exception& failure) {
+                m_failedCleanUp.Add(fmt::format("{} could not be run: {}", Quoted(id.text), failure.what()));
+            }
         }
         while (!m_stepExpired && m_services.persistentThreads.IsAnyRunning())
             m_services.changed.Wait(INFINITE);
     }
     if (m_stepExpired)
         m_failedCleanUp.Add("its time of " + FormatDuration(m_procedure.finallyTime) + " ran out");
-    m_services.procedureController.LeaveStep();
+    bool isFinal = false;
+    m_services.procedureController.LeaveStep(isFinal);
     EndPersistentCommands();
 }
 
@@ -635,13 +715,18 @@ void ProcedureRun::Watch(const Record& call) {
     const HRESULT result = call.result.value_or(S_OK);
     if (result == E_ABORT)
         return; // It was refused because the step or the run ends.
+    if (SUCCEEDED(result) && call.operation == operation::TerminateCommand)
+        m_execution.NoteStop(call.Text(argument::commandId));
     if (SUCCEEDED(result) && call.operation == operation::SetValue) {
         const Value* const value = call.Find(argument::value);
         NoteWrite(call.Text(argument::name), value ? *value : Value(nullptr));
     }
     // The step's own evaluations are repeated until they succeed.
-    const bool counts = !m_ending && !call.command.empty() && !MayFail(call.command, call.operation);
-    (m_inFinally ? m_failedCleanUp : m_failedCalls).Take(call, m_shared.journal.Now(), counts);
+    const bool isRefusedStop = call.operation == operation::SetTransition && IsMonitor(call.command);
+    const bool counts =
+        !m_ending && !call.command.empty() && !isRefusedStop && !MayFail(call.command, call.operation);
+    (m_inFinally ? m_failedCleanUp : m_failedCalls)
+        .Take(call, m_shared.journal.Now(), counts, m_services.persistentThreads.IsThisThreadOfStep());
 }
 
 bool ProcedureRun::MayFail(const std::string& command, const std::string& operation) const {
@@ -669,6 +754,8 @@ std::vector<std::string> ProcedureRun::StillHeld() const {
 
 void ProcedureRun::RecordThreadEnded(std::uint32_t cookie, HRESULT result) noexcept {
     try {
+        if (!m_ending && !m_stoppingStep)
+            m_execution.CheckResultsOfEnded(CurrentCommand());
         m_shared.journal.AddEvent(event::ThreadEnded, {{argument::cookie, std::int64_t{cookie}}}, result);
     } catch (...) {
         m_shared.journal.MarkIncomplete();

@@ -88,6 +88,7 @@ private:
     struct Attempt {
         std::optional<Ending> failure{};     ///< A command or a called procedure failed.
         std::optional<std::string> chosen{}; ///< The transition.
+        bool isFinal = false;                ///< The choice is that of a monitor.
         bool timedOut = false;
         std::string timedOutReason{};
     };
@@ -104,11 +105,19 @@ private:
     /// Waits as the step says. Whether it has waited to the end.
     bool WaitInStep(const Step& step);
     bool WantsRetry(const Step& step, const Attempt& attempt) const;
+    /// Ends what the try has left running, and waits as the step says. Whether there is to be another try:
+    /// not if the run is to end, or a monitor has chosen, which `attempt` then says.
+    bool WaitForNextTry(const Step& step, Attempt& attempt, std::int64_t number);
+    static std::string ReasonOfRetry(const Attempt& attempt);
     /// Runs the commands of a step, up to the first one that fails or after which a transition has been
     /// chosen. Returns the id of the one that failed; nothing if none did.
     std::optional<std::string> RunCommandsOf(const Step& step);
     /// Runs the procedure that the step calls; returns its ending unless it passed.
     std::optional<Ending> RunCalled(const ProcedureCall& call);
+    Ending RunAsCalled(ProcedureRun& called);
+    void NoteFailureOfCalled(const ProcedureCall& call, const ProcedureRun& called, const Ending& ending,
+                             bool isStopped);
+    bool IsMonitor(const std::string& commandId) const;
     /// The step to which a transition leads; null if there is none.
     const std::string* StepOf(const Step& step, const std::string& transition) const;
     /// What becomes of a transition that the current command chooses. Any thread may call.
@@ -169,10 +178,11 @@ private:
     std::vector<std::unique_ptr<ProcedureRun>>
         m_stillHeld; ///< Called ones whose objects commands still hold.
     std::atomic<Cause> m_cause{Cause::None};
-    std::atomic<bool> m_ending{false};      ///< Whether requests are refused.
-    std::atomic<bool> m_inFinally{false};   ///< Whether the clean-up has begun.
-    std::atomic<bool> m_stepExpired{false}; ///< Whether the time of the current try has run out.
-    std::atomic<bool> m_executing{false};   ///< Whether the step runs its commands, instead of waiting.
+    std::atomic<bool> m_ending{false};       ///< Whether requests are refused.
+    std::atomic<bool> m_inFinally{false};    ///< Whether the clean-up has begun.
+    std::atomic<bool> m_stepExpired{false};  ///< Whether the time of the current try has run out.
+    std::atomic<bool> m_stoppingStep{false}; ///< Whether the commands of a try are being stopped.
+    std::atomic<bool> m_executing{false};    ///< Whether the step runs its commands, instead of waiting.
 
     mutable std::mutex m_access;      ///< Protects what follows.
     ProcedureRun* m_called = nullptr; ///< The run that this one waits for.

@@ -215,6 +215,10 @@ void PersistentThreads::Open() noexcept {
     m_closed = false;
 }
 
+bool PersistentThreads::IsThisThreadOfStep() const noexcept {
+    return !currentThread || currentStep == m_step.load();
+}
+
 void PersistentThreads::StopOfStep() {
     std::vector<WorkPtr> found;
     {

@@ -79,6 +79,8 @@ public:
     void Close() noexcept;
     /// Undoes Close once all threads have ended.
     void Open() noexcept;
+    /// Whether the calling thread is the runner's or one of the step that was begun last.
+    bool IsThisThreadOfStep() const noexcept;
     /// Stops every running command of the step that was begun last.
     void StopOfStep();
     /// The commands that run, by the cookies of their threads; a command that is not known is "".

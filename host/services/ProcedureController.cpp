@@ -12,12 +12,10 @@ HRESULT ProcedureController::SetTransition(BSTR transitionId) {
         record.Add(argument::transitionId, id);
         {
             const std::lock_guard lock(m_access);
-            if (m_ignoresChoices)
-                return S_OK;
             const Acceptance acceptance = m_accepts ? m_accepts(id) : Acceptance::Refused;
             if (acceptance == Acceptance::Refused)
                 return id.empty() ? S_OK : E_INVALIDARG;
-            if (m_isFinal && acceptance != Acceptance::Final)
+            if (acceptance == Acceptance::Ignored || (m_isFinal && acceptance != Acceptance::Final))
                 return S_OK;
             m_isFinal = acceptance == Acceptance::Final;
             m_chosen = std::move(id);
@@ -27,12 +25,10 @@ HRESULT ProcedureController::SetTransition(BSTR transitionId) {
     });
 }
 
-void ProcedureController::EnterStep(std::function<Acceptance(const std::string&)> accepts,
-                                    bool ignoresChoices) {
+void ProcedureController::EnterStep(std::function<Acceptance(const std::string&)> accepts) {
     const std::lock_guard lock(m_access);
     m_accepts = std::move(accepts);
     m_isFinal = false;
-    m_ignoresChoices = ignoresChoices;
     m_chosen.reset();
 }
 
@@ -46,10 +42,10 @@ bool ProcedureController::IsFinal() const {
     return m_isFinal;
 }
 
-std::optional<std::string> ProcedureController::LeaveStep() {
+std::optional<std::string> ProcedureController::LeaveStep(bool& isFinal) {
     const std::lock_guard lock(m_access);
+    isFinal = std::exchange(m_isFinal, false);
     m_accepts = nullptr;
-    m_ignoresChoices = false;
     return std::exchange(m_chosen, std::nullopt);
 }
 

@@ -16,6 +16,7 @@ namespace vant::host {
 /// What becomes of a transition that a command chooses.
 enum class Acceptance {
     Refused, ///< It leads nowhere from this step.
+    Ignored, ///< It succeeds and chooses nothing.
     Accepted,
     Final ///< No later choice replaces it.
 };
@@ -33,32 +34,26 @@ public:
     HRESULT STDMETHODCALLTYPE Reserved6() override { return NotImplemented("Reserved6"); }
     /// The last choice counts, unless one was final. E_INVALIDARG, and an earlier choice remains, for an id
     /// that leads nowhere from this step, and for every id between two steps. The empty id, which a command
-    /// without a transition property passes, always succeeds and chooses nothing, and so does every id in a
-    /// step that ignores choices.
+    /// without a transition property passes, always succeeds and chooses nothing, and so does every id that
+    /// the step ignores.
     HRESULT STDMETHODCALLTYPE SetTransition(BSTR transitionId) override;
 
-    /// Begins a step that ignores choices.
-    void EnterStepWithoutChoice() { EnterStep({}, true); }
     /// Begins a step: forgets the choice, and accepts every id for which `accepts` does not return Refused
     /// until the step ends. `accepts` is called on any thread, and must not call the controller.
-    void EnterStep(std::function<Acceptance(const std::string&)> accepts) {
-        EnterStep(std::move(accepts), false);
-    }
+    void EnterStep(std::function<Acceptance(const std::string&)> accepts);
     /// The choice since the step began.
     std::optional<std::string> Chosen() const;
     /// Whether that choice is final.
     bool IsFinal() const;
-    /// Ends the step: accepts no more choices, and returns the last one.
-    std::optional<std::string> LeaveStep();
+    /// Ends the step: accepts no more choices, and returns the one that counts. `isFinal`: whether it is
+    /// final.
+    std::optional<std::string> LeaveStep(bool& isFinal);
 
 private:
-    void EnterStep(std::function<Acceptance(const std::string&)> accepts, bool ignoresChoices);
-
     Event& m_changed;
     mutable std::mutex m_access;
     std::function<Acceptance(const std::string&)> m_accepts; ///< Empty between steps.
     bool m_isFinal = false;
-    bool m_ignoresChoices = false;
     std::optional<std::string> m_chosen;
 };
 

@@ -11,6 +11,7 @@
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -185,9 +186,12 @@ TEST(RunLimits, TimeoutOfAWaitThatCannotRead_IsAnError) {
     const Outcome outcome = RunSteps("[steps.s]\nuntil = 'warm'\nnext = 't'\n"
                                      "[steps.t]\nuntil = 'lost'\ntimeout = '10s'\nnext = 'good'\n");
     EXPECT_EQ(outcome.verdict, Verdict::Error);
-    EXPECT_EQ(outcome.reason, "the time of step 't' ran out: it has waited for conditions 'lost' since "
-                              "0:59.500; the step has not been "
-                              "able to Evaluate 'lost' since 0:59.500: cannot be read, 0x8007001E");
+    EXPECT_EQ(
+        outcome.reason,
+        "not everything was done: step 't' could not evaluate 'lost': cannot be read, 0x8007001E; otherwise "
+        "failed: the time of step 't' ran out: it has waited for conditions 'lost' since "
+        "0:59.500; the step has not been "
+        "able to Evaluate 'lost' since 0:59.500: cannot be read, 0x8007001E");
 }
 
 TEST(RunLimits, WaitThatNeverEnds_IsAnErrorThatNamesWhatStillRuns) {
@@ -324,6 +328,15 @@ TEST(RunVerdict, CommandThatDoesNotWriteItsResult_MakesAPassAnError) {
     EXPECT_EQ(missing.front().Text(argument::name), "dsResult");
 }
 
+TEST(RunVerdict, CommandThatRunsOnAndEndsWithoutItsResult_MakesAPassAnError) {
+    const Outcome outcome = RunSteps("[commands.soak]\nclass = 'Timer'\n"
+                                     "properties = { dsLength = 'gear', dsBase = 'left' }\n"
+                                     "[steps.s]\nrun = ['soak']\nwait = 'end'\nnext = 'good'\n");
+    EXPECT_EQ(outcome.verdict, Verdict::Error);
+    EXPECT_EQ(outcome.reason,
+              "not everything was done: 'soak' has not written 'left'; otherwise passed: step 'good'");
+}
+
 TEST(RunVerdict, EndError_IsThatVerdict) {
     EXPECT_EQ(RunSteps("[steps.s]\nend = 'error'\n").verdict, Verdict::Error);
 }
@@ -367,6 +380,41 @@ TEST(Finally, WaitsForItsCommands) {
     const Outcome outcome = RunSteps("[steps.s]\nnext = 'good'\n", "finally = ['count']\n");
     EXPECT_EQ(outcome.verdict, Verdict::Passed) << outcome.reason;
     EXPECT_EQ(outcome.records.back().time, 10000);
+}
+
+/// Cannot create one class.
+class BrokenFactory : public CommandFactory {
+public:
+    BrokenFactory(const CommandFactory& factory, std::string broken)
+        : m_factory(factory), m_broken(std::move(broken)) {}
+    HRESULT Create(std::string_view className, CComPtr<IVantCommand>& command) const override {
+        if (className == m_broken)
+            throw std::runtime_error("broken");
+        return m_factory.Create(className, command);
+    }
+    bool CanUnload() const override { return m_factory.CanUnload(); }
+
+private:
+    const CommandFactory& m_factory;
+    const std::string m_broken;
+};
+
+TEST(Finally, RunsWhenTheFactoryThrows_AndGoesOnAfterACommandThatCannotBeCreated) {
+    const Procedure procedure = Read(std::string("finally = ['wrong', 'close']\n") + head +
+                                     "[steps.s]\nrun = ['open', 'wrong']\nnext = 'good'\n");
+    const test::VirtualTime time;
+    const LoadedModule module(test::BuiltModuleFile());
+    const BrokenFactory factory(module, "Calculator");
+    std::vector<Record> records;
+    Journal journal;
+    journal.Observe([&records](const Record& record) { records.push_back(record); });
+    Runner runner(procedure, factory, journal);
+    EXPECT_THROW(runner.Run(), std::runtime_error);
+    EXPECT_EQ(records.back().operation, event::ProcedureEnded);
+    EXPECT_EQ(records.back().Text(argument::reason),
+              "the module or the host failed; the clean-up failed: 'wrong' could not be run: broken");
+    EXPECT_TRUE(std::none_of(records.begin(), records.end(),
+                             [](const Record& each) { return each.operation == event::ParameterLeft; }));
 }
 
 TEST(Left, WrittenParametersThatWereNotPutBack_AreListed) {
@@ -517,6 +565,51 @@ TEST(CalledProcedure, ThatFails_LeadsToFailedOrEndsTheCaller) {
     EXPECT_EQ(outcome.reason, "procedure 'called' ended failed: step 'e' in step 's'");
 }
 
+TEST(CalledProcedure, ResultThatItDidNotWrite_IsNoMeasurement) {
+    Procedure procedure = Read(std::string(head) + "[measurements.mine]\ndata = 'mine'\n"
+                                                   "[steps.s]\nprocedure = 'f'\nresults = { mine = 'base' }\n"
+                                                   "next = 'good'\n");
+    procedure.steps.at("s").procedure->procedure = Called("passed");
+    const Outcome outcome = RunProcedure(std::move(procedure), {}, "");
+    EXPECT_EQ(outcome.reason, "measurement 'mine' was not made");
+}
+
+TEST(CalledProcedure, ThatPassesInALaterTry_LetsTheCallerPass) {
+    Procedure procedure =
+        Read(std::string(head) + "[steps.s]\nprocedure = 'f'\nretry = { times = 9, after = '10s' }\n"
+                                 "next = 'good'\n");
+    procedure.steps.at("s").procedure->procedure = std::make_shared<const Procedure>(Read(R"(
+name = 'hot?'
+start = 'a'
+[measurements.heat]
+data = 'heat'
+atLeast = 40
+[commands.load]
+class = 'ParameterLoader'
+properties = { parameterID = 'temperature', dsLocation = 'heat' }
+[steps.a]
+run = ['load']
+next = 'e'
+[steps.e]
+end = 'passed'
+)"));
+    const Outcome outcome = RunProcedure(std::move(procedure), {}, "");
+    EXPECT_EQ(outcome.verdict, Verdict::Passed) << outcome.reason;
+    EXPECT_EQ(outcome.Of(event::StepRetried).size(), 2U);
+}
+
+TEST(CalledProcedure, ThatCouldNotCleanUpWhenItWasEnded_KeepsTheCallerFromPassing) {
+    Procedure procedure =
+        Read(std::string(head) + "[steps.s]\nprocedure = 'f'\ntimeout = '2s'\ntimedOut = 'good'\n"
+                                 "next = 'bad'\n");
+    Procedure called = *Called("passed");
+    called.commands.at("note").className.text = "CommandTerminator";
+    called.commands.at("note").properties = {{{"commandID", {}}, {"load", {}}}};
+    procedure.steps.at("s").procedure->procedure = std::make_shared<const Procedure>(std::move(called));
+    const Outcome outcome = RunProcedure(std::move(procedure), {}, "");
+    EXPECT_EQ(outcome.verdict, Verdict::Error) << outcome.reason;
+}
+
 TEST(CalledProcedure, ThatEndsInAnError_KeepsTheCallerFromPassing) {
     EXPECT_EQ(RunCalling("error", "failed = 'good'\n").verdict, Verdict::Error);
 }
@@ -559,6 +652,32 @@ TEST(Stop, DuringACalledProcedure_EndsItWithItsCleanUp) {
     EXPECT_EQ(outcome.verdict, Verdict::Failed) << outcome.reason;
     EXPECT_EQ(outcome.Path(), "s:0 t:0 a:0 bad:9500");
     EXPECT_EQ(outcome.Executed(), "stop load sum note");
+}
+
+TEST(Stop, ChoiceOfAMonitor_IsNeitherRetriedNorOvertakenByATimeout) {
+    const Outcome retried =
+        RunSteps(std::string(cooling) +
+                 "[steps.s]\nrun = ['stop', 'wrong']\nretry = 3\ndelay = '1min'\nnext = 'good'\n"
+                 "on = { stop = 'bad' }\n");
+    EXPECT_EQ(retried.Path(), "s:0 bad:9500");
+    EXPECT_TRUE(retried.Of(event::StepRetried).empty());
+}
+
+TEST(Stop, DuringAnAlwaysStep_TakesEffectInTheNext) {
+    const Outcome outcome =
+        RunSteps(std::string(cooling) + "[steps.s]\nrun = ['stop']\ndelay = '10s'\nalways = 't'\n"
+                                        "[steps.t]\ndelay = '1min'\nnext = 'good'\non = { stop = 'bad' }\n");
+    EXPECT_EQ(outcome.verdict, Verdict::Failed) << outcome.reason;
+    EXPECT_EQ(outcome.Path().substr(0, 13), "s:0 t:10000 b");
+}
+
+TEST(Stop, WithoutAWayOutOfTheStep_KeepsTheRunFromPassing) {
+    const Outcome outcome =
+        RunSteps(std::string(cooling) + "[steps.s]\nrun = ['stop']\ndelay = '15s'\nnext = 'good'\n");
+    EXPECT_EQ(outcome.verdict, Verdict::Error);
+    EXPECT_TRUE(outcome.reason.starts_with(
+        "not everything was done: the monitor 'stop' chose 'stop', which leads nowhere from step 's'"))
+        << outcome.reason;
 }
 
 TEST(Stop, FailSafeSet_StopsIfItCannotBeRead) {
@@ -606,7 +725,7 @@ TEST(Finally, AbortMeanwhile_IsTheVerdict) {
         RunSteps("[steps.s]\nnext = 'good'\n", "finally = ['close']\n", {}, event::FinallyStarted);
     EXPECT_EQ(outcome.verdict, Verdict::Aborted);
     EXPECT_EQ(outcome.Executed(), "close");
-    EXPECT_EQ(outcome.reason, "interrupted during the clean-up; before it: step 'good'");
+    EXPECT_EQ(outcome.reason, "interrupted at the end; before that: step 'good'");
 }
 
 TEST(Tags, StandInTheJournal) {

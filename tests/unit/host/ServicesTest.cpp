@@ -179,7 +179,9 @@ TEST_F(ServicesTest, ProcedureController_BetweenStepsAcceptsTheEmptyTransitionAl
     };
     expectRefusals();
     services.procedureController.EnterStep(OneOf({"weak"}));
-    services.procedureController.LeaveStep();
+    bool isFinal = true;
+    services.procedureController.LeaveStep(isFinal);
+    EXPECT_FALSE(isFinal);
     expectRefusals();
 }
 
