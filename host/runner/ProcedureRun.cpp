@@ -460,10 +460,10 @@ std::optional<ProcedureRun::Ending> ProcedureRun::RunCalled(const ProcedureCall&
         }
     }
     called->ReleaseData();
-    if (!called->StillHeld().empty())
-        m_stillHeld.push_back(std::move(called));
     const bool isStopped = ending.verdict == Verdict::Aborted && m_cause == Cause::None;
     NoteFailureOfCalled(call, *called, ending, isStopped);
+    if (!called->StillHeld().empty())
+        m_stillHeld.push_back(std::move(called));
     if (isStopped)
         return std::nullopt; // The choice says where to go on.
     return ending.verdict == Verdict::Passed ? std::nullopt : std::optional(std::move(ending));
