@@ -9,10 +9,10 @@
 #include "platform/Process.h"
 #include "platform/Utf8.h"
 #include "tests/docs/Markdown.h"
+#include "tests/support/TemporaryFolder.h"
 #include "tests/support/VirtualTime.h"
 
 #include <filesystem>
-#include <fstream>
 #include <gtest/gtest.h>
 #include <regex>
 #include <string>
@@ -22,10 +22,6 @@ namespace vant::test {
 using namespace host;
 
 namespace {
-
-void Write(const std::filesystem::path& file, const std::string& text) {
-    std::ofstream(file, std::ios::binary) << text;
-}
 
 /// "Ends VERDICT at TIME."
 std::string Promised(const Section& section) {
@@ -38,8 +34,7 @@ std::string Promised(const Section& section) {
 }
 
 TEST(RecipesDocument, EveryRecipe_EndsAsThePageSays) {
-    const std::filesystem::path folder = ProgramFolder() / "recipes";
-    std::filesystem::create_directories(folder);
+    const TemporaryFolder folder;
     std::size_t recipes = 0;
     for (const Section& section : ReadSections("docs/recipes.md")) {
         const std::vector<std::string> code = section.Code("toml");
@@ -47,10 +42,10 @@ TEST(RecipesDocument, EveryRecipe_EndsAsThePageSays) {
             continue;
         ++recipes;
         SCOPED_TRACE(section.title);
-        Write(folder / "recipe.toml", code.at(0));
+        const std::filesystem::path recipe = folder.Write("recipe.toml", code.at(0));
         if (code.size() > 1)
-            Write(folder / "measure.toml", code.at(1));
-        LoadedProcedure loaded = LoadProcedure(PathToUtf8(folder / "recipe.toml"), "");
+            folder.Write("measure.toml", code.at(1));
+        LoadedProcedure loaded = LoadProcedure(PathToUtf8(recipe), "");
         const VirtualTime time;
         const LoadedModule module(ProgramFolder() / LibraryFileName("VantCommands"));
         CheckCommands(loaded.procedure, module, loaded.files.Main().found);
@@ -66,7 +61,6 @@ TEST(RecipesDocument, EveryRecipe_EndsAsThePageSays) {
             << last.Text(argument::reason);
     }
     EXPECT_GE(recipes, 8U);
-    std::filesystem::remove_all(folder);
 }
 
 } // namespace

@@ -2,28 +2,22 @@
 #include "platform/portable/catalogue.h"
 #include "tests/registration/ClassesRoot.h"
 #include "tests/registration/StatedEntries.h"
+#include "tests/support/TemporaryFolder.h"
 
 #include <cstdlib>
 
 namespace vant {
 
 struct ClassesRoot::System {
-    std::filesystem::path folder;
+    TemporaryFolder folder;
 };
 
 ClassesRoot::ClassesRoot() : m_system(std::make_unique<System>()) {
-    std::string pattern = (std::filesystem::temp_directory_path() / "classes_rootXXXXXX").string();
-    if (!mkdtemp(pattern.data()))
-        throw std::filesystem::filesystem_error("no temporary folder", pattern,
-                                                std::error_code(errno, std::generic_category()));
-    m_system->folder = pattern;
-    setenv("VANT_CATALOGUE", (m_system->folder / "catalogue.txt").c_str(), 1);
+    setenv("VANT_CATALOGUE", (m_system->folder.Path() / "catalogue.txt").c_str(), 1);
 }
 
 ClassesRoot::~ClassesRoot() {
     unsetenv("VANT_CATALOGUE");
-    std::error_code ignored;
-    std::filesystem::remove_all(m_system->folder, ignored);
 }
 
 Subtree ClassesRoot::OfTheModule() const {

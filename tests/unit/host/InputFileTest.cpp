@@ -1,27 +1,21 @@
 #include "host/procedure/InputFile.h"
 
+#include "tests/support/TemporaryFolder.h"
+
 #include <filesystem>
-#include <fstream>
 #include <gtest/gtest.h>
 
 namespace vant::host {
 
 namespace {
 
-std::filesystem::path TestFile() {
-    return std::filesystem::path(::testing::TempDir()) /
-           (std::string("vant_input_") + ::testing::UnitTest::GetInstance()->current_test_info()->name());
-}
-
 TEST(ReadFile, WholeContent_IsReturned) {
     std::string content = "a\r\n\xFF";
     content += '\0';
     content.append(200000, 'x');
-    std::ofstream(TestFile(), std::ios::binary) << content;
-    EXPECT_EQ(ReadFile(TestFile()), content);
-    std::ofstream(TestFile(), std::ios::binary | std::ios::trunc);
-    EXPECT_EQ(ReadFile(TestFile()), "");
-    std::filesystem::remove(TestFile());
+    const TemporaryFolder folder;
+    EXPECT_EQ(ReadFile(folder.Write("file", content)), content);
+    EXPECT_EQ(ReadFile(folder.Write("file", "")), "");
 }
 
 TEST(ReadFile, MissingFileOrFolder_ThrowsTheReason) {
@@ -30,12 +24,12 @@ TEST(ReadFile, MissingFileOrFolder_ThrowsTheReason) {
 }
 
 TEST(ReadFile, LargerThanTheLimit_IsRefused) {
-    std::ofstream(TestFile(), std::ios::binary) << 'x';
-    std::filesystem::resize_file(TestFile(), largestInput);
-    EXPECT_EQ(ReadFile(TestFile()).size(), largestInput);
-    std::filesystem::resize_file(TestFile(), largestInput + 1);
-    EXPECT_THROW(ReadFile(TestFile()), InputError);
-    std::filesystem::remove(TestFile());
+    const TemporaryFolder folder;
+    const std::filesystem::path file = folder.Write("file", "x");
+    std::filesystem::resize_file(file, largestInput);
+    EXPECT_EQ(ReadFile(file).size(), largestInput);
+    std::filesystem::resize_file(file, largestInput + 1);
+    EXPECT_THROW(ReadFile(file), InputError);
 }
 
 } // namespace

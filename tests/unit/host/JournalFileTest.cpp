@@ -1,5 +1,7 @@
 #include "host/record/JournalFile.h"
 
+#include "tests/support/TemporaryFolder.h"
+
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
@@ -11,18 +13,15 @@ namespace {
 
 class JournalFileTest : public ::testing::Test {
 protected:
-    ~JournalFileTest() override { std::filesystem::remove(m_file); }
-
-    void Fill(const std::string& content) const { std::ofstream(m_file, std::ios::binary) << content; }
+    void Fill(const std::string& content) const { m_folder.Write("journal", content); }
     std::string Content() const {
         std::ostringstream content;
         content << std::ifstream(m_file, std::ios::binary).rdbuf();
         return content.str();
     }
 
-    const std::filesystem::path m_file =
-        std::filesystem::path(::testing::TempDir()) /
-        (std::string("vant_journal_") + ::testing::UnitTest::GetInstance()->current_test_info()->name());
+    const TemporaryFolder m_folder;
+    const std::filesystem::path m_file = m_folder.Path() / "journal";
 };
 
 TEST_F(JournalFileTest, Records_AreLinesAtOnce) {

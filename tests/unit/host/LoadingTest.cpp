@@ -1,9 +1,9 @@
 #include "host/procedure/Loading.h"
 
 #include "host/procedure/InputFile.h"
+#include "tests/support/TemporaryFolder.h"
 
 #include <filesystem>
-#include <fstream>
 #include <gtest/gtest.h>
 
 namespace vant::host {
@@ -12,21 +12,11 @@ namespace {
 
 class LoadingTest : public ::testing::Test {
 protected:
-    LoadingTest() {
-        std::filesystem::remove_all(m_folder);
-        std::filesystem::create_directories(m_folder);
-    }
-    ~LoadingTest() override { std::filesystem::remove_all(m_folder); }
-
     std::string Write(const std::string& name, const std::string& content) {
-        const std::filesystem::path file = m_folder / name;
-        std::ofstream(file, std::ios::binary) << content;
-        return FileName(file);
+        return FileName(m_folder.Write(name, content));
     }
 
-    const std::filesystem::path m_folder =
-        std::filesystem::path(::testing::TempDir()) /
-        (std::string("vant_loading_") + ::testing::UnitTest::GetInstance()->current_test_info()->name());
+    const TemporaryFolder m_folder;
     const std::string m_procedure = "name = 'n'\nstart = 's'\n[steps.s]\nend = 'passed'\n";
 };
 
@@ -54,7 +44,7 @@ TEST_F(LoadingTest, MistakesOfAllFiles_AreFoundTogether) {
     const LoadedProcedure loaded = LoadProcedure(file, "");
     EXPECT_TRUE(loaded.files.HasErrors());
     EXPECT_EQ(loaded.files.Print(), file + ":7:9: error: there is no class 'X'\n" +
-                                        FileName(m_folder / "e.toml") +
+                                        FileName(m_folder.Path() / "e.toml") +
                                         ":1:12: error: 'protocol' must be a whole number from 0 to 6\n");
 }
 
@@ -77,7 +67,7 @@ TEST_F(LoadingTest, CalledProcedure_IsCheckedWithItsArgumentsAndTheOuterEngine) 
                         "[steps.s]\nprocedure = 'called.toml'\narguments = { length = '5' }\nnext = 'e'\n"
                         "[steps.e]\nend = 'passed'\n");
     EXPECT_EQ(LoadProcedure(file, "").files.Print(),
-              FileName(m_folder / "called.toml") +
+              FileName(m_folder.Path() / "called.toml") +
                   ":10:64: error: the engine has no parameter '101' (did you mean '100'?)\n");
 }
 
@@ -134,7 +124,7 @@ TEST_F(LoadingTest, ProcedureWithoutAnEngine_IsCheckedWithoutItsParameters) {
 TEST_F(LoadingTest, CheckedFile_IsAProcedureOrAnEngine) {
     EXPECT_EQ(CheckFile(Write("p.toml", m_procedure), "").Print(), "");
     EXPECT_EQ(CheckFile(Write("e.toml", "[parameters.100]\nvalue = 1\n"), "").Print(), "");
-    const std::string file = FileName(m_folder / "none.toml");
+    const std::string file = FileName(m_folder.Path() / "none.toml");
     EXPECT_EQ(CheckFile(file, "").Print().find(file + ":1:1: error: the file cannot be read: "), 0U);
     EXPECT_THROW(CheckFile(Write("p.toml", m_procedure), "no such file"), InputError);
 }

@@ -3,6 +3,7 @@
 #include "module/registration/Script.h"
 #include "module/registration/portable/CatalogueKeyStore.h"
 #include "platform/ClassRegistration.h"
+#include "tests/support/TemporaryFolder.h"
 
 #include <chrono>
 #include <cstdlib>
@@ -26,14 +27,6 @@ namespace {
 
 class CatalogueFile : public ::testing::Test {
 protected:
-    void SetUp() override {
-        std::string pattern = (std::filesystem::temp_directory_path() / "catalogueXXXXXX").string();
-        ASSERT_NE(mkdtemp(pattern.data()), nullptr);
-        folder = pattern;
-        file = folder / "sub folder" / "catalogue.txt";
-    }
-    void TearDown() override { std::filesystem::remove_all(folder); }
-
     std::string Text() const {
         std::ifstream in(file, std::ios::binary);
         return {std::istreambuf_iterator<char>(in), {}};
@@ -45,8 +38,9 @@ protected:
     std::wstring Value() const { return *Catalogue::Read(file).Find(L"A", L""); }
     std::filesystem::path Replacement() const { return file.string() + ".new"; }
 
-    std::filesystem::path folder;
-    std::filesystem::path file;
+    const TemporaryFolder temporary;
+    const std::filesystem::path folder = temporary.Path();
+    const std::filesystem::path file = folder / "sub folder" / "catalogue.txt";
 };
 
 /// An environment variable with another value, or without one, while the object lives.

@@ -1,8 +1,8 @@
 #include "platform/DynamicLibrary.h"
 
 #include "platform/Process.h"
+#include "tests/support/TemporaryFolder.h"
 
-#include <fstream>
 #include <gtest/gtest.h>
 #include <stdexcept>
 #include <string>
@@ -29,10 +29,9 @@ TEST(DynamicLibrary, FileIsMissing_ThrowsTheSystemsReason) {
 
 TEST(DynamicLibrary, FileIsNoLibrary_ThrowsAnotherReason) {
     const auto missing = ProgramFolder() / LibraryFileName("NoSuchLibrary");
-    const auto text = std::filesystem::path(::testing::TempDir()) / LibraryFileName("OnlyText");
-    std::ofstream(text) << "no library at all";
+    const TemporaryFolder folder;
+    const auto text = folder.Write(LibraryFileName("OnlyText"), "no library at all");
     const std::string reason = MessageOf([&] { DynamicLibrary library(text); });
-    std::filesystem::remove(text);
     EXPECT_NE("", reason);
     EXPECT_NE("nothing thrown", reason);
     EXPECT_NE(MessageOf([&] { DynamicLibrary library(missing); }), reason);
