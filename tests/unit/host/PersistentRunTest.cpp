@@ -1,17 +1,14 @@
 // Procedures whose commands run on, in virtual time, with the commands of the built module.
 
-#include "host/procedure/ProcedureReader.h"
 #include "host/record/Json.h"
 #include "host/record/Vocabulary.h"
-#include "host/runner/Runner.h"
-#include "tests/support/VirtualTime.h"
-#include "tests/unit/host/BuiltModule.h"
+#include "tests/unit/host/RunOutcome.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
 #include <sstream>
-#include <stdexcept>
-#include <string_view>
+#include <string>
+#include <vector>
 
 namespace vant::host {
 
@@ -75,51 +72,28 @@ end = 'passed'
 end = 'failed'
 )";
 
-/// The result of one run.
-struct Outcome {
-    Verdict verdict{};
-    std::vector<Record> records;
-    std::string journal;
+RunOutcome RunSteps(const std::string& steps, const RecordFilter& abortAt = {}) {
+    return RunProcedure(ProcedureOf(head + steps), {.allowFailedCalls = true}, abortAt);
+}
 
-    std::int64_t TimeOf(const std::string& operation, const std::string& command = {}) const {
-        const auto found = std::find_if(records.begin(), records.end(), [&](const Record& record) {
-            return record.operation == operation && (command.empty() || record.command == command);
-        });
-        EXPECT_NE(found, records.end()) << operation << ' ' << command;
-        return found == records.end() ? -1 : found->time;
-    }
-    std::int64_t TimeOfStep(const std::string& step) const {
-        const auto found = std::find_if(records.begin(), records.end(), [&](const Record& record) {
-            return record.operation == event::StepEntered && record.Text(argument::step) == step;
-        });
-        EXPECT_NE(found, records.end()) << step;
-        return found == records.end() ? -1 : found->time;
-    }
-};
+/// The commands whose threads have ended, sorted.
+std::vector<std::string> Ended(const RunOutcome& outcome) {
+    std::vector<std::string> ids;
+    for (const Record& record : outcome.Of(event::ThreadEnded))
+        ids.push_back(record.command);
+    std::sort(ids.begin(), ids.end());
+    return ids;
+}
 
-Outcome RunSteps(const std::string& steps) {
-    Outcome outcome;
+std::string JournalOf(const RunOutcome& outcome) {
     std::ostringstream text;
-    Diagnostics found;
-    const Procedure procedure = ReadProcedure(head + steps, found);
-    EXPECT_FALSE(found.HasErrors()) << found.Sorted().front().Text("f");
-    const test::VirtualTime time;
-    const LoadedModule module(test::BuiltModuleFile());
-    {
-        Journal journal;
-        journal.Observe([&](const Record& record) { outcome.records.push_back(record); });
-        journal.Observe(JsonLinesWriter(text));
-        Runner runner(procedure, module, journal, {.allowFailedCalls = true});
-        outcome.verdict = runner.Run();
-        EXPECT_TRUE(runner.StillHeld().empty());
-    }
-    EXPECT_TRUE(module.CanUnload());
-    outcome.journal = text.str();
-    return outcome;
+    for (const Record& record : outcome.records)
+        JsonLinesWriter{text}(record);
+    return text.str();
 }
 
 TEST(PersistentRun, StepWithoutWait_ContinuesAtOnceAndTheEndStopsRunningCommands) {
-    const Outcome outcome = RunSteps("[steps.s]\nrun = ['long', 'show']\nnext = 'good'\n");
+    const RunOutcome outcome = RunSteps("[steps.s]\nrun = ['long', 'show']\nnext = 'good'\n");
     EXPECT_EQ(outcome.verdict, Verdict::Passed);
     EXPECT_EQ(outcome.TimeOf(event::ThreadEnded, "long"), 0);
     EXPECT_EQ(outcome.TimeOf(event::ThreadEnded, "show"), 0);
@@ -127,33 +101,35 @@ TEST(PersistentRun, StepWithoutWait_ContinuesAtOnceAndTheEndStopsRunningCommands
 }
 
 TEST(PersistentRun, WaitForATransition_EndsWithTheChoiceWhileOthersRunOn) {
-    const Outcome outcome =
+    const RunOutcome outcome =
         RunSteps("[steps.s]\nrun = ['long', 'choosing']\nwait = 'transition'\nnext = 'bad'\n");
     EXPECT_EQ(outcome.verdict, Verdict::Passed);
     EXPECT_EQ(outcome.TimeOf(event::TransitionFollowed), 900);
 }
 
 TEST(PersistentRun, WaitForATransition_EndsWithTheLastPersistentCommand) {
-    const Outcome outcome =
+    const RunOutcome outcome =
         RunSteps("[steps.s]\nrun = ['short', 'sample']\nwait = 'transition'\nnext = 'good'\n");
     EXPECT_EQ(outcome.verdict, Verdict::Passed);
     EXPECT_EQ(outcome.TimeOf(event::TransitionFollowed), 3000);
 }
 
 TEST(PersistentRun, WaitForATransition_IsOverAtOnceIfNothingRuns) {
-    const Outcome outcome = RunSteps("[steps.s]\nrun = ['note']\nwait = 'transition'\nnext = 'good'\n");
+    const RunOutcome outcome = RunSteps("[steps.s]\nrun = ['note']\nwait = 'transition'\nnext = 'good'\n");
     EXPECT_EQ(outcome.TimeOf(event::TransitionFollowed), 0);
 }
 
 TEST(PersistentRun, WaitForTheEnd_WaitsForTheCommandsOfThisStepAlone) {
-    const Outcome outcome = RunSteps("[steps.s]\nrun = ['long']\nnext = 't'\n"
-                                     "[steps.t]\nrun = ['short', 'sample']\nwait = 'end'\nnext = 'good'\n");
-    EXPECT_EQ(outcome.TimeOfStep("good"), 3000);
+    const RunOutcome outcome =
+        RunSteps("[steps.s]\nrun = ['long']\nnext = 't'\n"
+                 "[steps.t]\nrun = ['short', 'sample']\nwait = 'end'\nnext = 'good'\n");
+    EXPECT_EQ(outcome.Path(), "s:0 t:0 good:3000");
     EXPECT_EQ(outcome.TimeOf(event::ThreadEnded, "long"), 3000);
 }
 
 TEST(PersistentRun, WaitForTheEnd_FollowsAChoiceAfterwards) {
-    const Outcome outcome = RunSteps("[steps.s]\nrun = ['short', 'choosing']\nwait = 'end'\nnext = 'bad'\n");
+    const RunOutcome outcome =
+        RunSteps("[steps.s]\nrun = ['short', 'choosing']\nwait = 'end'\nnext = 'bad'\n");
     EXPECT_EQ(outcome.verdict, Verdict::Passed);
     EXPECT_EQ(outcome.TimeOf(operation::SetTransition), 900);
     EXPECT_EQ(outcome.TimeOf(event::TransitionFollowed), 3000);
@@ -161,91 +137,41 @@ TEST(PersistentRun, WaitForTheEnd_FollowsAChoiceAfterwards) {
 
 TEST(PersistentRun, FailedCommand_EndsTheStepWithoutWaiting) {
     for (const char* const wait : {"transition", "end"}) {
-        const Outcome outcome = RunSteps(std::string("[steps.s]\nrun = ['long', 'fail']\nwait = '") + wait +
-                                         "'\nnext = 'bad'\nfailed = 'good'\n");
+        const RunOutcome outcome = RunSteps(std::string("[steps.s]\nrun = ['long', 'fail']\nwait = '") +
+                                            wait + "'\nnext = 'bad'\nfailed = 'good'\n");
         EXPECT_EQ(outcome.verdict, Verdict::Passed);
         EXPECT_EQ(outcome.TimeOf(event::TransitionFollowed), 0);
     }
 }
 
 TEST(PersistentRun, MonitorOfConditions_ChoosesAndStopsItself) {
-    const Outcome outcome = RunSteps("[steps.s]\nrun = ['long', 'guard']\nwait = 'transition'\nnext = 'bad'\n"
-                                     "on = { tripped = 'good' }\n");
+    const RunOutcome outcome =
+        RunSteps("[steps.s]\nrun = ['long', 'guard']\nwait = 'transition'\nnext = 'bad'\n"
+                 "on = { tripped = 'good' }\n");
     EXPECT_EQ(outcome.verdict, Verdict::Passed);
     EXPECT_EQ(outcome.TimeOf(operation::PersistentCommandStopped), 8000);
     EXPECT_EQ(outcome.TimeOf(event::ThreadEnded, "guard"), 8000);
 }
 
 TEST(PersistentRun, TerminatedCommand_EndsAtOnce) {
-    const Outcome outcome = RunSteps("[steps.s]\nrun = ['long', 'endLong']\nwait = 'end'\nnext = 'good'\n");
+    const RunOutcome outcome =
+        RunSteps("[steps.s]\nrun = ['long', 'endLong']\nwait = 'end'\nnext = 'good'\n");
     EXPECT_EQ(outcome.verdict, Verdict::Passed);
     EXPECT_EQ(outcome.TimeOf(operation::TerminateCommand), 0);
     EXPECT_EQ(outcome.TimeOf(event::ThreadEnded, "long"), 0);
 }
 
 TEST(PersistentRun, AbortWhileTheStepWaits_StopsEveryCommandAndCompletesTheJournal) {
-    Diagnostics found;
-    const Procedure procedure = ReadProcedure(
-        std::string(head) + "[steps.s]\nrun = ['long', 'show', 'guard']\nwait = 'end'\nnext = 'bad'\n",
-        found);
-    const test::VirtualTime time;
-    const LoadedModule module(test::BuiltModuleFile());
-    Journal journal;
-    Runner runner(procedure, module, journal);
-    std::vector<std::string> ended;
-    journal.Observe([&](const Record& record) {
-        if (record.operation == event::ThreadEnded)
-            ended.push_back(record.command);
-        if (record.operation == operation::SetComponentProperty && record.time == 1000)
-            runner.Abort();
-    });
-    EXPECT_EQ(runner.Run(), Verdict::Aborted);
-    std::sort(ended.begin(), ended.end());
-    EXPECT_EQ(ended, (std::vector<std::string>{"guard", "long", "show"}));
-    EXPECT_TRUE(runner.StillHeld().empty());
-}
-
-TEST(PersistentRun, AbortWhileTheRunnersThreadAdjusts_EndsWithTheNextWrite) {
-    Diagnostics found;
-    const Procedure procedure = ReadProcedure(R"(
-name = 'n'
-start = 's'
-[engine.parameters."110142"]
-value = 0
-max = 100
-[engine.parameters."101000"]
-value = 800
-[engine.parameters."199236"]
-value = 8
-[commands.adjust]
-class = 'SampledThrottleAdjuster'
-properties = { successTransition = 'bad', failTransition = 'bad' }
-[steps.s]
-run = ['adjust']
-next = 'bad'
-[steps.bad]
-end = 'failed'
-)",
-                                              found);
-    ASSERT_FALSE(found.HasErrors());
-    const test::VirtualTime time;
-    const LoadedModule module(test::BuiltModuleFile());
-    Journal journal;
-    Runner runner(procedure, module, journal);
-    std::vector<HRESULT> writes;
-    journal.Observe([&](const Record& record) {
-        if (record.operation != operation::SetParameter)
-            return;
-        writes.push_back(*record.result);
-        if (writes.size() == 3)
-            runner.Abort();
-    });
-    EXPECT_EQ(runner.Run(), Verdict::Aborted);
-    EXPECT_EQ(writes, (std::vector<HRESULT>{S_OK, S_OK, S_OK, E_ABORT}));
+    const RunOutcome outcome = RunSteps(
+        "[steps.s]\nrun = ['long', 'show', 'guard']\nwait = 'end'\nnext = 'bad'\n", [](const Record& record) {
+            return record.operation == operation::SetComponentProperty && record.time == 1000;
+        });
+    EXPECT_EQ(outcome.verdict, Verdict::Aborted);
+    EXPECT_EQ(Ended(outcome), (std::vector<std::string>{"guard", "long", "show"}));
 }
 
 TEST(PersistentRun, TimerThatRunsItself_EndsAtTheLimits) {
-    const Outcome outcome =
+    const RunOutcome outcome =
         RunSteps("[commands.self]\nclass = 'Timer'\n"
                  "properties = { length = '1', dsBase = 'left', tickCommandID = 'self' }\n"
                  "[steps.s]\nrun = ['self']\nwait = 'end'\nnext = 'good'\n");
@@ -261,47 +187,21 @@ TEST(PersistentRun, TimerThatRunsItself_EndsAtTheLimits) {
     EXPECT_EQ(outcome.TimeOf(event::ProcedureEnded), 17000);
 }
 
-/// The built module, except that creating one class throws.
-class BreakingFactory final : public CommandFactory {
-public:
-    HRESULT Create(std::string_view className, CComPtr<IVantCommand>& command) const override {
-        if (className == "DataStoreWriter")
-            throw std::runtime_error("broken");
-        return m_module.Create(className, command);
-    }
-    bool CanUnload() const override { return m_module.CanUnload(); }
-
-private:
-    const LoadedModule m_module{test::BuiltModuleFile()};
-};
-
 TEST(PersistentRun, RunThatBreaksOff_HasStoppedEveryCommand) {
-    Diagnostics found;
-    const Procedure procedure = ReadProcedure(
-        std::string(head) + "[steps.s]\nrun = ['long', 'show', 'note']\nnext = 'good'\n", found);
-    const test::VirtualTime time;
-    const BreakingFactory factory;
-    Journal journal;
-    std::vector<std::string> ended;
-    journal.Observe([&](const Record& record) {
-        if (record.operation == event::ThreadEnded)
-            ended.push_back(record.command);
-    });
-    Runner runner(procedure, factory, journal);
-    EXPECT_THROW(runner.Run(), std::runtime_error);
-    std::sort(ended.begin(), ended.end());
-    EXPECT_EQ(ended, (std::vector<std::string>{"long", "show"}));
-    EXPECT_TRUE(factory.CanUnload());
+    const RunOutcome outcome = RunWithBrokenClass(
+        ProcedureOf(std::string(head) + "[steps.s]\nrun = ['long', 'show', 'note']\nnext = 'good'\n"),
+        "DataStoreWriter");
+    EXPECT_EQ(Ended(outcome), (std::vector<std::string>{"long", "show"}));
 }
 
-TEST(PersistentRun, OneHundredRuns_GiveTheSameJournal) {
+TEST(PersistentRun, OneHundredRuns_HaveTheSameJournal) {
     const char* const steps =
         "[steps.s]\nrun = ['show', 'long', 'short', 'guard', 'sample']\nwait = 'transition'\n"
         "next = 'good'\non = { tripped = 'good' }\n";
-    const std::string first = RunSteps(steps).journal;
+    const std::string first = JournalOf(RunSteps(steps));
     EXPECT_GT(first.size(), 10000U);
     for (int i = 1; i < 100; ++i)
-        ASSERT_EQ(RunSteps(steps).journal, first) << "run " << i;
+        ASSERT_EQ(JournalOf(RunSteps(steps)), first) << "run " << i;
 }
 
 } // namespace

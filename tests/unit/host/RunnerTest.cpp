@@ -90,6 +90,15 @@ TEST_F(RunnerTest, Step_RunsItsCommandsInOrderAndLeadsToNext) {
     EXPECT_EQ(Reason(), "step 'good'");
 }
 
+TEST_F(RunnerTest, RevisionAuthorAndTags_AreInTheJournal) {
+    settings.tags = {{"serial", "4711"}};
+    Run("revision = 'B'\nauthor = 'N'\n[steps.s]\nnext = 'good'\n");
+    EXPECT_EQ(records.at(0).Text(argument::revision), "B");
+    EXPECT_EQ(records.at(0).Text(argument::author), "N");
+    EXPECT_EQ(records.at(1).operation, event::TagGiven);
+    EXPECT_EQ(records.at(1).Text(argument::value), "4711");
+}
+
 TEST_F(RunnerTest, StepThatEndsFailed_GivesThatVerdict) {
     EXPECT_EQ(Run("[steps.s]\nnext = 'bad'\n"), Verdict::Failed);
     EXPECT_EQ(records.back().operation, event::ProcedureEnded);
