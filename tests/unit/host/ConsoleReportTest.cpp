@@ -1,7 +1,6 @@
 #include "vant/ConsoleReport.h"
 
-#include "host/record/CallScope.h"
-#include "host/record/Vocabulary.h"
+#include "tests/unit/host/RecordFixture.h"
 
 #include <gtest/gtest.h>
 #include <regex>
@@ -16,39 +15,11 @@ using namespace host;
 
 namespace {
 
-class ConsoleReportTest : public ::testing::Test {
+class ConsoleReportTest : public RecordFixture {
 protected:
     void Begin(ConsoleReport::Style style = {}) {
         report.emplace(out, style);
-        Event(event::ProcedureStarted, {{argument::name, "Test"}});
-    }
-    void Event(const char* operation, std::vector<Argument> arguments = {}, const char* command = "",
-               std::optional<HRESULT> result = std::nullopt) {
-        Take(service::Runner, operation, std::move(arguments), command, result);
-    }
-    void Call(const char* service, const char* operation, std::vector<Argument> arguments,
-              HRESULT result = S_OK, const char* command = "work") {
-        Take(service, operation, std::move(arguments), command, result);
-    }
-    void EnterStep(const char* step) { Event(event::StepEntered, {{argument::step, step}}); }
-    void EndCommand(const char* command, HRESULT result = S_OK) {
-        Event(
-            event::CommandEnded,
-            {{argument::className, "Calculator"}, {argument::caller, nullptr}, {argument::phase, "execute"}},
-            command, result);
-    }
-    void Show(const char* text) {
-        Call(service::PresentationService, operation::ShowInstruction, {{argument::text, text}});
-    }
-    void Evaluate(double value, const char* command) {
-        Call(service::ConditionSet, operation::Evaluate,
-             {{argument::name, "fast"},
-              {argument::failed, "parameter 7 atLeast 1500"},
-              {argument::parameter, "7"},
-              {argument::limits, "atLeast 1500"},
-              {argument::value, value},
-              {argument::allMet, false}},
-             S_OK, command);
+        BeginProcedure("Test");
     }
     void Measure(const char* name, Value value, const char* verdict) {
         Event(event::Measured, {{argument::name, name},
@@ -61,9 +32,6 @@ protected:
                                 {argument::step, "measure"},
                                 {argument::description, ""}});
     }
-    void End(const char* verdict) {
-        Event(event::ProcedureEnded, {{argument::verdict, verdict}, {argument::reason, "because"}});
-    }
     /// What was written since the last time.
     std::string Written() {
         std::string text = out.str();
@@ -73,20 +41,9 @@ protected:
 
     std::ostringstream out;
     std::optional<ConsoleReport> report;
-    std::string thread = mainThread;
-    std::int64_t time = 0;
 
 private:
-    void Take(const char* service, const char* operation, std::vector<Argument> arguments,
-              const char* command, std::optional<HRESULT> result) {
-        (*report)({.time = time,
-                   .thread = thread,
-                   .command = command,
-                   .service = service,
-                   .operation = operation,
-                   .arguments = std::move(arguments),
-                   .result = result});
-    }
+    void Take(const Record& record) override { (*report)(record); }
 };
 
 TEST_F(ConsoleReportTest, Beginning_DescribesTheProcedure) {
@@ -123,8 +80,7 @@ TEST_F(ConsoleReportTest, RepeatedLineOfTheRunnersThread_IsWrittenEachTime) {
 
 TEST_F(ConsoleReportTest, Command_IsWrittenWithTheValuesThatItUsed) {
     Begin();
-    Event(event::ParameterGiven,
-          {{argument::id, "7"}, {argument::name, "Speed"}, {argument::units, "1/min"}});
+    DescribeSpeed();
     EnterStep("first");
     Call(service::Parameter, operation::get_Value, {{argument::id, "7"}, {argument::value, 800.0}});
     Call(service::ParameterService, operation::SetParameter, {{argument::id, "8"}, {argument::value, "on"}});
@@ -165,8 +121,7 @@ TEST_F(ConsoleReportTest, CallThatFailsRepeatedly_IsWrittenOnceAndCounted) {
 
 TEST_F(ConsoleReportTest, UnmetCondition_IsToldWithNameAndUnits) {
     Begin();
-    Event(event::ParameterGiven,
-          {{argument::id, "7"}, {argument::name, "Speed"}, {argument::units, "1/min"}});
+    DescribeSpeed();
     EnterStep("first");
     Written();
     Evaluate(1391, "check");
@@ -191,13 +146,13 @@ TEST_F(ConsoleReportTest, Step_IsWrittenWithItsDurationIfItLasted) {
     Begin();
     EnterStep("first");
     time = 20;
-    Event(event::TransitionFollowed, {{argument::to, "second"}});
+    Follow("second");
     EnterStep("second");
     time = 2524;
-    Event(event::TransitionFollowed, {{argument::to, "third"}});
+    Follow("third");
     EnterStep("third");
     time = 4524;
-    End("aborted");
+    EndProcedure("aborted");
     EXPECT_EQ(Written(), "Test\n\nstep first\n  -> second\n\nstep second\n  -> third (2.5 s)\n"
                          "\nstep third\n  ended (2 s)\n\naborted: because\n");
 }
@@ -205,14 +160,14 @@ TEST_F(ConsoleReportTest, Step_IsWrittenWithItsDurationIfItLasted) {
 TEST_F(ConsoleReportTest, CalledProcedure_IsIndented) {
     Begin();
     EnterStep("outer");
-    Event(event::ProcedureStarted, {{argument::name, "Inner"}});
+    BeginProcedure("Inner");
     EnterStep("first");
     EndCommand("work");
-    Event(event::TransitionFollowed, {{argument::to, "second"}});
+    Follow("second");
     EnterStep("second");
     Event(event::DataLeft, {{argument::name, "drop"}, {argument::value, "3"}});
-    End("passed");
-    Event(event::TransitionFollowed, {{argument::to, "last"}});
+    EndProcedure("passed");
+    Follow("last");
     EXPECT_EQ(Written(), "Test\n\nstep outer\n  procedure Inner\n    step first\n"
                          "      work             Calculator                ok\n      -> second\n"
                          "    step second\n    passed: because\n  -> last\n");
@@ -246,7 +201,7 @@ TEST_F(ConsoleReportTest, End_HasDataMeasurementsAndWhatIsLeft) {
                                  {argument::name, "Throttle"},
                                  {argument::value, std::int64_t{35}},
                                  {argument::was, std::int64_t{0}}});
-    End("error");
+    EndProcedure("error");
     EXPECT_EQ(Written(), "\nmeasurements\n"
                          "  drop       3 V  atMost 4  passed   1:01 in measure\n"
                          "  long name       atMost 4  missing  1:01 in measure\n"
@@ -260,9 +215,9 @@ TEST_F(ConsoleReportTest, Loop_IsBounded) {
         Call(service::DataStore, operation::SetValue,
              {{argument::name, "n"}, {argument::value, std::to_string(i)}});
         EndCommand("work");
-        Event(event::TransitionFollowed, {{argument::to, "a"}});
+        Follow("a");
     }
-    End("error");
+    EndProcedure("error");
     const std::string text = Written();
     EXPECT_NE(text.find("  n = 2\n  -> a\n\n... step a 997 more times\n\nerror: because\n"),
               std::string::npos)
@@ -275,7 +230,7 @@ TEST_F(ConsoleReportTest, QuietReport_HasVerdictAndMeasurementsThatDidNotPass) {
     Show("wait");
     Measure("drop", "3", "passed");
     Measure("rest", "5", "failed");
-    End("failed");
+    EndProcedure("failed");
     EXPECT_EQ(Written(), "rest  5 V  atMost 4  failed  1:01 in measure\nfailed: because\n");
 }
 
@@ -303,7 +258,7 @@ TEST_F(ConsoleReportTest, Interlude_ComesBehindWhatWasHeldBack) {
 TEST_F(ConsoleReportTest, LiveLine_IsErasedBeforeOtherTextAndAtTheEnd) {
     report.emplace(out, ConsoleReport::Style{});
     report->GoLive([this] { return time; });
-    Event(event::ProcedureStarted, {{argument::name, "Test"}});
+    BeginProcedure("Test");
     time = 61'500;
     EnterStep("a");
     EndCommand("work");

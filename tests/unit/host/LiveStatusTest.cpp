@@ -1,9 +1,8 @@
 #include "vant/LiveStatus.h"
 
-#include "host/record/Vocabulary.h"
+#include "tests/unit/host/RecordFixture.h"
 
 #include <gtest/gtest.h>
-#include <utility>
 
 namespace vant::program {
 
@@ -11,45 +10,25 @@ using namespace host;
 
 namespace {
 
-class LiveStatusTest : public ::testing::Test {
+class LiveStatusTest : public RecordFixture {
 protected:
-    void Event(const char* operation, std::vector<Argument> arguments = {}, const char* thread = "main") {
-        Take(service::Runner, operation, std::move(arguments), "", thread);
-    }
-    void Call(const char* service, const char* operation, std::vector<Argument> arguments,
-              const char* command) {
-        Take(service, operation, std::move(arguments), command, "main");
-    }
     /// A command that begins on a thread "Worker 1".
     void Begin(const char* command, const char* className, const char* property, const char* value) {
-        Take(service::Runner, event::CommandCreated, {{argument::className, className}}, command, "main");
-        Take(service::Runner, event::PropertySet, {{argument::name, property}, {argument::value, value}},
-             command, "main");
-        Call(service::ThreadService, operation::RegisterCallback,
-             {{argument::threadName, "Worker"}, {argument::cookie, std::int64_t{1}}}, command);
+        Event(event::CommandCreated, {{argument::className, className}}, command, S_OK);
+        Event(event::PropertySet, {{argument::name, property}, {argument::value, value}}, command, S_OK);
+        BeginThread(1, command);
     }
-    void Read(const char* thread) { Take(service::Parameter, operation::get_Value, {}, "", thread); }
-    void EnterStep(const char* step) { Event(event::StepEntered, {{argument::step, step}}); }
+    void Read() { Call(service::Parameter, operation::get_Value, {}, S_OK, ""); }
 
     LiveStatus status;
-    std::int64_t time = 0;
 
 private:
-    void Take(const char* service, const char* operation, std::vector<Argument> arguments,
-              const char* command, const char* thread) {
-        status.Take({.time = time,
-                     .thread = thread,
-                     .command = command,
-                     .service = service,
-                     .operation = operation,
-                     .arguments = std::move(arguments),
-                     .result = S_OK});
-    }
+    void Take(const Record& record) override { status.Take(record); }
 };
 
 TEST_F(LiveStatusTest, OutsideSteps_IsEmpty) {
     EXPECT_EQ(status.Text(0), "");
-    Event(event::ProcedureStarted, {{argument::name, "Test"}});
+    BeginProcedure("Test");
     EXPECT_EQ(status.Text(0), "");
     EnterStep("a");
     EXPECT_EQ(status.Text(1999), "step a  0:01");
@@ -70,7 +49,7 @@ TEST_F(LiveStatusTest, Wait_IsShownWithItsTimeLimitAndConditionUntilTheStepIsLef
           {argument::limits, "above 5"},
           {argument::value, "4"},
           {argument::allMet, false}},
-         "");
+         S_OK, "");
     EXPECT_EQ(status.Text(35'000),
               "step a  0:35  waits for conditions 'hot' (0:30 of at most 1:00): data x 4, required above 5");
     EnterStep("b");
@@ -80,11 +59,11 @@ TEST_F(LiveStatusTest, Wait_IsShownWithItsTimeLimitAndConditionUntilTheStepIsLef
 TEST_F(LiveStatusTest, CommandsThatRunOn_AreShownUntilTheirThreadsEnd) {
     Event(event::ProcedureStarted);
     EnterStep("a");
-    for (const std::int64_t cookie : {1, 2})
-        Call(service::ThreadService, operation::RegisterCallback,
-             {{argument::threadName, "Worker"}, {argument::cookie, cookie}}, cookie == 1 ? "guard" : "show");
+    BeginThread(1, "guard");
+    BeginThread(2, "show");
     EXPECT_EQ(status.Text(0), "step a  0:00  running: guard, show");
-    Event(event::ThreadEnded, {}, "Worker 1");
+    thread = "Worker 1";
+    Event(event::ThreadEnded);
     EXPECT_EQ(status.Text(0), "step a  0:00  running: show");
 }
 
@@ -92,9 +71,11 @@ TEST_F(LiveStatusTest, ProgressOfASampler_IsInReadings) {
     Event(event::ProcedureStarted);
     EnterStep("a");
     Begin("mean", "ParameterSampler", "numSamples", "20");
-    Read("Worker 1");
-    Read("Worker 1");
-    Read("Worker 2");
+    thread = "Worker 1";
+    Read();
+    Read();
+    thread = "Worker 2";
+    Read();
     EXPECT_EQ(status.Text(0), "step a  0:00  running: mean (2 of 20 readings)");
 }
 

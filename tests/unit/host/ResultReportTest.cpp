@@ -1,59 +1,22 @@
 #include "host/record/ResultReport.h"
 
-#include "host/record/CallScope.h"
-#include "host/record/Vocabulary.h"
+#include "tests/unit/host/RecordFixture.h"
 
 #include <gtest/gtest.h>
-#include <utility>
 
 namespace vant::host {
 
 namespace {
 
-class ResultReportTest : public ::testing::Test {
+class ResultReportTest : public RecordFixture {
 protected:
-    void Event(const char* operation, std::vector<Argument> arguments = {}, const char* command = "",
-               std::optional<HRESULT> result = std::nullopt) {
-        Take(service::Runner, operation, std::move(arguments), command, result);
-    }
-    void Call(const char* service, const char* operation, std::vector<Argument> arguments, HRESULT result,
-              const char* command = "") {
-        Take(service, operation, std::move(arguments), command, result);
-    }
-    void Begin(const char* name) { Event(event::ProcedureStarted, {{argument::name, name}}); }
-    void End(const char* verdict) {
-        Event(event::ProcedureEnded, {{argument::verdict, verdict}, {argument::reason, "because"}});
-    }
-    void Enter(const char* step) { Event(event::StepEntered, {{argument::step, step}}); }
-    void Follow(const char* to) { Event(event::TransitionFollowed, {{argument::to, to}}); }
-    void EndCommand(const char* command, HRESULT result) {
-        Event(
-            event::CommandEnded,
-            {{argument::className, "Calculator"}, {argument::caller, nullptr}, {argument::phase, "execute"}},
-            command, result);
-    }
-    void Show(const char* text) {
-        Call(service::PresentationService, operation::ShowInstruction, {{argument::text, text}}, S_OK);
-    }
     const Json& Result() { return report.Result(); }
     const Json& Step(std::size_t index) { return report.Result()["steps"][index]; }
 
     ResultReport report;
-    std::string thread = mainThread;
-    std::int64_t time = 0;
 
 private:
-    void Take(const char* service, const char* operation, std::vector<Argument> arguments,
-              const char* command, std::optional<HRESULT> result) {
-        Record record{.time = time,
-                      .thread = thread,
-                      .command = command,
-                      .service = service,
-                      .operation = operation,
-                      .arguments = std::move(arguments),
-                      .result = result};
-        report(record);
-    }
+    void Take(const Record& record) override { report(record); }
 };
 
 TEST_F(ResultReportTest, Procedure_IsDescribedWithTagsVerdictAndDuration) {
@@ -70,7 +33,7 @@ TEST_F(ResultReportTest, Procedure_IsDescribedWithTagsVerdictAndDuration) {
                                  {argument::value, std::int64_t{35}},
                                  {argument::was, std::int64_t{0}}});
     time = 2500;
-    End("passed");
+    EndProcedure("passed");
     EXPECT_EQ(Result().dump(),
               R"({"format":1,"procedure":{"name":"Check","description":"A check.","revision":"3",)"
               R"("author":"Jane"},"tags":{"serial":"4711"},"verdict":"passed","reason":"because","start":0,)"
@@ -80,8 +43,8 @@ TEST_F(ResultReportTest, Procedure_IsDescribedWithTagsVerdictAndDuration) {
 }
 
 TEST_F(ResultReportTest, Step_HasCommandsInstructionsDisplayAndNext) {
-    Begin("Check");
-    Enter("measure");
+    BeginProcedure("Check");
+    EnterStep("measure");
     EndCommand("drop", E_FAIL);
     Show("Wait");
     Show("Go on");
@@ -105,17 +68,17 @@ TEST_F(ResultReportTest, Step_HasCommandsInstructionsDisplayAndNext) {
 }
 
 TEST_F(ResultReportTest, StepWithoutTransition_EndsWithTheProcedure) {
-    Begin("Check");
-    Enter("measure");
+    BeginProcedure("Check");
+    EnterStep("measure");
     time = 700;
-    End("failed");
+    EndProcedure("failed");
     EXPECT_EQ(Step(0)["duration"], 700);
     EXPECT_EQ(Step(0)["next"], nullptr);
 }
 
 TEST_F(ResultReportTest, Command_HasItsValuesAndFailedCalls) {
-    Begin("Check");
-    Enter("measure");
+    BeginProcedure("Check");
+    EnterStep("measure");
     time = 100;
     Event(event::CommandCreated, {}, "load", S_OK);
     Call(service::Parameter, operation::get_Text, {{argument::id, "7"}, {argument::value, "1"}}, S_OK,
@@ -131,7 +94,7 @@ TEST_F(ResultReportTest, Command_HasItsValuesAndFailedCalls) {
         Call(service::ParameterService, operation::SetParameter, {{argument::id, "7"}}, E_ACCESSDENIED,
              "load");
     time = 400;
-    EndCommand("load", S_OK);
+    EndCommand("load");
     const Json& command = Step(0)["commands"][0];
     EXPECT_EQ(command["start"], 100);
     EXPECT_EQ(command["duration"], 300);
@@ -143,11 +106,11 @@ TEST_F(ResultReportTest, Command_HasItsValuesAndFailedCalls) {
 }
 
 TEST_F(ResultReportTest, ThreadOfACommand_HasItsOwnValuesInTheStepInWhichItEnds) {
-    Begin("Check");
-    Enter("sample");
+    BeginProcedure("Check");
+    EnterStep("sample");
     Event(event::CommandCreated, {}, "sample", S_OK);
-    EndCommand("sample", S_OK);
-    Enter("later");
+    EndCommand("sample");
+    EnterStep("later");
     thread = "Worker 1";
     time = 1000;
     Call(service::Parameter, operation::get_Value, {{argument::id, "7"}, {argument::value, 1.5}}, S_OK,
@@ -161,20 +124,12 @@ TEST_F(ResultReportTest, ThreadOfACommand_HasItsOwnValuesInTheStepInWhichItEnds)
 }
 
 TEST_F(ResultReportTest, UnmetConditions_AreListedOnceWithTheLastValue) {
-    Begin("Check");
-    Event(event::ParameterGiven,
-          {{argument::id, "7"}, {argument::name, "Speed"}, {argument::units, "1/min"}});
-    Enter("measure");
+    BeginProcedure("Check");
+    DescribeSpeed();
+    EnterStep("measure");
     for (const double value : {1200.0, 1391.0}) {
         time += 250;
-        Call(service::ConditionSet, operation::Evaluate,
-             {{argument::name, "fast"},
-              {argument::failed, "parameter 7 atLeast 1500"},
-              {argument::parameter, "7"},
-              {argument::limits, "atLeast 1500"},
-              {argument::value, value},
-              {argument::allMet, false}},
-             S_OK);
+        Evaluate(value, "");
     }
     EXPECT_EQ(Step(0)["unmet"].dump(),
               R"([{"conditions":"fast","condition":"parameter 7 atLeast 1500","value":1391.0,)"
@@ -182,8 +137,8 @@ TEST_F(ResultReportTest, UnmetConditions_AreListedOnceWithTheLastValue) {
 }
 
 TEST_F(ResultReportTest, WaitsRetriesAndTimeOut_AreThoseOfTheStep) {
-    Begin("Check");
-    Enter("measure");
+    BeginProcedure("Check");
+    EnterStep("measure");
     Event(event::WaitStarted, {{argument::waitsFor, "a transition"}, {argument::limit, std::int64_t{60000}}});
     Event(event::StepRetried, {{argument::step, "measure"},
                                {argument::attempt, std::int64_t{2}},
@@ -197,13 +152,13 @@ TEST_F(ResultReportTest, WaitsRetriesAndTimeOut_AreThoseOfTheStep) {
 }
 
 TEST_F(ResultReportTest, CleanUp_HasItsOwnCommands) {
-    Begin("Check");
-    Enter("done");
+    BeginProcedure("Check");
+    EnterStep("done");
     time = 100;
     Event(event::FinallyStarted);
-    EndCommand("reset", S_OK);
+    EndCommand("reset");
     time = 150;
-    End("passed");
+    EndProcedure("passed");
     EXPECT_EQ(Step(0)["duration"], 100);
     EXPECT_TRUE(Step(0)["commands"].empty());
     EXPECT_EQ(Result()["finally"]["commands"][0]["command"], "reset");
@@ -211,20 +166,19 @@ TEST_F(ResultReportTest, CleanUp_HasItsOwnCommands) {
 }
 
 TEST_F(ResultReportTest, CalledProcedure_IsAResultWithinItsStep) {
-    Begin("Outer");
-    Enter("first");
-    Call(service::ThreadService, operation::RegisterCallback,
-         {{argument::threadName, "Worker"}, {argument::cookie, std::int64_t{1}}}, S_OK, "guard");
-    Begin("Inner");
-    Enter("first");
+    BeginProcedure("Outer");
+    EnterStep("first");
+    BeginThread(1, "guard");
+    BeginProcedure("Inner");
+    EnterStep("first");
     Show("inner");
     thread = "Worker 1";
     Show("outer");
     thread = mainThread;
     time = 40;
-    End("failed");
-    EndCommand("after", S_OK);
-    End("passed");
+    EndProcedure("failed");
+    EndCommand("after");
+    EndProcedure("passed");
     const Json& inner = Step(0)["procedure"];
     EXPECT_EQ(inner["procedure"]["name"], "Inner");
     EXPECT_EQ(inner["verdict"], "failed");
@@ -244,7 +198,7 @@ TEST_F(ResultReportTest, CallsOfCommands_AreNotTakenForEvents) {
 
 TEST_F(ResultReportTest, EndlessRun_IsKeptUpToTheLimit) {
     for (std::size_t i = 0; i < ResultReport::mostEntries + 5; ++i) {
-        Enter("again");
+        EnterStep("again");
         Follow("again");
     }
     Show("late");
@@ -255,7 +209,7 @@ TEST_F(ResultReportTest, EndlessRun_IsKeptUpToTheLimit) {
 }
 
 TEST_F(ResultReportTest, ManyInstructionsOfAStep_AreKeptUpToTheLimit) {
-    Enter("long");
+    EnterStep("long");
     for (std::size_t i = 0; i < ResultReport::mostEntries; ++i)
         Show("again");
     EXPECT_EQ(Step(0)["instructions"].size(), ResultReport::mostEntries - 1);
