@@ -5,10 +5,8 @@
 #include "host/engine/model/Hysteresis.h"
 #include "tests/unit/host/EngineOnClock.h"
 
-#include <bit>
 #include <cmath>
 #include <cstdint>
-#include <fmt/format.h>
 #include <gtest/gtest.h>
 #include <limits>
 #include <string>
@@ -252,86 +250,6 @@ TEST_F(EngineStateTest, StickOnARamp_MakesStairs) {
     EXPECT_EQ(NumberAt(550, "a"), 5.5);
     EXPECT_EQ(NumberAt(1099, "a"), 5.5);
     EXPECT_EQ(NumberAt(1100, "a"), 11.0);
-}
-
-// Everything with a state, one on top of the other.
-constexpr std::string_view stateful = R"(
-seed = 7
-[parameters.throttle]
-value = 0.0
-[parameters.speed]
-value = 600.0
-behaviour = { follows = "throttle", gain = 25, offset = 600, delay = 0.37, lag = 0.8, noise = 8 }
-[parameters.load]
-value = 0.0
-behaviour = { ramp = { to = 3, at = 2.22, over = 7.77 }, stick = 0.3 }
-[parameters.torque]
-value = 0.0
-behaviour = { sum = [{ of = "speed", gain = 0.1 }, { of = "load", gain = -7, offset = 1 }], delay = 0.111, lag = 0.3 }
-[parameters.limiter]
-value = 0.0
-behaviour = { threshold = { of = "torque", on = 120, off = 90, high = 1, low = 0 }, delay = 0.21 }
-[parameters.limited]
-value = 0.0
-behaviour = { sum = [{ of = "torque" }, { of = "limiter", gain = -50 }], stick = 3, rate = 60 }
-)";
-
-class StatefulEngineTest : public EngineStateTest {
-protected:
-    /// Runs for 20 s with writes, and reads everything at each whole second and, unless `every` is 0, each
-    /// `every` milliseconds. Returns the bits of the readings at the whole seconds, mixed into one number.
-    std::uint64_t Run(std::int64_t every) {
-        Start(stateful);
-        std::uint64_t hash = 0;
-        for (std::int64_t time = 0; time <= 20000; ++time) {
-            if (time == 1003) {
-                EXPECT_EQ(WriteAt(time, "throttle", 35), S_OK);
-            } else if (time == 9996) {
-                EXPECT_EQ(WriteAt(time, "throttle", 12.5), S_OK);
-            }
-            if (time % 1000 != 0 && (every == 0 || time % every != 0))
-                continue;
-            for (const char* const id : {"limited", "speed", "limiter", "load", "torque"}) {
-                const double number = NumberAt(time, id);
-                if (time % 1000 == 0)
-                    hash = (hash ^ std::bit_cast<std::uint64_t>(number)) * 0x100000001B3U;
-            }
-        }
-        return hash;
-    }
-};
-
-TEST_F(StatefulEngineTest, TimesOfReading_DoNotMatter) {
-    const std::uint64_t seldom = Run(0);
-    for (const std::int64_t every : {1, 7, 10, 33, 50, 250})
-        EXPECT_EQ(Run(every), seldom) << every;
-}
-
-TEST_F(StatefulEngineTest, EverySystem_ReadsTheSameBits) {
-    EXPECT_EQ(Run(0), 1728679268822723204U);
-}
-
-TEST_F(StatefulEngineTest, Limiter_SwitchesOnAndOffAgain) {
-    Start(stateful);
-    ASSERT_EQ(WriteAt(1003, "throttle", 35), S_OK);
-    EXPECT_EQ(NumberAt(1500, "limiter"), 0.0);
-    EXPECT_EQ(NumberAt(8000, "limiter"), 1.0);
-    ASSERT_EQ(WriteAt(9996, "throttle", 0), S_OK);
-    EXPECT_EQ(NumberAt(20000, "limiter"), 0.0);
-}
-
-TEST(EngineOfManyDelays, ChainThatMoves_IsReadInTime) {
-    std::string toml = "[parameters]\np0 = { value = 0.0, behaviour = { towards = 1, lag = 10 } }\n";
-    for (int i = 1; i <= 100; ++i)
-        toml += fmt::format("p{} = {{ value = 0.0, behaviour = {{ follows = 'p{}', delay = 0.{:02} }} }}\n",
-                            i, i - 1, i % 10 + 1);
-    Diagnostics found;
-    const EngineDescription description = ReadEngine(toml, found);
-    EXPECT_EQ(found.Print("e"), "");
-    std::int64_t now = 0;
-    Engine engine(description.parameters, 0, [&now] { return now; });
-    now = 100000;
-    EXPECT_GT(NumberIn(std::get<Reading>(engine.Read("p100")).value), 0.99);
 }
 
 } // namespace
