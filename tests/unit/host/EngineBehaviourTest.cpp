@@ -63,10 +63,7 @@ behaviour = { lag = 1, loads = [{ at = 10, until = 20, by = -100 }, { at = 15, b
 
 TEST_F(EngineBehaviourTest, LoadWithoutInertia_ShowsAtOnce) {
     Start("[parameters.speed]\nvalue = 800\nbehaviour.loads = [{ at = 1.234, until = 2, by = -100 }]\n");
-    EXPECT_EQ(NumberAt(1233, "speed"), 800.0);
-    EXPECT_EQ(NumberAt(1234, "speed"), 700.0);
-    EXPECT_EQ(NumberAt(1999, "speed"), 700.0);
-    EXPECT_EQ(NumberAt(2000, "speed"), 800.0);
+    ExpectNumbers("speed", {{1233, 800.0}, {1234, 700.0}, {1999, 700.0}, {2000, 800.0}});
 }
 
 TEST_F(EngineBehaviourTest, Valve_MovesToWhatIsWrittenWithItsRate) {
@@ -89,9 +86,7 @@ TEST_F(EngineBehaviourTest, Coolant_RisesTowardsItsEnd) {
 
 TEST_F(EngineBehaviourTest, Ramp_IsALineBetweenItsEnds) {
     Start("[parameters.a]\nvalue = 1.5\nbehaviour.ramp = { from = 10, to = 20, at = 2, over = 4 }\n");
-    EXPECT_EQ(NumberAt(1999, "a"), 1.5);
-    EXPECT_EQ(NumberAt(2000, "a"), 10.0);
-    EXPECT_EQ(NumberAt(3000, "a"), 12.5);
+    ExpectNumbers("a", {{1999, 1.5}, {2000, 10.0}, {3000, 12.5}});
     EXPECT_DOUBLE_EQ(NumberAt(5999, "a"), 19.9975);
     EXPECT_EQ(NumberAt(6000, "a"), 20.0);
     EXPECT_EQ(NumberAt(600000, "a"), 20.0);
@@ -141,11 +136,7 @@ TEST_F(EngineBehaviourTest, Sequence_ReturnsOneValueForEachReadAndRepeatsTheLast
 
 TEST_F(EngineBehaviourTest, SequenceInTime_ChangesWhetherReadOrNot) {
     Start("[parameters.a]\nvalue = 0\nbehaviour = { sequence = [1, 2, 3], every = 0.5 }\n");
-    EXPECT_EQ(NumberAt(0, "a"), 1.0);
-    EXPECT_EQ(NumberAt(499, "a"), 1.0);
-    EXPECT_EQ(NumberAt(499, "a"), 1.0);
-    EXPECT_EQ(NumberAt(1000, "a"), 3.0);
-    EXPECT_EQ(NumberAt(9000, "a"), 3.0);
+    ExpectNumbers("a", {{0, 1.0}, {499, 1.0}, {499, 1.0}, {1000, 3.0}, {9000, 3.0}});
 }
 
 TEST_F(EngineBehaviourTest, Outage_FailsEveryReadWhileItLasts) {
@@ -299,9 +290,7 @@ TEST_F(EngineBehaviourTest, ParameterWithoutASource_TakesWritesAtOnceUnlessItHas
 TEST_F(EngineBehaviourTest, WriteWithinAStep_CountsFromTheStepsBeginning) {
     Start("[parameters.a]\nvalue = 0.0\nbehaviour.rate = 1\n");
     ASSERT_EQ(WriteAt(1009, "a", 10), S_OK);
-    EXPECT_EQ(NumberAt(1009, "a"), 0.0);
-    EXPECT_EQ(NumberAt(1010, "a"), 0.01);
-    EXPECT_EQ(NumberAt(2000, "a"), 1.0);
+    ExpectNumbers("a", {{1009, 0.0}, {1010, 0.01}, {2000, 1.0}});
 }
 
 TEST_F(EngineBehaviourTest, ValueThatIsNotANumber_CountsAsZero) {

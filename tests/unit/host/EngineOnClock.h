@@ -12,6 +12,8 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 namespace vant::host {
 
@@ -35,6 +37,11 @@ protected:
     }
     double NumberAt(std::int64_t time, const std::string& id) {
         return NumberIn(ValueAt(time, id)).value_or(std::nan(""));
+    }
+    /// Reads the parameter at each of the times and expects the number beside it.
+    void ExpectNumbers(const std::string& id, const std::vector<std::pair<std::int64_t, double>>& readings) {
+        for (const auto& [time, number] : readings)
+            EXPECT_EQ(NumberAt(time, id), number) << id << " at " << time;
     }
     std::wstring TextAt(std::int64_t time, const std::string& id) {
         now = time;

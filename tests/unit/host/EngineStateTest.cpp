@@ -122,20 +122,13 @@ behaviour = { follows = "b", delay = 1 }
 
 TEST_F(EngineStateTest, DelayedRamp_IsHeldFor50Milliseconds) {
     Start("[parameters.a]\nvalue = 0.0\nbehaviour = { ramp = { to = 100, over = 10 }, delay = 1 }\n");
-    EXPECT_EQ(NumberAt(1049, "a"), 0.0);
-    EXPECT_EQ(NumberAt(1050, "a"), 0.5);
-    EXPECT_EQ(NumberAt(1099, "a"), 0.5);
-    EXPECT_EQ(NumberAt(6000, "a"), 50.0);
-    EXPECT_EQ(NumberAt(10999, "a"), 99.5);
-    EXPECT_EQ(NumberAt(11000, "a"), 100.0);
+    ExpectNumbers("a", {{1049, 0.0}, {1050, 0.5}, {1099, 0.5}, {6000, 50.0}, {10999, 99.5}, {11000, 100.0}});
 }
 
 TEST_F(EngineStateTest, Loads_AreNotDelayed) {
     Start("[parameters.a]\nvalue = 5\nbehaviour = { delay = 1, loads = [{ at = 0.5, by = 2 }] }\n");
     ASSERT_EQ(WriteAt(0, "a", 7), S_OK);
-    EXPECT_EQ(NumberAt(499, "a"), 5.0);
-    EXPECT_EQ(NumberAt(500, "a"), 7.0);
-    EXPECT_EQ(NumberAt(1000, "a"), 9.0);
+    ExpectNumbers("a", {{499, 5.0}, {500, 7.0}, {1000, 9.0}});
 }
 
 TEST_F(EngineStateTest, DelayedNotANumber_ArrivesAsZeroOnce) {
@@ -246,10 +239,7 @@ behaviour = { follows = "x", stick = 5, rate = 4 }
 
 TEST_F(EngineStateTest, StickOnARamp_MakesStairs) {
     Start("[parameters.a]\nvalue = 0.0\nbehaviour = { ramp = { to = 100, over = 10 }, stick = 5 }\n");
-    EXPECT_EQ(NumberAt(549, "a"), 0.0);
-    EXPECT_EQ(NumberAt(550, "a"), 5.5);
-    EXPECT_EQ(NumberAt(1099, "a"), 5.5);
-    EXPECT_EQ(NumberAt(1100, "a"), 11.0);
+    ExpectNumbers("a", {{549, 0.0}, {550, 5.5}, {1099, 5.5}, {1100, 11.0}});
 }
 
 } // namespace
