@@ -11,7 +11,6 @@
 #include "host/runner/LoadedModule.h"
 #include "host/runner/Runner.h"
 #include "platform/Clock.h"
-#include "platform/MessagePresenter.h"
 #include "platform/Process.h"
 #include "platform/portable/testing.h"
 
@@ -83,7 +82,6 @@ std::string JournalOf(const Procedure& procedure) {
 
 extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
     testing::SetOutputDebugHook([](LPCWSTR) {}); // traces would only take time
-    SetMessagePresenter([](const std::wstring&, const std::wstring&, UINT) {});
     module.emplace(ProgramFolder() / LibraryFileName("VantCommands"));
     ReadEngines("procedures/engines");
     return 0;

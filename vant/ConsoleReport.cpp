@@ -186,6 +186,14 @@ void ConsoleReport::WriteEventOfStep(const Record& record) {
         const std::string line = fmt::format("waits for {}{}{}", TextIn(record, argument::waitsFor),
                                              limit ? ", at most " : "", limit ? FormatDuration(limit) : "");
         Write(line, line);
+    } else if (record.operation == event::PromptShown) {
+        const std::string caption = ReadableIn(record, argument::caption);
+        const std::string line =
+            fmt::format("{}: {}{}", record.Text(argument::kind) == "message" ? "message" : "question",
+                        caption.empty() ? "" : "[" + caption + "] ", TextIn(record, argument::text));
+        Write(line, line);
+    } else if (record.operation == event::PromptClosed) {
+        WriteAnswer(record);
     } else if (record.operation == event::StepTimedOut) {
         const std::string reason = TextIn(record, argument::reason);
         Write(fmt::format("time ran out{}{}{}{}", reason.empty() ? "" : ": ", reason,
@@ -201,6 +209,16 @@ void ConsoleReport::WriteEventOfStep(const Record& record) {
         Write(line, line, Lasted(record.time - m_levels.back().stepBegan.value_or(record.time)));
         m_levels.back().stepBegan.reset();
     }
+}
+
+/// Closing a message is not worth a line.
+void ConsoleReport::WriteAnswer(const Record& record) {
+    if (record.Text(argument::answer) == "OK")
+        return;
+    const std::string by = record.Text(argument::by);
+    const std::string line =
+        fmt::format("answer: {}", by.empty() ? "none" : ReadableIn(record, argument::answer));
+    Write(by.empty() || by == "operator" ? line : fmt::format("{} ({})", line, by), line);
 }
 
 void ConsoleReport::WriteCall(const Record& record) {

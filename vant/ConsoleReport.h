@@ -84,6 +84,7 @@ private:
     /// tell it from the step itself.
     void BeginLog(const std::string& suffix = {}, const std::string& prefix = {});
 
+    void WriteAnswer(const host::Record& record);
     void WriteCommand(const host::Record& record);
     void WriteEndOfThread(const host::Record& record);
     /// Each call of a command once in a step; the command's own line counts them.
@@ -98,7 +99,7 @@ private:
 
     /// False if a thread, or the step itself, repeats a line that was written in this step.
     bool IsNewInStep(const host::Record& record, const std::string& line);
-    /// Writes a line about what the record tells, unless one of the same shape is repeated.
+    /// Writes a line about the record, unless it repeats one of the same shape.
     void WriteInStep(const host::Record& record, const std::string& text, const std::string& shape);
     /// A line with the indentation of the current procedure; `inner`: that of what its steps do.
     void Write(const std::string& text, const std::string& shape, const std::string& duration = {},

@@ -73,6 +73,8 @@ void LiveStatus::TakeEvent(const Record& record) {
         m_wait = {Printable(record.Text(argument::waitsFor)), record.time,
                   number ? std::optional(*number) : std::nullopt};
         m_unmet.clear();
+    } else if (record.operation == event::PromptShown && record.command.empty()) {
+        m_wait = {"an answer", record.time, std::nullopt};
     } else if (record.operation == event::TransitionFollowed || record.operation == event::StepRetried) {
         LeaveStep();
     } else if (record.operation == event::ThreadEnded) {

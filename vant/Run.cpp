@@ -7,6 +7,7 @@
 #include "host/record/ResultReport.h"
 #include "host/runner/CommandCheck.h"
 #include "host/runner/LoadedModule.h"
+#include "host/runner/ReadyOperator.h"
 #include "host/runner/RegisteredClasses.h"
 #include "host/runner/Runner.h"
 #include "host/text/Duration.h"
@@ -18,7 +19,7 @@
 #include "platform/Process.h"
 #include "platform/Utf8.h"
 #include "vant/ConsoleReport.h"
-#include "vant/MessagePrompt.h"
+#include "vant/TerminalOperator.h"
 
 #include <cstdlib>
 #include <iostream>
@@ -61,6 +62,12 @@ public:
     ~InterruptScope() { SetInterruptible(nullptr); }
     InterruptScope(const InterruptScope&) = delete;
     InterruptScope& operator=(const InterruptScope&) = delete;
+};
+
+/// What a run needs from files.
+struct Loaded {
+    LoadedProcedure run;
+    std::vector<ReadyAnswer> answers;
 };
 
 std::unique_ptr<CommandFactory> OpenCommands(const RunOptions& options) {
@@ -147,8 +154,9 @@ void CheckAfterwards(const Runner& runner, const CommandFactory& commands) {
         throw Failure(ExitCode::Broken, "the module still has live objects after the run");
 }
 
-RunSettings SettingsOf(const RunOptions& options) {
-    RunSettings settings{.maxSteps = options.maxSteps, .allowFailedCalls = options.allowFailedCalls};
+RunSettings SettingsOf(const RunOptions& options, Operator& answering) {
+    RunSettings settings{
+        .maxSteps = options.maxSteps, .allowFailedCalls = options.allowFailedCalls, .answering = &answering};
     if (!options.maxTime.empty()) {
         settings.maxTime = ParseDuration(options.maxTime);
         if (settings.maxTime.value_or(0) == 0)
@@ -166,10 +174,19 @@ RunSettings SettingsOf(const RunOptions& options) {
     return settings;
 }
 
-ExitCode RunLoaded(const RunOptions& options, const LoadedProcedure& loaded, const CommandFactory& commands) {
+/// Answers prompts as the user wants. What a program reads from standard output stays JSON.
+std::unique_ptr<Operator> MakeOperator(const RunOptions& options, ConsoleReport* report) {
+    std::ostream& out = options.json ? std::cerr : std::cout;
+    const bool reportShowsPrompts = report && !options.quiet;
+    if (options.closesMessages)
+        return std::make_unique<AbsentOperator>(reportShowsPrompts ? nullptr : &out);
+    return std::make_unique<TerminalOperator>(out, report, reportShowsPrompts);
+}
+
+ExitCode RunLoaded(const RunOptions& options, const Loaded& loaded, const CommandFactory& commands) {
     Journal journal;
     ResultReport result;
-    std::optional<JournalFile> journalFile = OpenJournal(options, loaded.files);
+    std::optional<JournalFile> journalFile = OpenJournal(options, loaded.run.files);
     if (journalFile)
         journal.Observe([&journalFile](const Record& record) { journalFile->Write(record); });
     std::optional<ConsoleReport> report;
@@ -182,12 +199,14 @@ ExitCode RunLoaded(const RunOptions& options, const LoadedProcedure& loaded, con
     OnFirstInterrupt(Interrupt); // Before the runner starts a thread, which inherits the signal mask.
     if (report && WantsLiveLine(options))
         report->GoLive([&journal] { return journal.Now(); });
-    Runner runner(loaded.procedure, commands, journal, SettingsOf(options));
+    std::optional<ReadyOperator> ready;
+    if (!options.answers.empty())
+        ready.emplace(loaded.answers);
+    const auto other = MakeOperator(options, report ? &*report : nullptr);
+    Operator& answering = ready ? static_cast<Operator&>(*ready) : *other;
+    Runner runner(loaded.run.procedure, commands, journal, SettingsOf(options, answering));
     Verdict verdict{};
     {
-        // What a program reads from standard output stays JSON.
-        const MessagePrompt prompt(options.json ? std::cerr : std::cout, std::cin, options.closesMessages,
-                                   report ? &*report : nullptr);
         const InterruptScope scope(runner);
         const ClockParticipant participant;
         verdict = runner.Run();
@@ -195,6 +214,8 @@ ExitCode RunLoaded(const RunOptions& options, const LoadedProcedure& loaded, con
     if (options.json)
         std::cout << result.Result().dump(2) << '\n';
     std::cout.flush();
+    if (ready)
+        std::cerr << ready->Unused().Print(options.answers);
     const bool journalIsWhole = !journalFile || (journalFile->Close() && journal.IsComplete());
     CheckAfterwards(runner, commands);
     if (!journalIsWhole)
@@ -217,9 +238,12 @@ void SetTime(const RunOptions& options) {
         UseRealTime(options.speed);
 }
 
-LoadedProcedure Load(const RunOptions& options) {
+Loaded Load(const RunOptions& options) {
     try {
-        return LoadProcedure(options.procedure, options.engine);
+        Loaded loaded{LoadProcedure(options.procedure, options.engine), {}};
+        if (!options.answers.empty())
+            loaded.answers = LoadAnswers(options.answers, loaded.run.files);
+        return loaded;
     } catch (const InputError& failure) {
         throw Failure(ExitCode::WrongInput, failure.what());
     }
@@ -229,20 +253,21 @@ LoadedProcedure Load(const RunOptions& options) {
 
 ExitCode Run(const RunOptions& options) {
     SetTime(options);
-    LoadedProcedure loaded = Load(options);
+    Loaded loaded = Load(options);
+    auto& [procedure, called, files] = loaded.run;
     std::unique_ptr<CommandFactory> commands;
     try {
         commands = OpenCommands(options);
-        CheckCommands(loaded.procedure, *commands, loaded.files.Main().found);
-        for (const CalledProcedure& each : loaded.called)
+        CheckCommands(procedure, *commands, files.Main().found);
+        for (const CalledProcedure& each : called)
             CheckCommands(*each.procedure, *commands, each.file->found);
     } catch (const std::exception&) {
         // The files' own mistakes are worth telling all the same.
-        std::cerr << loaded.files.Print();
+        std::cerr << files.Print();
         throw;
     }
-    std::cerr << loaded.files.Print();
-    if (loaded.files.HasErrors() || (options.strict && loaded.files.HasWarnings()))
+    std::cerr << files.Print();
+    if (files.HasErrors() || (options.strict && files.HasWarnings()))
         return ExitCode::WrongInput;
     return RunLoaded(options, loaded, *commands);
 }

@@ -21,7 +21,8 @@ struct RunOptions {
     bool quiet = false;          ///< Only the verdict, and measurements that failed or are missing.
     bool verbose = false;        ///< Every host call, too.
     bool strict = false;         ///< Warnings refuse the run, too.
-    bool closesMessages = false; ///< Messages are closed without waiting for the user.
+    bool closesMessages = false; ///< No operator: messages are closed at once, and standard answers count.
+    std::string answers;         ///< A file of answers in place of an operator; empty: none.
     bool virtualTime = false;    ///< Nothing is waited for.
     double speed = 1;            ///< Otherwise: how many times as fast as real time.
     std::string maxTime;         ///< A duration in place of the procedure's; empty: none.

@@ -29,7 +29,7 @@ public:
     /// `print` prints one line.
     explicit StepLog(std::function<void(const std::string&)> print) : m_print(std::move(print)) {}
 
-    /// The lines from now on belong to a step, up to the next one. `key` tells it from all others, `name` is
+    /// The lines from now on belong to a step, up to the next one. `key` identifies it, `name` is
     /// for the line that counts.
     void BeginStep(const std::string& key, std::string name);
     /// The lines from now on belong to no step.

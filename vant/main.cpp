@@ -83,7 +83,13 @@ void AddRun(CLI::App& app, ExitCode& result) {
     run.add_flag("--verbose", options->verbose, "Print every host call")->excludes(json)->excludes(quiet);
     quiet->excludes(json);
     run.add_flag("--strict", options->strict, "Refuse a procedure with warnings, too");
-    run.add_flag("--yes", options->closesMessages, "Close every message without waiting for Enter");
+    CLI::Option* const yes =
+        run.add_flag("--yes", options->closesMessages,
+                     "Wait for no operator: close every message, answer every question with its default");
+    run.add_option("--answers", options->answers, "Take the answers of the operator from this TOML file")
+        ->check(CheckNotEmpty)
+        ->type_name("FILE")
+        ->excludes(yes);
     run.add_flag("--registered", options->registered,
                  "Create the commands by their registered ProgIDs instead of loading a module")
         ->excludes(module);

@@ -30,7 +30,7 @@ constexpr ClassTraits allTraits[] = {
      .actuates = true,
      .parameters = {"101000", "110142", "199236"}},
     {.className = "StartConditionChecker"},
-    {.className = "StopConditionMonitor", .runsOn = true},
+    {.className = "StopConditionMonitor", .runsOn = true, .guards = true},
     {.className = "StringFormatter", .onlyStores = true},
     {.className = "ThrottleAdjuster",
      .runsOn = true,

@@ -3,7 +3,6 @@
 #include "host/procedure/TableReader.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace vant::host {
 
@@ -100,7 +99,6 @@ private:
     }
 
     void ReadValue(const toml::node& node, Condition& condition) {
-        const std::string name = Quoted(NameOf(condition.comparison));
         if (const toml::table* const other = node.as_table()) {
             CheckKeys(*other, "the other side of a comparison", {"data"});
             if (auto entry = RequiredName(*other, "data", PositionOf(node))) {
@@ -109,12 +107,7 @@ private:
             }
             return;
         }
-        if (IsOrder(condition.comparison) && !node.is_number())
-            m_found.Error(PositionOf(node), name + " must be a number, not " + KindOf(node));
-        else if (node.is_number() && !std::isfinite(node.value<double>().value_or(0)))
-            m_found.Error(PositionOf(node),
-                          name + " must be a finite number; leave the condition out if there is no bound");
-        else if (auto value = Scalar(node, name))
+        if (auto value = ComparedValue(node, condition.comparison, "the condition"))
             condition.value = std::move(*value);
     }
 };

@@ -21,6 +21,7 @@ public:
         FindInCommands();
         FindInConditions();
         FindInCalls();
+        FindInQuestions();
         for (const auto& [name, measurement] : m_procedure.measurements)
             m_use.read.insert(measurement.data.text);
         return std::move(m_use);
@@ -102,6 +103,16 @@ private:
                 m_use.read.insert(entry.text);
             for (const auto& [name, entry] : step.procedure->results)
                 m_use.written.insert(name);
+        }
+    }
+
+    void FindInQuestions() {
+        for (const auto& [id, step] : m_procedure.steps) {
+            if (!step.ask)
+                continue;
+            ReadReferences(step.ask->text.text);
+            if (step.ask->data)
+                m_use.written.insert(step.ask->data->text);
         }
     }
 

@@ -21,7 +21,7 @@ struct DataUse {
     using Names = std::set<std::string, std::less<>>;
 
     Names given{};     ///< At the beginning, condition sets among them.
-    Names written{};   ///< By a command, or as the result of a called procedure.
+    Names written{};   ///< By a command, a question, or as the result of a called procedure.
     Names arguments{}; ///< Of those given, the ones that callers give.
     Names read{};      ///< By anything, references in texts among them.
     /// Whose texts may have references replaced; in the second, those to entries, too.

@@ -6,6 +6,15 @@
 
 namespace vant::host {
 
+std::vector<std::string_view> ButtonsOf(const Step& step) {
+    std::vector<std::string_view> buttons;
+    if (step.ask) {
+        for (const Located& each : step.ask->buttons)
+            buttons.push_back(each.text);
+    }
+    return buttons;
+}
+
 Flow::Flow(const Procedure& procedure, std::span<const CommandUse> commands)
     : m_procedure(procedure), m_commands(commands), m_runs(commands.size()), m_seen(commands.size()) {
     for (std::size_t i = 0; i < commands.size(); ++i)
@@ -101,11 +110,13 @@ void Flow::AddKeys(std::size_t step) {
         m_leads[step].push_back({.target = m_stepNumbers.at(target.text), .transition = id, .isOwn = false});
 }
 
-/// The step's own commands choose for the step; those on threads may choose in a later one. Returns what runs
-/// on.
+/// The step's own commands, and its question, choose for the step; those on threads may choose in a later
+/// one. Returns what runs on.
 Flow::Starts Flow::AddChoices() {
     Starts starts;
     for (std::size_t step = 0; step < m_steps.size(); ++step) {
+        for (const std::string_view button : ButtonsOf(*m_steps[step]))
+            AddChoice(step, button, true);
         for (const auto& [command, onThread] : CommandsOf(step)) {
             const bool runsOn = m_commands[command].traits->runsOn;
             if (runsOn)

@@ -29,6 +29,9 @@ struct Lead {
     bool carriesEarlier = true;    ///< Beyond it, what earlier steps have started may still run.
 };
 
+/// The transitions that the operator may choose when a step asks.
+std::vector<std::string_view> ButtonsOf(const Step& step);
+
 /// How a procedure runs: its steps and commands by their places in its maps, and what follows from what.
 /// Every command and step that it names exists.
 class Flow {

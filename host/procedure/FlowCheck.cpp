@@ -94,6 +94,8 @@ private:
                     noted.lacking = number;
             }
         }
+        for (const std::string_view button : ButtonsOf(m_flow.StepAt(number)))
+            m_choices.emplace(button);
         for (const auto& [transition, target] : m_flow.StepAt(number).on)
             m_keys.insert(transition);
     }
@@ -109,14 +111,20 @@ private:
         }
         for (std::size_t number = 0; number < m_flow.StepCount(); ++number) {
             const Step& step = m_flow.StepAt(number);
-            for (const Located& transition : step.retry.on) {
-                if (!m_flow.TargetOf(number, transition.text))
-                    m_found.Error(transition.position,
-                                  fmt::format("step {} has no transition {}{}", Name(number),
-                                              Quoted(transition.text),
-                                              m_found.Suggest(transition.text, step.on)));
+            for (const Located& transition : step.retry.on)
+                CheckLeads(number, transition);
+            if (step.ask && !step.always) {
+                for (const Located& button : step.ask->buttons)
+                    CheckLeads(number, button);
             }
         }
+    }
+
+    void CheckLeads(std::size_t number, const Located& transition) {
+        if (!m_flow.TargetOf(number, transition.text))
+            m_found.Error(transition.position,
+                          fmt::format("step {} has no transition {}{}", Name(number), Quoted(transition.text),
+                                      m_found.Suggest(transition.text, m_flow.StepAt(number).on)));
     }
 
     void CheckTransition(const CommandUse& command, const NameUse& use) {
@@ -155,7 +163,9 @@ private:
         if (step.on.empty())
             return;
         const std::vector<std::string_view> choices = m_flow.Choices(working, m_flow.StillRunning(number));
-        const std::set<std::string_view> known(choices.begin(), choices.end());
+        std::set<std::string_view> known(choices.begin(), choices.end());
+        for (const std::string_view button : ButtonsOf(step))
+            known.insert(button);
         for (const auto& [transition, target] : step.on) {
             if (!known.contains(transition))
                 m_found.Warning(target.position,
@@ -276,8 +286,8 @@ private:
     // Steps.
 
     bool TakesTime(const Step& step, const Working& working) const {
-        return step.procedure || step.delay.value_or(0) > 0 || step.until || step.wait != Wait::Not ||
-               step.retry.after > 0 ||
+        return step.procedure || step.ask || step.delay.value_or(0) > 0 || step.until ||
+               step.wait != Wait::Not || step.retry.after > 0 ||
                std::any_of(working.begin(), working.end(), [this](const WorkingCommand& each) {
                    return !each.onThread && m_flow.CommandAt(each.command).traits->takesTime;
                });
@@ -307,10 +317,10 @@ private:
             }
         }
         const std::vector<std::size_t> components = StrongComponents(quick);
-        std::set<std::size_t> told;
+        std::set<std::size_t> reported;
         for (std::size_t step = 0; step < quick.size(); ++step) {
             for (const std::size_t next : quick[step]) {
-                if (components[step] == components[next] && told.insert(components[step]).second)
+                if (components[step] == components[next] && reported.insert(components[step]).second)
                     ReportCircle(step, next);
             }
         }

@@ -19,7 +19,7 @@ public:
     Guard(Flow& flow, std::size_t command, std::string_view transition, const std::vector<bool>& takesTime,
           Diagnostics& found)
         : m_flow(flow), m_command(command), m_transition(transition), m_takesTime(takesTime), m_found(found),
-          m_isTold(flow.StepCount()) {}
+          m_isReported(flow.StepCount()) {}
 
     /// `endings` are the steps whose own commands end it: it is not followed into them.
     void Follow(const Steps& starts, const Steps& endings) {
@@ -67,10 +67,10 @@ private:
 
     void CheckStep(std::size_t number) {
         const Step& step = m_flow.StepAt(number);
-        if (m_isTold[number] || !m_takesTime[number] || step.always || MayFail(step) ||
+        if (m_isReported[number] || !m_takesTime[number] || step.always || MayFail(step) ||
             m_flow.TargetOf(number, m_transition))
             return;
-        m_isTold[number] = true;
+        m_isReported[number] = true;
         m_found.Warning(step.position,
                         fmt::format("the monitor {} may choose {} in step {}, which does not say where that "
                                     "leads: add it to 'on', of the step or of the procedure",
@@ -89,7 +89,7 @@ private:
     const std::string_view m_transition;
     const std::vector<bool>& m_takesTime;
     Diagnostics& m_found;
-    std::vector<bool> m_isTold;
+    std::vector<bool> m_isReported;
     Steps m_toVisit{};
 };
 
@@ -102,7 +102,7 @@ void CheckGuards(Flow& flow, const std::vector<bool>& reached, const std::vector
     for (std::size_t step = 0; step < flow.StepCount() && flow.IsWhole(); ++step) {
         for (const auto& [command, onThread] : flow.CommandsOf(step)) {
             const CommandUse& use = flow.CommandAt(command);
-            if (reached[step] && use.command->className.text == "StopConditionMonitor")
+            if (reached[step] && use.traits->guards)
                 starts[command].push_back(step);
             for (const NameUse& name : use.names) {
                 if (name.kind == PropertyKind::PersistentCommand && !onThread)

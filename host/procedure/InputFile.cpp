@@ -42,9 +42,10 @@ std::string ReadAll(std::istream& in) {
     return content;
 }
 
-/// A device may never end, and a pipe that nobody writes never begins. A pipe without a name, as shells make
-/// of a command, has a writer.
-void RefuseWhatIsNoFile(const std::filesystem::path& file) {
+/// Reading a device may never end, and opening a named pipe waits for a writer. The pipes that shells make
+/// for
+/// `<(command)` have a writer already.
+void RefuseDeviceOrPipe(const std::filesystem::path& file) {
     std::error_code unknown;
     const std::filesystem::file_type type = std::filesystem::status(file, unknown).type();
     const bool hasNoName = file.parent_path() == "/dev/fd" || file.parent_path() == "/proc/self/fd";
@@ -60,7 +61,7 @@ void RefuseWhatIsNoFile(const std::filesystem::path& file) {
 } // namespace
 
 std::string ReadFile(const std::filesystem::path& file) {
-    RefuseWhatIsNoFile(file);
+    RefuseDeviceOrPipe(file);
     std::error_code unknown;
     if (const auto size = std::filesystem::file_size(file, unknown); !unknown && size > largestInput)
         FailWithSize();

@@ -147,6 +147,10 @@ bool IsEngine(const toml::table& root) {
            (has("connection") || has("protocol") || has("parameters") || has("units") || has("faults"));
 }
 
+bool IsAnswers(const toml::table& root) {
+    return !IsProcedure(root) && root.contains("answer");
+}
+
 /// Reads what the procedure in `root` needs, and checks everything. `toRun` says whether it must be able to
 /// run as it stands.
 void LoadAll(const toml::table& root, LoadedFile& main, const std::string& engineFile, bool toRun,
@@ -172,7 +176,7 @@ void LoadAll(const toml::table& root, LoadedFile& main, const std::string& engin
     CheckProcedures(toCheck, engine, engineFile.empty() && !procedure.engineFile);
 }
 
-/// A procedure or an engine, for the sake of the messages.
+/// A procedure, an engine or answers, for the sake of the messages.
 LoadedProcedure ReadToCheck(const std::string& file, const std::string& engineFile) {
     LoadedProcedure loaded;
     LoadedFile& main = loaded.files.Add(file, "the file");
@@ -186,6 +190,8 @@ LoadedProcedure ReadToCheck(const std::string& file, const std::string& engineFi
     const auto root = ParseToml(text, main.found);
     if (root && IsEngine(*root))
         ReadEngine(*root, main.found);
+    else if (root && IsAnswers(*root))
+        ReadAnswers(*root, main.found);
     else if (root)
         LoadAll(*root, main, engineFile, false, loaded);
     return loaded;
@@ -242,6 +248,11 @@ std::vector<LoadedFiles> CheckFiles(std::span<const std::string> files, const st
             checked.push_back(std::move(each.files));
     }
     return checked;
+}
+
+std::vector<ReadyAnswer> LoadAnswers(const std::string& file, LoadedFiles& files) {
+    const std::string text = ReadNamed(file);
+    return ReadAnswers(text, files.Add(file, "the answers").found);
 }
 
 LoadedEngine LoadEngine(const std::string& file) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/engine/model/EngineDescription.h"
+#include "host/procedure/Answers.h"
 #include "host/procedure/Procedure.h"
 #include "host/text/Diagnostic.h"
 
@@ -62,14 +63,18 @@ inline constexpr std::size_t deepestProcedure = 8;
 /// UTF-8; `standardInput` stands for what the program is given.
 LoadedProcedure LoadProcedure(const std::string& file, const std::string& engineFile);
 
-/// Reads a procedure as LoadProcedure does, or an engine, for the sake of the messages. That `file` cannot be
-/// read is one of them; throws InputError if `engineFile` cannot be read.
+/// Reads a procedure as LoadProcedure does, an engine or a file of answers, for the sake of the messages.
+/// That `file` cannot be read is one of them; throws InputError if `engineFile` cannot be read.
 LoadedFiles CheckFile(const std::string& file, const std::string& engineFile);
 
 /// Checks each file as CheckFile does; the results are in the order of the files. Nothing is said about a
 /// procedure by itself that another of them runs, on whose engine it works, unless it has mistakes of its
 /// own.
 std::vector<LoadedFiles> CheckFiles(std::span<const std::string> files, const std::string& engineFile);
+
+/// Reads a file of answers, whose messages are those of the file that is added to `files`. Throws InputError
+/// as LoadProcedure does.
+std::vector<ReadyAnswer> LoadAnswers(const std::string& file, LoadedFiles& files);
 
 struct LoadedEngine {
     std::optional<EngineDescription>

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/conditions/Condition.h"
+#include "host/conditions/Limits.h"
 #include "host/engine/model/EngineDescription.h"
 #include "host/record/Value.h"
 #include "host/services/Components.h"
@@ -61,13 +62,25 @@ struct Procedure;
 
 /// Another procedure that a step runs, with data and threads of its own, on the same engine.
 struct ProcedureCall {
-    Located file; ///< Relative to the folder of the calling procedure; whoever reads it fills `procedure`.
+    Located file; ///< Relative to the folder of the calling procedure. The loader sets `procedure` from it.
     std::shared_ptr<const Procedure> procedure{};
     std::map<std::string, Value> given{}; ///< Entries of the called procedure and their values.
     std::map<std::string, Located>
         passed{}; ///< Entries of the called procedure that receive entries of the caller.
     std::map<std::string, Located>
         results{}; ///< Entries of the caller that receive entries of the called procedure.
+};
+
+/// What a step asks the operator when its commands have been run.
+struct Question {
+    Located text;                   ///< References to entries and parameters are replaced by their texts.
+    std::vector<Located> buttons{}; ///< Transitions, one of which is the answer.
+    std::optional<Located> data{};  ///< Or the entry that receives what is entered.
+    bool isNumber = false;          ///< What is entered.
+    std::string units{};
+    Limits limits{};
+    std::optional<std::int64_t> timeout{}; ///< In milliseconds.
+    std::optional<Value> standard{};       ///< The answer if the operator enters none.
 };
 
 /// A step runs commands and leads on to another step, or ends the procedure. Times are in milliseconds.
@@ -77,6 +90,7 @@ struct Step {
     std::optional<ProcedureCall> procedure{}; ///< Run before the commands.
     std::vector<Located> run{};
     std::vector<Located> mayFail{}; ///< Commands and operations whose failures the verdict ignores.
+    std::optional<Question> ask{};
     std::optional<std::int64_t> delay{};
     std::optional<Located> until{}; ///< The condition set that the step waits for.
     Wait wait = Wait::Not;
@@ -90,22 +104,14 @@ struct Step {
     std::optional<Verdict> end{};
 };
 
-/// A comparison of a measured value.
-struct Limit {
-    Comparison comparison = Comparison::Is;
-    Value value;
-};
-
 /// A data-store entry whose last value counts as a measurement.
 struct Measurement {
     Position position; ///< Of the measurement's name.
     Located data;
     std::string units{};
     std::string description{};
-    std::vector<Limit> limits{};       ///< All must hold.
-    std::vector<Value> oneOf{};        ///< If not empty, the value is one of these.
-    std::optional<std::string> like{}; ///< A pattern with * and ?.
-    bool optional = false;             ///< It need not be made.
+    Limits limits{};
+    bool optional = false; ///< It need not be made.
 };
 
 /// The limits of a run without limits of its own.
@@ -135,7 +141,7 @@ struct Procedure {
     Components components;
     std::map<std::string, Position> componentPositions; ///< Of the names in `components`.
     ConditionSets conditions;
-    /// The file that holds the engine, relative to the procedure's folder; whoever reads it fills `engine`.
+    /// The file that holds the engine, relative to the procedure's folder. The loader sets `engine` from it.
     std::optional<Located> engineFile;
     std::optional<EngineDescription> engine;
     std::map<std::string, Position> parameterPositions; ///< Of the parameters of an engine in this file.

@@ -45,6 +45,8 @@ public:
         for (const auto& [id, step] : m_procedure.steps) {
             if (step.procedure)
                 CheckCall(*step.procedure);
+            if (step.ask)
+                CheckQuestion(id, *step.ask);
         }
         CheckTexts();
     }
@@ -153,8 +155,8 @@ private:
 
     void CheckEntry(const std::string& name, const Position& position) {
         if (m_whole.commands && !name.empty() && !m_data.Exists(name))
-            m_found.Error(position, "there is no data entry " + Quoted(name) +
-                                        ": nothing gives or writes it" + SuggestEntry(name));
+            m_found.Error(position, "there is no data entry " + Quoted(name) + ": nothing sets it" +
+                                        SuggestEntry(name));
     }
 
     void CheckEntryRead(const CommandUse& command, const NameUse& use) {
@@ -286,10 +288,9 @@ private:
         const auto called = m_called.find(call.procedure.get());
         for (const auto& [name, entry] : call.results) {
             if (called != m_called.end() && !called->second->Exists(entry.text))
-                m_found.Error(
-                    entry.position,
-                    fmt::format("procedure {} has no data entry {}: nothing in it gives or writes it",
-                                Quoted(call.file.text), Quoted(entry.text)));
+                m_found.Error(entry.position,
+                              fmt::format("procedure {} has no data entry {}: nothing in it sets it",
+                                          Quoted(call.file.text), Quoted(entry.text)));
         }
     }
 
@@ -298,6 +299,15 @@ private:
         if (called != m_called.end() && !called->second->read.contains(name))
             m_found.Warning(call.file.position, fmt::format("procedure {} does not read the argument {}",
                                                             Quoted(call.file.text), Quoted(name)));
+    }
+
+    void CheckQuestion(const std::string& step, const Question& question) {
+        const std::string place = "the question of step " + Quoted(step);
+        CheckEntriesIn(place, question.text.text, question.text.position);
+        CheckParametersIn(place, question.text.text, question.text.position);
+        if (question.data && m_procedure.conditions.contains(question.data->text))
+            m_found.Error(question.data->position,
+                          Quoted(question.data->text) + " is a condition set: store the value elsewhere");
     }
 
     /// References in texts that commands expand, if the texts are known: those given at the beginning, and
@@ -321,16 +331,23 @@ private:
     void CheckText(const std::string& place, const std::string& text, const std::string& entry,
                    const Position& position) {
         const bool withEntries = m_data.expandedWithEntries.contains(entry);
-        if (withEntries && m_whole.commands) {
-            for (const std::string& name : ReferencesIn(text, entryReference).names) {
-                if (!m_data.Exists(name))
-                    m_found.Error(position,
-                                  fmt::format("{} refers to the data entry {}: nothing gives or writes it{}",
-                                              place, Quoted(name), SuggestEntry(name)));
-            }
-        }
-        if (!withEntries && !m_data.expanded.contains(entry))
+        if (withEntries)
+            CheckEntriesIn(place, text, position);
+        if (withEntries || m_data.expanded.contains(entry))
+            CheckParametersIn(place, text, position);
+    }
+
+    void CheckEntriesIn(const std::string& place, const std::string& text, const Position& position) {
+        if (!m_whole.commands)
             return;
+        for (const std::string& name : ReferencesIn(text, entryReference).names) {
+            if (!m_data.Exists(name))
+                m_found.Error(position, fmt::format("{} refers to the data entry {}: nothing sets it{}",
+                                                    place, Quoted(name), SuggestEntry(name)));
+        }
+    }
+
+    void CheckParametersIn(const std::string& place, const std::string& text, const Position& position) {
         for (const std::string& id : ReferencesIn(text, parameterReference).names) {
             NeedEngine(position);
             if (m_engine.engine && m_engine.isKnown && !m_engine.engine->parameters.contains(id))

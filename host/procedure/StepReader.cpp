@@ -1,5 +1,6 @@
 #include "host/procedure/StepReader.h"
 
+#include "host/procedure/QuestionReader.h"
 #include "host/procedure/TableReader.h"
 #include "host/text/Suggestion.h"
 
@@ -26,6 +27,9 @@ public:
         ReadTargets(*table, step);
         ReadEnd(*table, step);
         CheckShape(name, *table);
+        if (step.always && step.ask && !step.ask->buttons.empty())
+            m_found.Error(step.ask->buttons.front().position,
+                          "'always' and 'buttons' exclude each other: leave one of them out");
         return step;
     }
 
@@ -41,6 +45,8 @@ private:
                 CheckNeeds(table, key, "procedure");
         step.run = Names(table, "run", "command id");
         step.mayFail = Names(table, "mayFail", "command id or operation");
+        if (const toml::node* const ask = table.get("ask"))
+            step.ask = ReadQuestion(*ask, m_found);
     }
 
     void ReadCall(const toml::table& table, Located file, ProcedureCall& call) {
@@ -163,20 +169,16 @@ private:
         const toml::table* const on = table["on"].as_table();
         const bool isMeant =
             HasOrMeans(table, "next") || HasOrMeans(table, "end") || HasOrMeans(table, "always");
-        const bool chooses = on ? !on->empty() && HasOrMeans(table, "run") : HasOrMeans(table, "on");
+        const bool chooses = on ? !on->empty() && (HasOrMeans(table, "run") || HasOrMeans(table, "ask"))
+                                : HasOrMeans(table, "on");
         if (!isMeant && !chooses)
             m_found.Error(PositionOf(key), name + " leads nowhere: add 'next', or 'end', or 'run' with 'on'");
     }
 
-    void CheckNeeds(const toml::table& table, std::string_view key, std::string_view needed) {
-        if (table.contains(key) && !HasOrMeans(table, needed))
-            m_found.Error(PositionOf(table.find(key)->first), Quoted(key) + " needs " + Quoted(needed));
-    }
-
     static constexpr std::int64_t mostRetries = 1000;
     inline static const std::vector<std::string> keys = {
-        "description", "procedure", "arguments", "results", "run",      "mayFail", "delay", "until", "wait",
-        "timeout",     "retry",     "next",      "failed",  "timedOut", "always",  "on",    "end"};
+        "description", "procedure", "arguments", "results", "run",    "mayFail",  "ask",    "delay", "until",
+        "wait",        "timeout",   "retry",     "next",    "failed", "timedOut", "always", "on",    "end"};
 };
 
 } // namespace

@@ -3,6 +3,7 @@
 #include "host/text/Duration.h"
 #include "host/text/Suggestion.h"
 
+#include <cmath>
 #include <limits>
 
 namespace vant::host {
@@ -39,6 +40,11 @@ void TableReader::CheckKeys(const toml::table& table, const std::string& owner,
 
 bool TableReader::HasOrMeans(const toml::table& table, std::string_view key) const {
     return table.contains(key) || m_meant.contains({&table, std::string(key)});
+}
+
+void TableReader::CheckNeeds(const toml::table& table, std::string_view key, std::string_view needed) {
+    if (table.contains(key) && !HasOrMeans(table, needed))
+        m_found.Error(PositionOf(table.find(key)->first), Quoted(key) + " needs " + Quoted(needed));
 }
 
 const toml::table* TableReader::AsTable(const toml::node& node, const std::string& what) {
@@ -148,6 +154,19 @@ bool TableReader::OptionalTruth(const toml::table& table, std::string_view key) 
         return *truth;
     m_found.Error(PositionOf(*node), Quoted(key) + " must be true or false, not " + KindOf(*node));
     return false;
+}
+
+std::optional<Value> TableReader::ComparedValue(const toml::node& node, Comparison comparison,
+                                                const std::string& owner) {
+    const std::string name = Quoted(NameOf(comparison));
+    if (IsOrder(comparison) && !node.is_number())
+        m_found.Error(PositionOf(node), name + " must be a number, not " + KindOf(node));
+    else if (node.is_number() && !std::isfinite(node.value<double>().value_or(0)))
+        m_found.Error(PositionOf(node),
+                      name + " must be a finite number; leave " + owner + " out if there is no limit");
+    else
+        return Scalar(node, name);
+    return std::nullopt;
 }
 
 std::optional<Value> TableReader::Scalar(const toml::node& node, const std::string& what) {

@@ -29,6 +29,9 @@ protected:
     /// Whether the table has the key, or one that has been reported as a misspelling of it.
     bool HasOrMeans(const toml::table& table, std::string_view key) const;
 
+    /// A mistake if the table has the key and not the one that it needs.
+    void CheckNeeds(const toml::table& table, std::string_view key, std::string_view needed);
+
     /// Null, and a mistake, if the node is not a table; `what` names it.
     const toml::table* AsTable(const toml::node& node, const std::string& what);
     /// Null, and a mistake, if the node is not a list; `must` says what it must be.
@@ -69,6 +72,9 @@ protected:
     bool OptionalTruth(const toml::table& table, std::string_view key);
     /// A string, a number, true or false; `what` names it.
     std::optional<Value> Scalar(const toml::node& node, const std::string& what);
+    /// The value with which a comparison compares; `owner` is what would be left out without a limit.
+    std::optional<Value> ComparedValue(const toml::node& node, Comparison comparison,
+                                       const std::string& owner);
 
     Diagnostics& m_found;
 

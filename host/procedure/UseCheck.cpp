@@ -50,15 +50,19 @@ public:
 
     void CheckData() {
         for (const auto& [name, position] : m_procedure.dataPositions) {
-            // That an argument is not read has been told to who gives it.
+            // An argument that is not used has been reported at the call that passes it.
             if (!m_data.read.contains(name) && !m_data.written.contains(name) &&
                 !m_data.arguments.contains(name))
                 Warn(position, "nothing uses the data entry " + Quoted(name));
         }
-        std::set<std::string_view> told;
+        std::set<std::string_view> reported;
         for (std::size_t i = 0; i < m_commands.size(); ++i) {
             if (m_isRun[i] && m_commands[i].traits->onlyStores)
-                CheckStored(m_commands[i], told);
+                CheckStored(m_commands[i], reported);
+        }
+        for (const auto& [id, step] : m_procedure.steps) {
+            if (step.ask && step.ask->data)
+                CheckStored(*step.ask->data, reported);
         }
     }
 
@@ -103,22 +107,28 @@ public:
     }
 
 private:
-    /// What other files declare, other procedures may use.
+    /// Warns about the procedure's own file only: other procedures may use what an included file declares.
     void Warn(const Position& position, std::string message) {
         if (!position.file)
             m_found.Warning(position, std::move(message));
     }
 
-    void CheckStored(const CommandUse& command, std::set<std::string_view>& told) {
+    void CheckStored(const CommandUse& command, std::set<std::string_view>& reported) {
         for (const NameUse& use : command.names) {
-            if (use.kind != PropertyKind::DataEntryWritten || m_data.read.contains(use.name) ||
-                m_data.given.contains(use.name) || !told.insert(use.name).second)
-                continue;
-            Warn(use.property->value.position,
-                 fmt::format("nothing reads the data entry {}: if it is a result, name it in 'data' or in a "
-                             "measurement",
-                             Quoted(use.name)));
+            if (use.kind == PropertyKind::DataEntryWritten)
+                CheckStored({use.name, use.property->value.position}, reported);
         }
+    }
+
+    void CheckStored(const Located& entry, std::set<std::string_view>& reported) {
+        const auto read = m_data.written.find(entry.text);
+        if (m_data.read.contains(entry.text) || m_data.given.contains(entry.text) ||
+            read == m_data.written.end() || !reported.insert(*read).second)
+            return;
+        Warn(entry.position,
+             fmt::format("nothing reads the data entry {}: if it is a result, name it in 'data' or in a "
+                         "measurement",
+                         Quoted(entry.text)));
     }
 
     void FindParameters() {
@@ -140,8 +150,11 @@ private:
             }
         }
         FindParametersOfEngine(*m_procedure.engine);
-        for (const auto& [id, step] : m_procedure.steps)
+        for (const auto& [id, step] : m_procedure.steps) {
             m_parametersAreUnknown = m_parametersAreUnknown || step.procedure;
+            if (step.ask)
+                FindReferences(step.ask->text.text);
+        }
     }
 
     /// Those that others depend on.

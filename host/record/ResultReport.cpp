@@ -44,7 +44,7 @@ Json MeaningAsJson(HRESULT code) {
 void AddWork(Json& place, std::int64_t time) {
     place["start"] = time;
     place["duration"] = nullptr;
-    for (const char* const list : {"commands", "threads", "unmet", "missing", "instructions"})
+    for (const char* const list : {"commands", "threads", "unmet", "missing", "instructions", "prompts"})
         place[list] = Json::array();
     place["display"] = Json::object();
 }
@@ -230,6 +230,8 @@ void ResultReport::EnterStep(const Record& record) {
 void ResultReport::TakeEventOfStep(const Record& record, Running& running) {
     const bool isEnd = record.operation == event::CommandEnded || record.operation == event::ThreadEnded;
     const Activity activity = isEnd ? m_activities.End(record) : Activity();
+    if (record.operation == event::PromptShown)
+        m_prompts.insert_or_assign(record.thread, record);
     Json* const found = PlaceOf(running);
     if (!found)
         return;
@@ -249,6 +251,8 @@ void ResultReport::TakeEventOfStep(const Record& record, Running& running) {
         Json wait = ObjectOf(record, {argument::waitsFor, argument::limit});
         wait["start"] = record.time;
         AppendTo(place["waits"], std::move(wait));
+    } else if (record.operation == event::PromptClosed) {
+        AppendPrompt(record, place);
     } else if (record.operation == event::StepRetried) {
         Json retry = ObjectOf(record, {argument::attempt, argument::reason});
         retry["time"] = record.time;
@@ -259,6 +263,21 @@ void ResultReport::TakeEventOfStep(const Record& record, Running& running) {
         place["next"] = JsonOf(record, argument::to);
         EndPlace(running, record.time);
     }
+}
+
+void ResultReport::AppendPrompt(const Record& closed, Json& place) {
+    const auto shown = m_prompts.find(closed.thread);
+    if (shown == m_prompts.end())
+        return;
+    Json prompt =
+        ObjectOf(shown->second, {argument::kind, argument::caption, argument::text, argument::buttons,
+                                 argument::units, argument::limits, argument::data});
+    prompt.update(ObjectOf(closed, {argument::answer, argument::by}));
+    prompt["command"] = closed.command.empty() ? Json() : Json(closed.command);
+    prompt["start"] = shown->second.time;
+    prompt["duration"] = closed.time - shown->second.time;
+    m_prompts.erase(shown);
+    AppendTo(place["prompts"], std::move(prompt));
 }
 
 bool ResultReport::TakeEventOfProcedure(const Record& record, Json& result) {

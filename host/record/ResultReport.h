@@ -50,6 +50,7 @@ private:
     static bool TakeEventOfProcedure(const Record& record, Json& result);
     /// What happened in a step or in the clean-up.
     void TakeEventOfStep(const Record& record, Running& running);
+    void AppendPrompt(const Record& closed, Json& place);
     /// What was shown to the technician, and what did not work.
     void TakeCall(const Record& record, Json& place);
     void TakeUnmet(const Record& evaluation, Json& place);
@@ -66,6 +67,7 @@ private:
     std::vector<Running> m_procedures;
     bool m_hasBegun = false;
     std::map<std::string, std::size_t> m_startedBy; ///< Names of threads, and places in m_procedures.
+    std::map<std::string, Record> m_prompts;        ///< Those that are shown, by thread.
     Activities m_activities;
     ReportText m_text;
     std::size_t m_entries = 0;

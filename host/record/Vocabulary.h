@@ -60,6 +60,8 @@ inline constexpr const char* ParameterGiven = "ParameterGiven";
 inline constexpr const char* ParameterLeft = "ParameterLeft";
 inline constexpr const char* ProcedureEnded = "ProcedureEnded";
 inline constexpr const char* ProcedureStarted = "ProcedureStarted";
+inline constexpr const char* PromptClosed = "PromptClosed";
+inline constexpr const char* PromptShown = "PromptShown";
 inline constexpr const char* PropertySet = "PropertySet";
 inline constexpr const char* ResultMissing = "ResultMissing";
 inline constexpr const char* StepEntered = "StepEntered";
@@ -129,10 +131,14 @@ inline constexpr const char* get_Value = "get_Value";
 namespace argument {
 
 inline constexpr const char* allMet = "allMet";
+inline constexpr const char* answer = "answer";
 inline constexpr const char* at = "at";
 inline constexpr const char* attempt = "attempt";
 inline constexpr const char* author = "author";
+inline constexpr const char* buttons = "buttons";
+inline constexpr const char* by = "by";
 inline constexpr const char* caller = "caller";
+inline constexpr const char* caption = "caption";
 inline constexpr const char* className = "class";
 inline constexpr const char* commandId = "commandId";
 inline constexpr const char* componentId = "componentId";
@@ -195,6 +201,11 @@ inline constexpr RecordKind recordKinds[] = {
     {service::Runner, event::CommandEnded, {argument::className, argument::caller, argument::phase}},
     {service::Runner, event::ResultMissing, {argument::name, argument::value}},
     {service::Runner, event::ThreadEnded, {argument::cookie}},
+    {service::Runner,
+     event::PromptShown,
+     {argument::kind, argument::caption, argument::text, argument::buttons, argument::units, argument::limits,
+      argument::data}},
+    {service::Runner, event::PromptClosed, {argument::answer, argument::by}},
     {service::Runner, event::WaitStarted, {argument::waitsFor, argument::limit}},
     {service::Runner, event::StepTimedOut, {argument::step, argument::reason}},
     {service::Runner, event::StepRetried, {argument::step, argument::attempt, argument::reason}},

@@ -1,6 +1,7 @@
 #include "host/runner/CommandExecution.h"
 
 #include "framework/interfaces/ClassProperties.h"
+#include "host/procedure/ClassTraits.h"
 #include "host/record/Vocabulary.h"
 #include "platform/Bstr.h"
 #include "platform/ComPtr.h"
@@ -28,13 +29,14 @@ HRESULT CommandExecution::Run(const std::string& id) {
     if (CommandDepth() >= maxCommandDepth)
         return HRESULT_FROM_WIN32(ERROR_STACK_OVERFLOW);
     const std::string caller = CurrentCommand();
-    const std::uint64_t before = NoteBegin(id);
+    const bool runsOn = TraitsOf(command->second.className.text).runsOn;
+    const std::uint64_t before = NoteBegin(id, runsOn);
     CComPtr<IVantCommand> object;
     CommandScope scope(id);
     const char* phase = "";
     const HRESULT result = CreateAndExecute(command->second, object, scope, phase);
-    if (SUCCEEDED(result))
-        CheckResultsOf(command->second, id, *object.Get(), before);
+    if (SUCCEEDED(result) && !runsOn)
+        CheckResults(command->second, id, before);
     m_journal.AddEvent(event::CommandEnded,
                        {{argument::className, command->second.className.text},
                         {argument::caller, TextOrNull(caller)},
@@ -76,15 +78,6 @@ HRESULT CommandExecution::CreateAndExecute(const Command& command, CComPtr<IVant
     return object->Execute();
 }
 
-void CommandExecution::CheckResultsOf(const Command& command, const std::string& id, IVantCommand& object,
-                                      std::uint64_t before) {
-    CComPtr<IVantPersistentCommand> persistent;
-    if (SUCCEEDED(object.QueryInterface(IID_IVantPersistentCommand, reinterpret_cast<void**>(&persistent))))
-        return; // It writes while it runs on.
-    NoteStop(id);
-    CheckResults(command, id, before);
-}
-
 void CommandExecution::NoteStop(const std::string& id) {
     const std::lock_guard lock(m_access);
     m_begun.erase(id);
@@ -92,7 +85,7 @@ void CommandExecution::NoteStop(const std::string& id) {
 
 void CommandExecution::CheckResultsOfEnded(const std::string& id) {
     const auto command = m_procedure.commands.find(id);
-    if (command == m_procedure.commands.end() || command->second.className.text == monitorClass)
+    if (command == m_procedure.commands.end() || TraitsOf(command->second.className.text).guards)
         return; // A monitor writes only if a condition does not hold.
     std::uint64_t before = 0;
     {
@@ -122,9 +115,10 @@ void CommandExecution::NoteWrite(const std::string& entry) {
     m_lastWrite[entry] = ++m_writes;
 }
 
-std::uint64_t CommandExecution::NoteBegin(const std::string& id) {
+std::uint64_t CommandExecution::NoteBegin(const std::string& id, bool runsOn) {
     const std::lock_guard lock(m_access);
-    m_begun.insert_or_assign(id, m_writes);
+    if (runsOn)
+        m_begun.insert_or_assign(id, m_writes);
     return m_writes;
 }
 

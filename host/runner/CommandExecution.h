@@ -21,16 +21,13 @@ namespace vant::host {
 /// deeper than the command. A request that would go deeper gets HRESULT_FROM_WIN32(ERROR_STACK_OVERFLOW).
 inline constexpr std::size_t maxCommandDepth = 32;
 
-/// The class whose commands stop what goes on: their choices are final, and end the step's waiting at once.
-inline constexpr std::string_view monitorClass = "StopConditionMonitor";
-
 /// Creates and executes the commands of a procedure, and records the phases of each one's life. Any thread
 /// may call.
 class CommandExecution {
 public:
-    /// Is told of an entry that a command is about to write.
+    /// Called with each entry that a command is about to write.
     using OnExpectedResult = std::function<void(const std::string& entry)>;
-    /// Is told of a command that has succeeded without writing the entry that it must write.
+    /// Called for a command that has succeeded without writing an entry that it must write.
     using OnMissingResult = std::function<void(const std::string& commandId, const std::string& entry)>;
 
     /// All references must stay valid. The services need not exist yet.
@@ -48,19 +45,17 @@ public:
 
     /// A command that runs on was stopped, so it need not write its results.
     void NoteStop(const std::string& id);
-    /// Does for a command whose thread ends what is done for others when they succeed.
+    /// Checks the results of a command whose thread has ended. Run checks those of the others.
     void CheckResultsOfEnded(const std::string& id);
 
 private:
-    /// Gives `scope` the object before it is executed. `phase` becomes the last phase that was begun.
+    /// `scope` receives the object before it is executed. `phase` becomes the last phase that was begun.
     HRESULT CreateAndExecute(const Command& command, CComPtr<IVantCommand>& object, CommandScope& scope,
                              const char*& phase);
     /// `before`: the number of writes before the command.
-    void CheckResultsOf(const Command& command, const std::string& id, IVantCommand& object,
-                        std::uint64_t before);
     void CheckResults(const Command& command, const std::string& id, std::uint64_t before);
     /// Before a command is executed; returns the number of writes so far.
-    std::uint64_t NoteBegin(const std::string& id);
+    std::uint64_t NoteBegin(const std::string& id, bool runsOn);
     std::uint64_t LastWrite(const std::string& entry) const;
 
     const Procedure& m_procedure;
@@ -71,8 +66,7 @@ private:
     const OnMissingResult m_missing;
     mutable std::mutex m_access; ///< Protects what follows.
     std::uint64_t m_writes = 0;
-    std::map<std::string, std::uint64_t>
-        m_begun; ///< The number of writes before each command that has begun.
+    std::map<std::string, std::uint64_t> m_begun; ///< The number of writes before each command that runs on.
     std::map<std::string, std::uint64_t> m_lastWrite; ///< The number of the last write of each entry.
 };
 

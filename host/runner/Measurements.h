@@ -24,13 +24,6 @@ enum class Outcome {
 /// "passed", "failed", "missing" or "skipped".
 const char* NameOf(Outcome outcome);
 
-/// The limits of a measurement as reports show them, such as "atLeast 40, atMost 140"; empty if there are
-/// none.
-std::string DescribeLimits(const Measurement& measurement);
-
-/// Whether a value satisfies the limits. Numbers and truth values are read from texts under locale 1033.
-bool Satisfies(const Measurement& measurement, const Value& value);
-
 /// The measurements of a procedure during its run. Any thread may call.
 class Measurements {
 public:

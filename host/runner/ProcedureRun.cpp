@@ -1,9 +1,12 @@
 #include "host/runner/ProcedureRun.h"
 
 #include "host/object/VariantValue.h"
+#include "host/procedure/ClassTraits.h"
 #include "host/record/Codes.h"
 #include "host/record/Json.h"
+#include "host/record/ReportText.h"
 #include "host/record/Vocabulary.h"
+#include "host/runner/QuestionText.h"
 #include "host/text/Duration.h"
 #include "host/text/Printable.h"
 #include "platform/Clock.h"
@@ -32,7 +35,14 @@ std::vector<Argument> WithoutEmpty(std::vector<Argument> arguments) {
 std::string Measured(const Measurements::Result& result) {
     const std::string units = result.measurement->units.empty() ? "" : " " + result.measurement->units;
     return fmt::format("measurement {} is {}{}, required {}", Quoted(result.name),
-                       ToJson(*result.value).dump(), units, DescribeLimits(*result.measurement));
+                       ToJson(*result.value).dump(), units, Describe(result.measurement->limits));
+}
+
+/// It is closed by its only button.
+void MakeMessage(Prompt& prompt) {
+    prompt.kind = Prompt::Kind::Message;
+    prompt.buttons = {"OK"};
+    prompt.standard = "OK";
 }
 
 } // namespace
@@ -284,6 +294,8 @@ ProcedureRun::Attempt ProcedureRun::TryStep(const Step& step) {
 
 bool ProcedureRun::WaitInStep(const Step& step) {
     const auto isChosen = [this] { return m_services.procedureController.Chosen().has_value(); };
+    if (step.ask && !isChosen() && !Ask(step))
+        return false;
     if (step.delay && !isChosen()) {
         BeginWait(step, "a delay of " + FormatDuration(*step.delay));
         if (!Pause(*step.delay))
@@ -311,6 +323,64 @@ bool ProcedureRun::WaitUntil(IsOver isOver, DWORD period) {
             return false;
         m_services.changed.Wait(period);
     }
+}
+
+bool ProcedureRun::Ask(const Step& step) {
+    const Question& question = *step.ask;
+    Prompt prompt{.kind = question.data ? question.isNumber ? Prompt::Kind::Number : Prompt::Kind::Text
+                                        : Prompt::Kind::Buttons,
+                  .step = m_stepId,
+                  .text = ExpandQuestion(question.text.text, m_services),
+                  .units = question.units,
+                  .limits = question.limits,
+                  .standard = question.standard};
+    for (const Located& each : question.buttons)
+        prompt.buttons.push_back(each.text);
+    const std::string entry = question.data ? question.data->text : "";
+    if (prompt.kind == Prompt::Kind::Buttons && prompt.buttons.empty())
+        MakeMessage(prompt);
+    if (question.data)
+        m_measurements.Expect(entry);
+    NoteWait("an answer");
+    const auto isOver = [this] {
+        return m_cause != Cause::None || m_stepExpired || m_services.procedureController.Chosen();
+    };
+    const Prompts::Outcome outcome = m_shared.prompts.Show(prompt, question.timeout, entry, isOver);
+    if (outcome.isOver)
+        return m_cause == Cause::None && !m_stepExpired;
+    if (!outcome.answer) {
+        EndUnanswered(prompt, outcome.mistake);
+        return false;
+    }
+    if (question.data) {
+        // Commands exchange texts, numbers too.
+        const auto* const text = std::get_if<std::string>(&*outcome.answer);
+        const Value entered = text ? *text : Readable(*outcome.answer);
+        m_services.data.Set(ToWide(entry), ToVariant(entered));
+        NoteWrite(entry, entered);
+    } else if (!question.buttons.empty()) {
+        m_services.procedureController.Choose(std::get<std::string>(*outcome.answer));
+    }
+    return true;
+}
+
+void ProcedureRun::ShowMessage(const std::string& caption, const std::string& text) {
+    Prompt prompt{.caption = caption, .text = text};
+    MakeMessage(prompt);
+    const bool isMain = CurrentThread() == mainThread;
+    m_shared.prompts.Show(prompt, std::nullopt, "",
+                          [this, isMain] { return m_ending || (isMain && m_stepExpired); });
+}
+
+void ProcedureRun::EndUnanswered(const Prompt& prompt, const std::string& mistake) {
+    m_shared.unanswered =
+        fmt::format("the question {} of step {} {}", Quoted(prompt.text), Quoted(prompt.step),
+                    mistake.empty() ? "has no answer: it needs an operator, a file of answers, or 'default'"
+                                    : "does not take the answer: " + mistake);
+    ProcedureRun* outermost = this;
+    while (outermost->m_outer)
+        outermost = outermost->m_outer;
+    outermost->End(Cause::Unanswered);
 }
 
 bool ProcedureRun::Pause(std::int64_t milliseconds) {
@@ -354,6 +424,10 @@ void ProcedureRun::BeginWait(const Step& step, std::string what) {
     m_shared.journal.AddEvent(event::WaitStarted,
                               {{argument::waitsFor, what},
                                {argument::limit, step.timeout ? Value(*step.timeout) : Value(nullptr)}});
+    NoteWait(std::move(what));
+}
+
+void ProcedureRun::NoteWait(std::string what) {
     const std::lock_guard lock(m_access);
     m_waitsFor = std::move(what);
     m_waitsSince = m_shared.journal.Now();
@@ -539,7 +613,7 @@ Acceptance ProcedureRun::AcceptanceOf(const Step& step, const std::string& trans
 
 bool ProcedureRun::IsMonitor(const std::string& commandId) const {
     const auto command = m_procedure.commands.find(commandId);
-    return command != m_procedure.commands.end() && command->second.className.text == monitorClass;
+    return command != m_procedure.commands.end() && TraitsOf(command->second.className.text).guards;
 }
 
 const std::string* ProcedureRun::TargetOf(const Step& step, const Attempt& attempt, std::string& key) const {
@@ -575,6 +649,8 @@ ProcedureRun::Ending ProcedureRun::EndingIn(const std::string& step, const Attem
 ProcedureRun::Ending ProcedureRun::EndingBy(Cause cause) const {
     if (cause == Cause::Aborted)
         return {Verdict::Aborted, "interrupted"};
+    if (cause == Cause::Unanswered)
+        return {Verdict::Error, m_shared.unanswered};
     if (cause == Cause::Stopped)
         return {Verdict::Aborted, "a monitor of the calling procedure chose a transition"};
     const std::string waiting = DescribeWaiting();
@@ -641,7 +717,7 @@ std::vector<Measurements::Result> ProcedureRun::RecordMeasurements() {
                                    {argument::data, each.measurement->data.text},
                                    {argument::value, each.value.value_or(nullptr)},
                                    {argument::units, each.measurement->units},
-                                   {argument::limits, DescribeLimits(*each.measurement)},
+                                   {argument::limits, Describe(each.measurement->limits)},
                                    {argument::verdict, NameOf(each.outcome)},
                                    {argument::at, made ? Value(each.time) : Value(nullptr)},
                                    {argument::step, made ? Value(each.step) : Value(nullptr)},
@@ -702,6 +778,7 @@ ProcedureRun::Ending ProcedureRun::Judge(Ending ending,
 HRESULT ProcedureRun::RunCommand(const std::string& id) {
     if (m_ending || (m_stepExpired && CurrentThread() == mainThread))
         return E_ABORT;
+    const MessageScope messages(m_showMessage);
     return m_execution.Run(id);
 }
 

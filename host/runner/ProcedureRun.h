@@ -6,6 +6,9 @@
 #include "host/runner/CommandFactory.h"
 #include "host/runner/FailedCalls.h"
 #include "host/runner/Measurements.h"
+#include "host/runner/MessageBoxes.h"
+#include "host/runner/Operator.h"
+#include "host/runner/Prompts.h"
 #include "host/runner/Watchdog.h"
 #include "host/services/Services.h"
 
@@ -32,25 +35,30 @@ struct RunSettings {
     std::optional<std::int64_t> maxSteps{}; ///< In place of the procedure's.
     bool allowFailedCalls = false;          ///< Failed calls leave the verdict as it is.
     std::map<std::string, std::string> tags{};
+    Operator* answering = nullptr; ///< Null: prompts have no other answer than their standard one.
 };
 
 /// What a procedure and those that it runs have in common.
 struct RunShared {
     RunShared(const CommandFactory& usedFactory, Journal& usedJournal, RunSettings usedSettings)
-        : factory(usedFactory), journal(usedJournal), settings(std::move(usedSettings)) {}
+        : factory(usedFactory), journal(usedJournal), settings(std::move(usedSettings)),
+          prompts(journal, settings.answering) {}
 
     const CommandFactory& factory;
     Journal& journal;
     const RunSettings settings;
+    Prompts prompts;
+    std::string unanswered{}; ///< The question without an answer that ends the run.
 };
 
 /// Why a procedure ends before its steps lead to an end.
 enum class Cause {
     None,
-    Aborted, ///< By the user.
-    MaxTime, ///< Its time has run out.
-    Stopped, ///< A monitor of the procedure that runs it has chosen a transition.
-    Outer    ///< The time of the procedure that runs it, or of its step, has run out.
+    Aborted,    ///< By the user.
+    MaxTime,    ///< Its time has run out.
+    Unanswered, ///< A question has no answer, so nothing of the run goes on.
+    Stopped,    ///< A monitor of the procedure that runs it has chosen a transition.
+    Outer       ///< The time of the procedure that runs it, or of its step, has run out.
 };
 
 /// One run of one procedure: its steps, then the commands under `finally`, then the verdict.
@@ -129,7 +137,9 @@ private:
     Ending EndingIn(const std::string& step, const Attempt& attempt) const;
     Ending EndingBy(Cause cause) const;
 
-    // Waiting. Each returns whether it has waited to the end; a choice of a transition ends the first two.
+    // Waiting. Each returns whether it has waited to the end; a choice of a transition ends the first three.
+    /// Whether the question was answered, or a transition chosen meanwhile.
+    bool Ask(const Step& step);
     bool Pause(std::int64_t milliseconds);
     bool AwaitConditions(const std::string& name);
     bool AwaitCommands(Wait wait);
@@ -138,6 +148,7 @@ private:
     template <class IsOver>
     bool WaitUntil(IsOver isOver, DWORD period);
     void BeginWait(const Step& step, std::string what);
+    void NoteWait(std::string what);
     void EndWait();
     /// Counts conditions that could not be read until the step's time ran out.
     void NoteUnreadable(const Step& step);
@@ -155,6 +166,10 @@ private:
     Ending Judge(Ending ending, const std::vector<Measurements::Result>& measured) const;
 
     HRESULT RunCommand(const std::string& id);
+    /// The message box of a command, on the command's thread.
+    void ShowMessage(const std::string& caption, const std::string& text);
+    /// Ends the whole run, because a question has no answer, or one that it does not take.
+    void EndUnanswered(const Prompt& prompt, const std::string& mistake);
     void NoteMissingResult(const std::string& commandId, const std::string& entry);
     /// A call that is over. Any thread may call.
     void Watch(const Record& call);
@@ -167,6 +182,9 @@ private:
 
     const Procedure& m_procedure;
     RunShared& m_shared;
+    const MessageScope::Show m_showMessage = [this](const std::string& caption, const std::string& text) {
+        ShowMessage(caption, text);
+    };
     ProcedureRun* const m_outer;
     std::set<std::string> m_messages; ///< The entries that hold made-up messages of conditions.
     FailedCalls m_failedCalls;

@@ -4,6 +4,7 @@
 #include "host/procedure/ClassReport.h"
 #include "platform/ClassRegistration.h"
 #include "platform/Clock.h"
+#include "platform/MessagePresenter.h"
 #include "platform/Utf8.h"
 
 #include <algorithm>
@@ -40,9 +41,12 @@ HRESULT RegisteredClasses::Create(std::string_view className, CComPtr<IVantComma
     const HRESULT code = CheckGiven(CoCreateInstance(classId, nullptr, CLSCTX_INPROC_SERVER, IID_IVantCommand,
                                                      reinterpret_cast<void**>(&command)),
                                     command);
-    if (SUCCEEDED(code))
-        TakeTimeFromHere(
-            *reinterpret_cast<void**>(command.Get())); // Its table of operations lies in the module.
+    if (SUCCEEDED(code)) {
+        // The table of its operations lies in the module.
+        const void* const inModule = *reinterpret_cast<void**>(command.Get());
+        TakeTimeFromHere(inModule);
+        TakeMessagesFrom(inModule);
+    }
     return code;
 }
 

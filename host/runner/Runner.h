@@ -13,7 +13,8 @@
 namespace vant::host {
 
 /// Executes one procedure once, with all that it runs, and reports everything that happens through the
-/// journal: the calls of the commands, and the events of the run as records of the service Runner.
+/// journal: the calls of the commands, and the events of the run as records of the service Runner. Message
+/// boxes of this process that its commands open appear as prompts.
 class Runner {
 public:
     /// The procedure, the factory and the journal must outlive the runner. The procedure must have no errors.
@@ -28,6 +29,7 @@ public:
     /// once. When it returns, or passes on what the factory throws, every persistent command has been stopped
     /// and its thread has ended.
     Verdict Run() {
+        const MessageBoxes shown;
         const Verdict verdict = m_run.Run().verdict;
         m_run.ReleaseData();
         return verdict;

@@ -7,7 +7,7 @@
 
 namespace vant::host {
 
-/// Stops running commands at a command's request, and is told of commands that have been stopped. Any thread
+/// Stops running commands at a command's request, and records the commands that report their stop. Any thread
 /// may call.
 class Controller final : public HostObject<IVantController> {
 public:

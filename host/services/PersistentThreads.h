@@ -46,12 +46,12 @@ public:
     PersistentThreads(const PersistentThreads&) = delete;
     PersistentThreads& operator=(const PersistentThreads&) = delete;
 
-    /// Starts a thread that calls `callback` once, and gives it the next cookie. The callback
+    /// Starts a thread that calls `callback` once, and sets `cookie` to the next number. The callback
     /// and the object of the current command are held until the call has returned. E_ABORT once closed;
     /// HRESULT_FROM_WIN32(ERROR_MAX_THRDS_REACHED) while maxLiveThreads run.
     HRESULT Start(IThreadCallback& callback, std::wstring_view name, std::uint32_t& cookie);
 
-    // By cookie; HRESULT_FROM_WIN32(ERROR_NOT_FOUND) for one that was never given or has been forgotten.
+    // By cookie; HRESULT_FROM_WIN32(ERROR_NOT_FOUND) for one that was never issued or has been forgotten.
 
     /// Forgets the cookie. Its thread continues.
     HRESULT Forget(std::uint32_t cookie);

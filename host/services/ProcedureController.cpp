@@ -32,6 +32,12 @@ void ProcedureController::EnterStep(std::function<Acceptance(const std::string&)
     m_chosen.reset();
 }
 
+void ProcedureController::Choose(std::string id) {
+    const std::lock_guard lock(m_access);
+    if (!m_isFinal)
+        m_chosen = std::move(id);
+}
+
 std::optional<std::string> ProcedureController::Chosen() const {
     const std::lock_guard lock(m_access);
     return m_chosen;

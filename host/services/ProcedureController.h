@@ -41,6 +41,9 @@ public:
     /// Begins a step: forgets the choice, and accepts every id for which `accepts` does not return Refused
     /// until the step ends. `accepts` is called on any thread, and must not call the controller.
     void EnterStep(std::function<Acceptance(const std::string&)> accepts);
+    /// Makes a choice for the step, as the operator's answer; a final one remains. Only within a step that
+    /// accepts the id.
+    void Choose(std::string id);
     /// The choice since the step began.
     std::optional<std::string> Chosen() const;
     /// Whether that choice is final.

@@ -7,7 +7,7 @@
 namespace vant::host {
 
 /// A text with its control characters written out, as in "\n", "\t" or "\x1B", so that it keeps to its line
-/// and tells a terminal nothing. Takes UTF-8; everything else stays.
+/// and controls no terminal. Takes UTF-8; everything else stays.
 std::string Printable(std::string_view utf8);
 
 /// A text in single quotes, as messages name things.

@@ -1,6 +1,7 @@
 #include "platform/DynamicLibrary.h"
 
 #include "platform/Clock.h"
+#include "platform/MessagePresenter.h"
 
 #include <stdexcept>
 #include <system_error>
@@ -13,6 +14,7 @@ DynamicLibrary::DynamicLibrary(const std::filesystem::path& file) : m_name(file.
     if (!m_handle)
         throw std::runtime_error(std::system_category().message(static_cast<int>(GetLastError())));
     TakeTimeFromHere(m_handle);
+    TakeMessagesFrom(m_handle);
 }
 
 DynamicLibrary::~DynamicLibrary() {

@@ -3,10 +3,10 @@
 #include "platform/Clock.h"
 #include "platform/Waiting.h"
 #include "platform/system.h"
+#include "platform/windows/ImportReplacement.h"
 
 #include <atomic>
 #include <cstdint>
-#include <cstring>
 #include <new>
 
 namespace vant {
@@ -103,61 +103,23 @@ void WINAPI SleepHere(DWORD milliseconds) {
         waiting::TheClock().Wait(nullptr, LengthOf(milliseconds));
 }
 
-/// What an imported function is replaced by; null for one that stays.
-void* ReplacementOf(const char* name) {
-    const struct {
-        const char* name;
-        void* function;
-    } replacements[] = {
-        {"CreateEventW", reinterpret_cast<void*>(&CreateEventHere)},
-        {"SetEvent", reinterpret_cast<void*>(&SetEventHere)},
-        {"ResetEvent", reinterpret_cast<void*>(&ResetEventHere)},
-        {"CloseHandle", reinterpret_cast<void*>(&CloseHandleHere)},
-        {"WaitForSingleObject", reinterpret_cast<void*>(&WaitForSingleObjectHere)},
-        {"Sleep", reinterpret_cast<void*>(&SleepHere)},
-    };
-    for (const auto& each : replacements) {
-        if (std::strcmp(each.name, name) == 0)
-            return each.function;
-    }
-    return nullptr;
+void* Address(auto* function) {
+    return reinterpret_cast<void*>(function);
 }
 
-void Overwrite(IMAGE_THUNK_DATA& entry, void* function) {
-    const auto value = reinterpret_cast<decltype(entry.u1.Function)>(function);
-    DWORD protection = 0;
-    if (entry.u1.Function == value || !VirtualProtect(&entry, sizeof(entry), PAGE_READWRITE, &protection))
-        return;
-    entry.u1.Function = value;
-    VirtualProtect(&entry, sizeof(entry), protection, &protection);
-}
-
-/// Makes the import table of a loaded module point at the functions above. Handles that the system made stay
-/// the system's. Doing it again changes nothing; the first time no thread may run in the module.
+/// Makes a loaded module wait by the functions above. Handles that the system made stay the system's. Doing
+/// it again changes nothing; the first time no thread may run in the module.
 void Redirect(HMODULE module) {
     TheKernel();
-    auto* const base = reinterpret_cast<BYTE*>(module);
-    const auto at = [base](DWORD offset) { return reinterpret_cast<void*>(base + offset); };
-    const auto& dosHeader = *static_cast<const IMAGE_DOS_HEADER*>(at(0));
-    const auto& headers = *static_cast<const IMAGE_NT_HEADERS*>(at(static_cast<DWORD>(dosHeader.e_lfanew)));
-    const DWORD imports = headers.OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress;
-    if (imports == 0)
-        return;
-    for (auto* library = static_cast<const IMAGE_IMPORT_DESCRIPTOR*>(at(imports)); library->Name != 0;
-         ++library) {
-        if (library->OriginalFirstThunk == 0)
-            continue; // a library without the names of what it imports
-        auto* name = static_cast<const IMAGE_THUNK_DATA*>(at(library->OriginalFirstThunk));
-        auto* address = static_cast<IMAGE_THUNK_DATA*>(at(library->FirstThunk));
-        for (; name->u1.AddressOfData != 0; ++name, ++address) {
-            if (IMAGE_SNAP_BY_ORDINAL(name->u1.Ordinal))
-                continue;
-            const auto* const byName =
-                static_cast<const IMAGE_IMPORT_BY_NAME*>(at(static_cast<DWORD>(name->u1.AddressOfData)));
-            if (void* const replacement = ReplacementOf(reinterpret_cast<const char*>(byName->Name)))
-                Overwrite(*address, replacement);
-        }
-    }
+    const ImportReplacement replacements[] = {
+        {"CreateEventW", Address(&CreateEventHere)},
+        {"SetEvent", Address(&SetEventHere)},
+        {"ResetEvent", Address(&ResetEventHere)},
+        {"CloseHandle", Address(&CloseHandleHere)},
+        {"WaitForSingleObject", Address(&WaitForSingleObjectHere)},
+        {"Sleep", Address(&SleepHere)},
+    };
+    ReplaceImports(module, replacements);
 }
 
 } // namespace
@@ -168,10 +130,7 @@ void RedirectProgram() noexcept {
 }
 
 void TakeTimeFromHere(const void* address) noexcept {
-    HMODULE library = nullptr;
-    if (redirected && GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS |
-                                             GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-                                         static_cast<const wchar_t*>(address), &library))
+    if (const HMODULE library = redirected ? LibraryOf(address) : nullptr)
         Redirect(library);
 }
 

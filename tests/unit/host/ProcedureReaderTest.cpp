@@ -207,7 +207,7 @@ TEST(ProcedureReader, BoundsThatAreNotFinite_AreRefused) {
         for (const std::string comparison : {"is", "isNot", "below", "above", "atLeast", "atMost"}) {
             const std::string said = Said(With("[conditions]\ns.all = [{ data = 'd', message = 'm', " +
                                                comparison + " = " + bound + " }]\n[data]\nm = ''\nd = 1\n"));
-            EXPECT_NE(said.find("must be a finite number; leave the condition out if there is no bound"),
+            EXPECT_NE(said.find("must be a finite number; leave the condition out if there is no limit"),
                       std::string::npos)
                 << comparison;
         }

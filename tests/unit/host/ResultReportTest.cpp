@@ -63,7 +63,7 @@ TEST_F(ResultReportTest, Step_HasCommandsInstructionsDisplayAndNext) {
         R"({"step":"measure","description":null,"start":0,"duration":1250,"commands":[{"command":"drop",)"
         R"("class":"Calculator","caller":null,"phase":"execute","result":"0x80004005",)"
         R"("meaning":"unspecified failure","start":0,"duration":0,"values":[],"failedCalls":[]}],"threads":[],)"
-        R"("unmet":[],"missing":[],"instructions":["Wait","Go on"],"display":{"gauge":{"needle":"2"}},)"
+        R"("unmet":[],"missing":[],"instructions":["Wait","Go on"],"prompts":[],"display":{"gauge":{"needle":"2"}},)"
         R"("waits":[],"retries":[],"timedOut":null,"procedure":null,"next":"done"})");
 }
 
