@@ -97,11 +97,9 @@ void BehaviourReader::ReadFollows(const std::string& id, const toml::node& node,
 }
 
 void BehaviourReader::ReadSum(const std::string& id, const toml::node& node, Behaviour& behaviour) {
-    const toml::array* const list = AsList(node, "'sum' must be a list of inputs");
+    const toml::array* const list = ListOf(node, "sum", "an input");
     if (!list)
         return;
-    if (list->empty())
-        m_found.Error(PositionOf(node), "'sum' is empty: add an input, or leave the key out");
     for (const toml::node& each : *list) {
         const toml::table* const table = AsTable(each, "an input of a sum");
         if (!table)
@@ -164,11 +162,9 @@ void BehaviourReader::ReadRamp(const toml::node& node, Behaviour& behaviour, con
 }
 
 void BehaviourReader::ReadChanges(const toml::node& node, Behaviour& behaviour, const Value& value) {
-    const toml::array* const list = AsList(node, "'changes' must be a list of changes");
+    const toml::array* const list = ListOf(node, "changes", "a change");
     if (!list)
         return;
-    if (list->empty())
-        m_found.Error(PositionOf(node), "'changes' is empty: add a change, or leave the key out");
     for (const toml::node& each : *list) {
         const toml::table* const table = AsTable(each, "a change");
         if (!table)
@@ -190,11 +186,9 @@ void BehaviourReader::ReadChanges(const toml::node& node, Behaviour& behaviour, 
 
 void BehaviourReader::ReadSequence(const toml::table& table, const toml::node& node, Behaviour& behaviour,
                                    const Value& value) {
-    const toml::array* const list = AsList(node, "'sequence' must be a list of values");
+    const toml::array* const list = ListOf(node, "sequence", "a value");
     if (!list)
         return;
-    if (list->empty())
-        m_found.Error(PositionOf(node), "'sequence' is empty: add a value, or leave the key out");
     std::vector<Value> values;
     for (const toml::node& each : *list) {
         if (auto next = SameKind(each, "a value of the sequence", value))

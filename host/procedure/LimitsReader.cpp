@@ -32,11 +32,9 @@ public:
 
 private:
     void ReadOneOf(const toml::node& node, Limits& limits) {
-        const toml::array* const list = AsList(node, "'oneOf' must be a list of values");
+        const toml::array* const list = ListOf(node, "oneOf", "a value");
         if (!list)
             return;
-        if (list->empty())
-            m_found.Error(PositionOf(node), "'oneOf' is empty: add a value, or leave the key out");
         for (const toml::node& each : *list) {
             if (auto value = Scalar(each, "a value of 'oneOf'"))
                 limits.oneOf.push_back(std::move(*value));

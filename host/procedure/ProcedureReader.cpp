@@ -52,7 +52,9 @@ public:
         return std::move(m_procedure);
     }
 
-    std::vector<Located> ReadIncludes(const toml::table& root) { return Names(root, "include", "file name"); }
+    std::vector<Located> ReadIncludes(const toml::table& root) {
+        return Names(root, "include", "a file name");
+    }
 
 private:
     void ReadHead(const toml::table& root) {
@@ -75,7 +77,7 @@ private:
             if (auto text = Text(target, "transition " + Quoted(id.str())))
                 m_procedure.on.emplace(std::string(id.str()), std::move(*text));
         });
-        m_procedure.finally = Names(root, "finally", "command id");
+        m_procedure.finally = Names(root, "finally", "a command id");
         m_procedure.finallyTime = OptionalLimit(root, "finallyTime", defaultFinallyTime);
         if (root.contains("finallyTime") && !root.contains("finally"))
             m_found.Error(PositionOf(root.find("finallyTime")->first), "'finallyTime' needs 'finally'");

@@ -49,7 +49,7 @@ private:
     }
 
     void ReadButtons(const toml::table& table, Question& question) {
-        question.buttons = Names(table, "buttons", "transition");
+        question.buttons = Names(table, "buttons", "a transition");
         std::set<std::string_view> known;
         for (const Located& each : question.buttons) {
             if (!known.insert(each.text).second)

@@ -78,14 +78,8 @@ private:
             CheckConditionSet(use.name, position);
             break;
         case PropertyKind::Parameter:
-            NeedEngine(command, position);
-            if (!MayLackEngine(command))
-                CheckEngineHas("parameter", m_engine.engine->parameters, use.name, position);
-            break;
         case PropertyKind::FaultArray:
-            NeedEngine(command, position);
-            if (!MayLackEngine(command))
-                CheckEngineHas("fault array", m_engine.engine->faultArrays, use.name, position);
+            CheckPartOfEngine(command, use);
             break;
         case PropertyKind::Component:
             if (!m_mayFail.contains(command.id))
@@ -94,6 +88,17 @@ private:
         default:
             break;
         }
+    }
+
+    void CheckPartOfEngine(const CommandUse& command, const NameUse& use) {
+        const Position& position = use.property->value.position;
+        NeedEngine(command, position);
+        if (MayLackEngine(command))
+            return;
+        if (use.kind == PropertyKind::Parameter)
+            CheckEngineHas("parameter", m_engine.engine->parameters, use.name, position);
+        else
+            CheckEngineHas("fault array", m_engine.engine->faultArrays, use.name, position);
     }
 
     void ReportEmpty(const CommandUse& command, const NameUse& use) {

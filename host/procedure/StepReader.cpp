@@ -43,8 +43,8 @@ private:
         else if (!table.contains("procedure"))
             for (const char* const key : {"arguments", "results"})
                 CheckNeeds(table, key, "procedure");
-        step.run = Names(table, "run", "command id");
-        step.mayFail = Names(table, "mayFail", "command id or operation");
+        step.run = Names(table, "run", "a command id");
+        step.mayFail = Names(table, "mayFail", "a command id or operation");
         if (const toml::node* const ask = table.get("ask"))
             step.ask = ReadQuestion(*ask, m_found);
     }
@@ -113,7 +113,7 @@ private:
             m_found.Error(PositionOf(*table->get("times")), "'times' must be at most 1000");
         retry.times = times.value_or(0);
         retry.after = OptionalDuration(*table, "after").value_or(0);
-        retry.on = Names(*table, "on", "transition");
+        retry.on = Names(*table, "on", "a transition");
     }
 
     void ReadTargets(const toml::table& table, Step& step) {

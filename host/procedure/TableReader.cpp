@@ -61,6 +61,15 @@ const toml::array* TableReader::AsList(const toml::node& node, const std::string
     return list;
 }
 
+const toml::array* TableReader::ListOf(const toml::node& node, std::string_view key,
+                                       const std::string& item) {
+    const std::string items = item.substr(item.find(' ') + 1) + 's';
+    const toml::array* const list = AsList(node, Quoted(key) + " must be a list of " + items);
+    if (list && list->empty())
+        m_found.Error(PositionOf(node), Quoted(key) + " is empty: add " + item + ", or leave the key out");
+    return list;
+}
+
 std::optional<Located> TableReader::Text(const toml::node& node, const std::string& what) {
     if (const auto text = node.value_exact<std::string>())
         return Located{*text, PositionOf(node)};
@@ -98,20 +107,16 @@ std::optional<Located> TableReader::RequiredName(const toml::table& table, std::
 }
 
 std::vector<Located> TableReader::Names(const toml::table& table, std::string_view key,
-                                        const std::string& what) {
+                                        const std::string& item) {
     std::vector<Located> names;
     const toml::node* const node = table.get(key);
-    const toml::array* const list =
-        node ? AsList(*node, Quoted(key) + " must be a list of " + what + "s") : nullptr;
+    const toml::array* const list = node ? ListOf(*node, key, item) : nullptr;
     if (!list)
         return names;
-    if (list->empty())
-        m_found.Error(PositionOf(*node),
-                      Quoted(key) + " is empty: name a " + what + ", or leave the key out");
     for (const toml::node& each : *list) {
-        auto name = Text(each, "a " + what);
+        auto name = Text(each, item);
         if (name && name->text.empty())
-            m_found.Error(name->position, "a " + what + " is empty");
+            m_found.Error(name->position, item + " is empty");
         else if (name)
             names.push_back(std::move(*name));
     }

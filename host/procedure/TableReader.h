@@ -37,6 +37,10 @@ protected:
     /// Null, and a mistake, if the node is not a list; `must` says what it must be.
     const toml::array* AsList(const toml::node& node, const std::string& must);
 
+    /// The list under a key, of which `item` names one item, as in "a value". Null, and a mistake, if the
+    /// node is not a list; an empty list is a mistake, too.
+    const toml::array* ListOf(const toml::node& node, std::string_view key, const std::string& item);
+
     /// Visits the entries of a table, if there is one, in the order of the file.
     template <class Visit>
     void ForEach(const toml::table& owner, std::string_view name, Visit visit) {
@@ -60,9 +64,9 @@ protected:
     /// As the two above, for names: an empty one is a mistake, too.
     std::optional<Located> OptionalName(const toml::table& table, std::string_view key);
     std::optional<Located> RequiredName(const toml::table& table, std::string_view key, Position owner);
-    /// The names in a list, each not empty; `what` names one of them, as in "a command id". Empty if the key
+    /// The names in a list, each not empty; `item` names one of them, as in "a command id". Empty if the key
     /// is absent.
-    std::vector<Located> Names(const toml::table& table, std::string_view key, const std::string& what);
+    std::vector<Located> Names(const toml::table& table, std::string_view key, const std::string& item);
     /// A duration such as "250ms" or "5s", in milliseconds.
     std::optional<std::int64_t> Duration(const toml::node& node, std::string_view key);
     std::optional<std::int64_t> OptionalDuration(const toml::table& table, std::string_view key);

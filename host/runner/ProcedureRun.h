@@ -5,6 +5,7 @@
 #include "host/runner/CommandExecution.h"
 #include "host/runner/CommandFactory.h"
 #include "host/runner/FailedCalls.h"
+#include "host/runner/Judgement.h"
 #include "host/runner/Measurements.h"
 #include "host/runner/MessageBoxes.h"
 #include "host/runner/Operator.h"
@@ -25,9 +26,6 @@
 #include <vector>
 
 namespace vant::host {
-
-/// "passed", "failed", "error" or "aborted".
-const char* NameOf(Verdict verdict);
 
 /// What the user asks of a run.
 struct RunSettings {
@@ -64,11 +62,6 @@ enum class Cause {
 /// One run of one procedure: its steps, then the commands under `finally`, then the verdict.
 class ProcedureRun {
 public:
-    struct Ending {
-        Verdict verdict = Verdict::Error;
-        std::string reason;
-    };
-
     /// `outer`: the run that this one is part of; null for the outermost one. All arguments must outlive this
     /// object.
     ProcedureRun(const Procedure& procedure, RunShared& shared, ProcedureRun* outer);
@@ -162,8 +155,6 @@ private:
     void EndPersistentCommands();
     std::vector<Measurements::Result> RecordMeasurements();
     void RecordLeft();
-    /// What the steps' ending becomes by measurements and failed calls.
-    Ending Judge(Ending ending, const std::vector<Measurements::Result>& measured) const;
 
     HRESULT RunCommand(const std::string& id);
     /// The message box of a command, on the command's thread.

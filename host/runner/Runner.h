@@ -29,10 +29,13 @@ public:
     /// once. When it returns, or passes on what the factory throws, every persistent command has been stopped
     /// and its thread has ended.
     Verdict Run() {
+        struct Release {
+            ~Release() { run.ReleaseData(); }
+            ProcedureRun& run;
+        };
         const MessageBoxes shown;
-        const Verdict verdict = m_run.Run().verdict;
-        m_run.ReleaseData();
-        return verdict;
+        const Release release{m_run};
+        return m_run.Run().verdict;
     }
 
     /// Ends the run before the next command or step, and ends its waiting. From now on requests that would

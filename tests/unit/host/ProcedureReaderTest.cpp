@@ -165,7 +165,7 @@ TEST(ProcedureReader, StepThatLeadsNowhere_IsReported) {
     EXPECT_EQ(Said(With("[steps.a]\non = { x = 'done' }\n")), nowhere); // nothing runs that could choose
     EXPECT_EQ(Said(With("[steps.a]\nrun = ['c']\n[commands.c]\nclass = 'C'\n")), nowhere);
     EXPECT_EQ(Said(With("[steps.a]\nrun = []\nnext = 'done'\n")),
-              "f:6:7: error: 'run' is empty: name a command id, or leave the key out\n");
+              "f:6:7: error: 'run' is empty: add a command id, or leave the key out\n");
 }
 
 TEST(ProcedureReader, StepThatEndsAndGoesOn_IsReportedAtEveryKeyTooMany) {

@@ -113,8 +113,10 @@ RunOutcome RunWithBrokenClass(const Procedure& procedure, const std::string& bro
     const test::VirtualTime time;
     const LoadedModule module(test::BuiltModuleFile());
     const BrokenFactory factory(module, brokenClass);
-    return RunWith(factory, procedure, {}, {},
-                   [](Runner& runner, RunOutcome&) { EXPECT_THROW(runner.Run(), std::runtime_error); });
+    return RunWith(factory, procedure, {}, {}, [](Runner& runner, RunOutcome&) {
+        EXPECT_THROW(runner.Run(), std::runtime_error);
+        EXPECT_TRUE(runner.StillHeld().empty());
+    });
 }
 
 } // namespace vant::host
