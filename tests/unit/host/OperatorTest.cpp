@@ -2,6 +2,7 @@
 
 #include "host/runner/ReadyOperator.h"
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 #include <string>
 #include <utility>
@@ -64,7 +65,7 @@ TEST(ReadAnswer, Number_IsReadWithItsLimits) {
     EXPECT_EQ(ReadAnswer(Number(), "10.5").mistake, "'10.5' is not within the limits: atLeast 1, below 10.5");
     for (const char* const entered : {"", "x", "2,5", "2 3", "nan", "inf", "0x2", "1e999"})
         EXPECT_EQ(ReadAnswer(Number(), entered).mistake,
-                  "'" + std::string(entered) + "' is not a number, such as 12 or 0.5");
+                  fmt::format("'{}' is not a number, such as 12 or 0.5", entered));
 }
 
 TEST(ReadAnswer, Text_IsKeptAsItIs) {
@@ -87,13 +88,22 @@ TEST(DescribeAnswers, ListsWhatCanBeEntered) {
     EXPECT_EQ(DescribeAnswers({.kind = Prompt::Kind::Text}), "a text");
 }
 
+/// As in a file, each after its line "[[answer]]".
+std::vector<ReadyAnswer> Answers(const std::vector<std::string>& tables) {
+    std::string toml;
+    for (const std::string& each : tables)
+        toml += fmt::format("[[answer]]\n{}\n", each);
+    Diagnostics found;
+    std::vector<ReadyAnswer> answers = ReadAnswers(toml, found);
+    EXPECT_EQ(found.Print("f"), "");
+    return answers;
+}
+
 constexpr auto isNeverOver = [] { return false; };
 
 TEST(ReadyOperator, TakesTheFirstAnswerThatFitsAndIsUnused) {
-    ReadyOperator ready({{.position = {1, 1}, .step = "speed", .answer = "3"},
-                         {.position = {2, 1}, .prompt = "lamp", .answer = "n", .after = 2000},
-                         {.position = {3, 1}, .prompt = "lamp", .answer = "yes", .repeats = true},
-                         {.position = {4, 1}, .answer = "8"}});
+    ReadyOperator ready(Answers({"step = 'speed'\nanswer = 3", "prompt = 'lamp'\nanswer = 'n'\nafter = '2s'",
+                                 "prompt = 'lamp'\nanswer = 'yes'\nrepeat = true", "answer = 8"}));
     const Prompt lamp = Buttons({"yes", "no"});
     const auto first = ready.Ask(lamp, isNeverOver);
     ASSERT_TRUE(first);
@@ -103,7 +113,7 @@ TEST(ReadyOperator, TakesTheFirstAnswerThatFitsAndIsUnused) {
     EXPECT_EQ(ready.Ask(lamp, isNeverOver)->value, Value("yes"));
     EXPECT_EQ(ready.Ask(lamp, isNeverOver)->value, Value("yes"));
     EXPECT_EQ(ready.Unused().Print("f"), "f:1:1: warning: no prompt used this answer\n"
-                                         "f:4:1: warning: no prompt used this answer\n");
+                                         "f:12:1: warning: no prompt used this answer\n");
     EXPECT_EQ(ready.Ask(Number(), isNeverOver)->value, Value(std::int64_t{3}));
     EXPECT_EQ(ready.Ask(Number(), isNeverOver)->value, Value(std::int64_t{8}));
     EXPECT_EQ(ready.Ask(Number(), isNeverOver), std::nullopt);
@@ -111,12 +121,12 @@ TEST(ReadyOperator, TakesTheFirstAnswerThatFitsAndIsUnused) {
 }
 
 TEST(ReadyOperator, AnswerThatThePromptDoesNotTake_HasTheReason) {
-    ReadyOperator ready(std::vector<ReadyAnswer>{{.answer = "perhaps"}});
+    ReadyOperator ready(Answers({"answer = 'perhaps'"}));
     EXPECT_EQ(ready.Ask(Buttons({"yes"}), isNeverOver)->mistake, "'perhaps' is none of: yes");
 }
 
 TEST(ReadyOperator, CaptionOfAMessage_IsAPlaceToLook) {
-    ReadyOperator ready(std::vector<ReadyAnswer>{{.prompt = "TORVEX", .answer = "OK"}});
+    ReadyOperator ready(Answers({"prompt = 'TORVEX'\nanswer = 'OK'"}));
     EXPECT_TRUE(ready.Ask({.caption = "TORVEX", .text = "Key on", .standard = "OK"}, isNeverOver));
 }
 
