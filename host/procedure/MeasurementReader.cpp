@@ -32,7 +32,6 @@ public:
         return measurement;
     }
 
-private:
     void ReadLimits(const toml::table& table, Measurement& measurement) {
         for (const Comparison comparison : comparisons) {
             if (const toml::node* const node = table.get(NameOf(comparison)))
@@ -45,6 +44,7 @@ private:
         CheckOrder(table, measurement);
     }
 
+private:
     void ReadLimit(const toml::node& node, Comparison comparison, Measurement& measurement) {
         const std::string name = Quoted(NameOf(comparison));
         if (IsOrder(comparison) && !node.is_number())
@@ -89,6 +89,16 @@ private:
 
 Measurement ReadMeasurement(const toml::key& name, const toml::node& node, Diagnostics& found) {
     return MeasurementReader(found).Read(name, node);
+}
+
+const std::vector<std::string>& LimitKeys() {
+    static const std::vector<std::string> keys = {"is",      "isNot",  "below", "above",
+                                                  "atLeast", "atMost", "oneOf", "like"};
+    return keys;
+}
+
+void ReadLimits(const toml::table& table, Measurement& measurement, Diagnostics& found) {
+    MeasurementReader(found).ReadLimits(table, measurement);
 }
 
 } // namespace vant::host
