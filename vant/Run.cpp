@@ -6,24 +6,22 @@
 #include "host/record/Json.h"
 #include "host/record/ResultReport.h"
 #include "host/runner/CommandCheck.h"
-#include "host/runner/LoadedModule.h"
 #include "host/runner/RegisteredClasses.h"
 #include "host/runner/Runner.h"
 #include "host/text/Duration.h"
 #include "platform/ClassRegistration.h"
 #include "platform/Clock.h"
-#include "platform/Console.h"
 #include "platform/DynamicLibrary.h"
-#include "platform/Interruption.h"
 #include "platform/Process.h"
 #include "platform/Utf8.h"
 #include "vant/ConsoleReport.h"
+#include "vant/InterruptScope.h"
 #include "vant/MessagePrompt.h"
+#include "vant/Module.h"
+#include "vant/Terminal.h"
 
-#include <cstdlib>
 #include <iostream>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <stdexcept>
 #include <system_error>
@@ -36,41 +34,10 @@ using namespace host;
 
 namespace {
 
-std::mutex interruption;
-Runner* interruptible = nullptr;
-bool interrupted = false;
-
-void Interrupt() {
-    const std::lock_guard lock(interruption);
-    interrupted = true;
-    if (interruptible)
-        interruptible->Abort();
-}
-
-void SetInterruptible(Runner* runner) {
-    const std::lock_guard lock(interruption);
-    interruptible = runner;
-    if (interruptible && interrupted)
-        interruptible->Abort();
-}
-
-/// Lets the user interrupt a run for as long as this object lives.
-class InterruptScope {
-public:
-    explicit InterruptScope(Runner& runner) { SetInterruptible(&runner); }
-    ~InterruptScope() { SetInterruptible(nullptr); }
-    InterruptScope(const InterruptScope&) = delete;
-    InterruptScope& operator=(const InterruptScope&) = delete;
-};
-
 std::unique_ptr<CommandFactory> OpenCommands(const RunOptions& options) {
     if (options.registered)
         return std::make_unique<RegisteredClasses>();
-    try {
-        return std::make_unique<LoadedModule>(PathFromUtf8(options.module));
-    } catch (const std::exception& failure) {
-        throw Failure(ExitCode::Broken, "cannot load the module " + options.module + ": " + failure.what());
-    }
+    return OpenModule(options.module);
 }
 
 /// The files that this run reads and writes, and those that every run needs.
@@ -103,11 +70,6 @@ std::optional<JournalFile> OpenJournal(const RunOptions& options, const LoadedFi
     } catch (const JournalFileError& failure) {
         throw Failure(ExitCode::WrongInput, options.journal + ": " + failure.what());
     }
-}
-
-bool WantsColour() {
-    const char* const noColour = std::getenv("NO_COLOR");
-    return OutputTakesColours() && !(noColour && *noColour);
 }
 
 ConsoleReport::Style StyleOf(const RunOptions& options) {
@@ -179,7 +141,7 @@ ExitCode RunLoaded(const RunOptions& options, const LoadedProcedure& loaded, con
         journal.Observe(
             [&shown = report.emplace(std::cout, StyleOf(options))](const Record& record) { shown(record); });
 
-    OnFirstInterrupt(Interrupt); // Before the runner starts a thread, which inherits the signal mask.
+    TakeInterrupts(); // Before the runner starts a thread, which inherits the signal mask.
     if (report && WantsLiveLine(options))
         report->GoLive([&journal] { return journal.Now(); });
     Runner runner(loaded.procedure, commands, journal, SettingsOf(options));
@@ -188,7 +150,7 @@ ExitCode RunLoaded(const RunOptions& options, const LoadedProcedure& loaded, con
         // What a program reads from standard output stays JSON.
         const MessagePrompt prompt(options.json ? std::cerr : std::cout, std::cin, options.closesMessages,
                                    report ? &*report : nullptr);
-        const InterruptScope scope(runner);
+        const InterruptScope scope([&runner] { runner.Abort(); });
         const ClockParticipant participant;
         verdict = runner.Run();
     }

@@ -56,12 +56,12 @@ public:
             CompareLeft(*expected.left);
         const auto duration = m_result["duration"].get<std::int64_t>();
         if (expected.longest && duration > *expected.longest)
-            Add("longest", "at most " + FormatDuration(*expected.longest), FormatDuration(duration));
+            Note("longest", "at most " + FormatDuration(*expected.longest), FormatDuration(duration));
         return std::move(m_found);
     }
 
 private:
-    void Add(std::string what, std::string expected, std::string came) {
+    void Note(std::string what, std::string expected, std::string came) {
         m_found.push_back({std::move(what), std::move(expected), std::move(came)});
     }
 
@@ -72,30 +72,30 @@ private:
 
     void CompareVerdict(Verdict expected) {
         if (const std::string came = m_result["verdict"]; came != NameOf(expected))
-            Add("verdict", NameOf(expected), came);
+            Note("verdict", NameOf(expected), came);
     }
 
     void CompareEnding(const std::string& expected) {
         const Json& path = m_result["path"];
         const std::string last = path.empty() ? "" : path.back().get<std::string>();
         if (last != expected)
-            Add("ending", Printable(expected), path.empty() ? "no step" : Printable(last));
+            Note("ending", Printable(expected), path.empty() ? "no step" : Printable(last));
     }
 
     void ComparePath(const std::vector<Located>& expected) {
         const Json& path = m_result["path"];
         if (!std::equal(path.begin(), path.end(), expected.begin(), expected.end(),
                         [](const Json& step, const Located& each) { return step == each.text; }))
-            Add("path", Joined(expected, [](const Located& each) { return each.text; }),
-                Joined(path, [](const Json& each) { return each.get<std::string>(); }));
+            Note("path", Joined(expected, [](const Located& each) { return each.text; }),
+                 Joined(path, [](const Json& each) { return each.get<std::string>(); }));
     }
 
     /// `came`: null if there is no such value.
     void CompareValue(std::string what, const Measurement& expected, const Json* came) {
         if (!came)
-            Add(std::move(what), Shown(expected), "missing");
+            Note(std::move(what), Shown(expected), "missing");
         else if (!Satisfies(expected, ToValue(*came)))
-            Add(std::move(what), Shown(expected), Shown(*came));
+            Note(std::move(what), Shown(expected), Shown(*came));
     }
 
     void CompareMeasurement(const std::string& name, const ExpectedMeasurement& expected) {
@@ -104,13 +104,13 @@ private:
         const auto found =
             std::find_if(all.begin(), all.end(), [&](const Json& each) { return each["name"] == name; });
         if (found == all.end()) {
-            Add(what, expected.verdict.value_or(Shown(expected.value)), "missing");
+            Note(what, expected.verdict.value_or(Shown(expected.value)), "missing");
             return;
         }
         const std::string verdict = (*found)["verdict"];
         const Json& value = (*found)["value"];
         if (expected.verdict && verdict != *expected.verdict)
-            Add(what, *expected.verdict, verdict + ", " + Shown(value));
+            Note(what, *expected.verdict, verdict + ", " + Shown(value));
         if (HasLimits(expected.value))
             CompareValue(what, expected.value, value.is_null() ? nullptr : &value);
     }
@@ -125,7 +125,7 @@ private:
         }
         for (const auto& [id, value] : left) {
             if (!expected.contains(id))
-                Add("left " + Printable(id), "the value of the beginning", Shown(*value));
+                Note("left " + Printable(id), "the value of the beginning", Shown(*value));
         }
     }
 

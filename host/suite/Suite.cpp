@@ -33,9 +33,8 @@ public:
 
     /// A procedure without a test file must pass.
     void AddProcedure(const std::string& file) {
-        Get(file, "");
         TestCase must;
-        must.name = file;
+        must.name = Get(file, "").procedure.name;
         must.file = file;
         must.procedure.text = file;
         m_suite.cases.push_back(std::move(must));

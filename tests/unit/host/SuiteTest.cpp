@@ -46,7 +46,7 @@ protected:
         for (const TestCase& each : suite.cases)
             cases.push_back(
                 FileName(PathFromUtf8(each.file).lexically_relative(m_folder.Path().lexically_normal())) +
-                (each.name == each.file ? "" : ": " + each.name));
+                ": " + each.name);
         return cases;
     }
 
@@ -83,12 +83,12 @@ TEST_F(SuiteTest, FolderWithoutTestFiles_StandsForProceduresThatRunByThemselves)
     Write("called.toml", passing);
     Write("engine.toml", "[parameters.100]\nvalue = 1\n");
     Write("shared.toml", "[data]\nx = 1\n");
-    EXPECT_EQ(CasesIn({"."}), (Names{"a.toml", "caller.toml"}));
+    EXPECT_EQ(CasesIn({"."}), (Names{"a.toml: n", "caller.toml: n"}));
 }
 
 TEST_F(SuiteTest, FilesThatAreNamedTwice_AreTestedOnce) {
     Write("a.toml", passing);
-    EXPECT_EQ(CasesIn({"a.toml", ".", "a.toml"}), Names{"a.toml"});
+    EXPECT_EQ(CasesIn({"a.toml", ".", "a.toml"}), Names{"a.toml: n"});
 }
 
 TEST_F(SuiteTest, PathWithNothingToTest_IsRefused) {
