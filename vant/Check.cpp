@@ -3,6 +3,8 @@
 #include "host/procedure/InputFile.h"
 #include "host/procedure/Loading.h"
 #include "host/record/Json.h"
+#include "host/suite/Discovery.h"
+#include "host/suite/Suite.h"
 #include "vant/Messages.h"
 
 #include <fmt/format.h>
@@ -32,8 +34,16 @@ std::string Summary(std::size_t files, const Messages& messages) {
 ExitCode Check(const CheckOptions& options) {
     Messages messages;
     try {
-        for (const LoadedFiles& files : CheckFiles(options.files, options.engine))
+        std::vector<std::string> others = options.files;
+        std::erase_if(others, IsTestFile);
+        for (const LoadedFiles& files : CheckFiles(others, options.engine))
             messages.Add(files);
+        for (const std::string& each : options.files) {
+            if (!IsTestFile(each))
+                continue;
+            for (const LoadedFiles& files : CheckTestFile(each))
+                messages.Add(files);
+        }
     } catch (const InputError& failure) {
         throw Failure(ExitCode::WrongInput, failure.what());
     }

@@ -3,7 +3,10 @@
 #include "host/procedure/InputFile.h"
 #include "host/suite/CaseOutcome.h"
 #include "host/suite/CaseRun.h"
+#include "host/suite/JUnit.h"
 #include "host/suite/Suite.h"
+#include "host/suite/SuiteToJson.h"
+#include "host/suite/SuiteUpdate.h"
 #include "host/suite/WorkerPool.h"
 #include "host/text/Duration.h"
 #include "host/text/Printable.h"
@@ -11,14 +14,18 @@
 #include "vant/InterruptScope.h"
 #include "vant/Messages.h"
 #include "vant/Module.h"
+#include "vant/ReportFile.h"
 #include "vant/Terminal.h"
 #include "vant/TestReport.h"
 #include "vant/TestWorker.h"
 
 #include <algorithm>
 #include <chrono>
+#include <fmt/format.h>
 #include <iostream>
 #include <memory>
+#include <optional>
+#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -62,7 +69,9 @@ WorkerSettings SettingsOf(const TestOptions& options) {
             .longestCase = std::chrono::milliseconds(TimeoutOf(options))};
 }
 
-std::vector<CaseOutcome> RunCases(const std::vector<TestCase>& cases, const WorkerSettings& settings) {
+/// `update`: null if the test files are to stay as they are.
+std::vector<CaseOutcome> RunCases(const std::vector<TestCase>& cases, const WorkerSettings& settings,
+                                  SuiteUpdate* update) {
     std::vector<std::string> requests;
     for (const TestCase& each : cases)
         requests.push_back(RequestOf(each).dump());
@@ -73,11 +82,26 @@ std::vector<CaseOutcome> RunCases(const std::vector<TestCase>& cases, const Work
     {
         const InterruptScope scope([&pool] { pool.Stop(); });
         pool.Run(requests, [&](std::size_t number, const WorkerReply& reply) {
-            report.Take(number, OutcomeOf(cases[number], reply));
+            const TestCase& tested = cases[number];
+            CaseOutcome outcome = OutcomeOf(tested, reply);
+            if (update && !outcome.result.is_null())
+                outcome = OutcomeOf(update->Update(tested, outcome.result), outcome.result);
+            report.Take(number, std::move(outcome));
         });
     }
     const auto duration = std::chrono::steady_clock::now() - began;
     return report.Finish(std::chrono::duration_cast<std::chrono::milliseconds>(duration).count());
+}
+
+void WriteUpdate(const SuiteUpdate& update) {
+    std::cerr << update.Refusals();
+    try {
+        for (const auto& [file, count] : update.Write())
+            std::cout << fmt::format("updated {}: {} case{}\n", Printable(file), count,
+                                     count == 1 ? "" : "s");
+    } catch (const std::system_error& failure) {
+        throw Failure(ExitCode::Broken, failure.what());
+    }
 }
 
 ExitCode ExitCodeOf(const std::vector<CaseOutcome>& outcomes) {
@@ -96,6 +120,8 @@ ExitCode Test(const TestOptions& options) {
     if (options.worker)
         return WorkForTest(options.module);
     const WorkerSettings settings = SettingsOf(options);
+    if (!options.json.empty() && options.json == options.junit)
+        throw Failure(ExitCode::WrongInput, "--json and --junit need files of their own");
     LoadedSuite suite = Load(options);
     if (suite.HasErrors()) {
         Messages messages;
@@ -105,8 +131,22 @@ ExitCode Test(const TestOptions& options) {
         return ExitCode::WrongInput;
     }
     Filter(suite.cases, options.filter);
-    const std::vector<CaseOutcome> outcomes = RunCases(suite.cases, settings);
-    if (!std::cout)
+    std::optional<ReportFile> json;
+    std::optional<ReportFile> junit;
+    if (!options.json.empty())
+        json.emplace(options.json);
+    if (!options.junit.empty())
+        junit.emplace(options.junit);
+    SuiteUpdate update;
+    const std::vector<CaseOutcome> outcomes =
+        RunCases(suite.cases, settings, options.update ? &update : nullptr);
+    if (options.update)
+        WriteUpdate(update);
+    if (json)
+        json->Write(SuiteToJson(suite.cases, outcomes).dump(2) + '\n');
+    if (junit)
+        junit->Write(ToJUnit(suite.cases, outcomes));
+    if (!std::cout.flush())
         throw Failure(ExitCode::Broken, "the report could not be written completely");
     return ExitCodeOf(outcomes);
 }

@@ -15,6 +15,9 @@ struct TestOptions {
     std::size_t jobs = 0; ///< 0: as many as the machine has processors.
     std::string filter;   ///< Only cases whose name contains it.
     std::string caseTimeout = "60s";
+    std::string json;    ///< A file for the results as JSON; empty: none.
+    std::string junit;   ///< A file for the results as JUnit XML; empty: none.
+    bool update = false; ///< Test files are changed to expect what has come.
     bool worker = false; ///< Be a worker of such a program.
 };
 

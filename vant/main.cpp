@@ -116,7 +116,7 @@ void AddCheck(CLI::App& app, ExitCode& result) {
     CLI::App& check =
         *app.add_subcommand("check", "Look for mistakes in procedures and engines without running them");
     const auto options = std::make_shared<CheckOptions>();
-    check.add_option("FILE", options->files, "Procedures or engines, TOML files; - for the standard input")
+    check.add_option("FILE", options->files, "Procedures, engines or test files; - for the standard input")
         ->required()
         ->check(CheckNotEmpty);
     check
@@ -144,6 +144,14 @@ void AddTest(CLI::App& app, ExitCode& result) {
     test.add_option("--filter", options->filter, "Only the cases whose name contains this text")
         ->check(CheckNotEmpty)
         ->type_name("TEXT");
+    test.add_option("--json", options->json, "Write the results to this file as JSON")
+        ->check(CheckNotEmpty)
+        ->type_name("FILE");
+    test.add_option("--junit", options->junit, "Write the results to this file as JUnit XML")
+        ->check(CheckNotEmpty)
+        ->type_name("FILE");
+    test.add_flag("--update", options->update,
+                  "Change the test files to expect the verdict, ending and path that have come");
     test.add_option("--case-timeout", options->caseTimeout, "The longest real time that a case may take")
         ->type_name("DURATION")
         ->capture_default_str();

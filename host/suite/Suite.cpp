@@ -8,6 +8,7 @@
 #include "host/suite/TestFileReader.h"
 #include "platform/Utf8.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace vant::host {
@@ -16,19 +17,23 @@ namespace {
 
 class SuiteLoader {
 public:
-    explicit SuiteLoader(const CommandFactory& commands) : m_commands(commands) {}
+    /// `commands`: null if the procedures are not to be compared with a module.
+    explicit SuiteLoader(const CommandFactory* commands) : m_commands(commands) {}
 
     void AddTestFile(const std::string& file) {
         LoadedFiles messages;
         Diagnostics& found = messages.Add(file, "the test file").found;
-        CaseCheck check(found);
-        for (TestCase& each : ReadTestFile(Read(file), file, found)) {
-            if (!each.procedure.text.empty())
-                CheckCase(each, check);
-            m_suite.cases.push_back(std::move(each));
+        try {
+            CaseCheck check(found);
+            for (TestCase& each : ReadTestFile(ReadFile(PathFromUtf8(file)), file, found)) {
+                if (!each.procedure.text.empty())
+                    CheckCase(each, check);
+                m_suite.cases.push_back(std::move(each));
+            }
+        } catch (const InputError& failure) {
+            found.Error({}, std::string("the file cannot be read: ") + failure.what());
         }
-        if (messages.HasErrors())
-            m_suite.messages.push_back(std::move(messages));
+        m_suite.messages.push_back(std::move(messages));
     }
 
     /// A procedure without a test file must pass.
@@ -49,14 +54,6 @@ public:
     }
 
 private:
-    static std::string Read(const std::string& file) {
-        try {
-            return ReadFile(PathFromUtf8(file));
-        } catch (const InputError& failure) {
-            throw InputError(file + ": " + failure.what());
-        }
-    }
-
     void CheckCase(const TestCase& checked, CaseCheck& check) {
         const std::string engine = checked.engine ? checked.engine->text : "";
         try {
@@ -76,21 +73,28 @@ private:
         LoadedProcedure& loaded = m_procedures.Get(file, engine);
         if (m_procedures.All().size() == known)
             return loaded;
-        CheckCommands(loaded.procedure, m_commands, loaded.files.Main().found);
-        for (const CalledProcedure& each : loaded.called)
-            CheckCommands(*each.procedure, m_commands, each.file->found);
+        if (m_commands) {
+            CheckCommands(loaded.procedure, *m_commands, loaded.files.Main().found);
+            for (const CalledProcedure& each : loaded.called)
+                CheckCommands(*each.procedure, *m_commands, each.file->found);
+        }
         return loaded;
     }
 
-    const CommandFactory& m_commands;
+    const CommandFactory* const m_commands;
     ProcedureShelf m_procedures;
     LoadedSuite m_suite;
 };
 
 } // namespace
 
+bool LoadedSuite::HasErrors() const {
+    return std::any_of(messages.begin(), messages.end(),
+                       [](const LoadedFiles& each) { return each.HasErrors(); });
+}
+
 LoadedSuite LoadSuite(std::span<const std::string> paths, const CommandFactory& commands) {
-    SuiteLoader loader(commands);
+    SuiteLoader loader(&commands);
     for (const std::string& file : FindTests(paths)) {
         if (IsTestFile(file))
             loader.AddTestFile(file);
@@ -98,6 +102,12 @@ LoadedSuite LoadSuite(std::span<const std::string> paths, const CommandFactory& 
             loader.AddProcedure(file);
     }
     return loader.Take();
+}
+
+std::vector<LoadedFiles> CheckTestFile(const std::string& file) {
+    SuiteLoader loader(nullptr);
+    loader.AddTestFile(file);
+    return loader.Take().messages;
 }
 
 } // namespace vant::host

@@ -4,6 +4,7 @@
 #include "host/suite/Combinations.h"
 
 #include <algorithm>
+#include <fmt/format.h>
 
 namespace vant::host {
 
@@ -21,7 +22,7 @@ std::string Give(TestCase& target, const SweptValue& swept, const Value& value) 
     switch (swept.kind) {
     case SweptValue::Kind::Seed:
         target.seed = std::get<std::int64_t>(value);
-        return "seed=" + Readable(value);
+        return fmt::format("seed={}", Readable(value));
     case SweptValue::Kind::Parameter:
         target.parameters.insert_or_assign(swept.name, GivenValue{value, swept.position});
         break;
@@ -29,7 +30,7 @@ std::string Give(TestCase& target, const SweptValue& swept, const Value& value) 
         target.data.insert_or_assign(swept.name, GivenValue{value, swept.position});
         break;
     }
-    return swept.name + '=' + Readable(value);
+    return fmt::format("{}={}", swept.name, Readable(value));
 }
 
 } // namespace
@@ -50,12 +51,12 @@ std::vector<TestCase> Expand(const TestCase& pattern, const Sweep& sweep) {
          sweep.pairs ? PairCombinations(options) : AllCombinations(options)) {
         TestCase& next = cases.emplace_back(pattern);
         next.isSwept = true;
-        std::string values;
+        std::vector<std::string> values;
         for (std::size_t i = 0; i < combination.size(); ++i) {
             const SweptValue& swept = sweep.swept[i];
-            values += (i == 0 ? "" : " ") + Give(next, swept, swept.values[combination[i]]);
+            values.push_back(Give(next, swept, swept.values[combination[i]]));
         }
-        next.name += " [" + values + ']';
+        next.name = fmt::format("{} [{}]", next.name, fmt::join(values, " "));
     }
     return cases;
 }

@@ -49,7 +49,8 @@ struct TestCase {
     std::optional<std::int64_t> seed{};
     std::optional<std::int64_t> maxTime{}; ///< In milliseconds.
     Expectation expected{};
-    bool isSwept = false; ///< It is one of several that one table stands for.
+    bool hasExpectation = false; ///< The file has one, for this case or for all.
+    bool isSwept = false;        ///< It is one of several that one table stands for.
 };
 
 } // namespace vant::host

@@ -82,8 +82,10 @@ private:
                 m_found.Error(PositionOf(*table.get("maxTime")), "'maxTime' must be above 0");
             target.maxTime = maxTime;
         }
-        if (const toml::node* const expected = table.get("expected"))
+        if (const toml::node* const expected = table.get("expected")) {
+            target.hasExpectation = true;
             ReadExpectation(*expected, target.expected, m_found);
+        }
     }
 
     void ReadValues(const toml::table& table, std::string_view key,

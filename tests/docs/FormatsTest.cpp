@@ -8,6 +8,7 @@
 #include "host/record/Vocabulary.h"
 #include "host/runner/CommandCheck.h"
 #include "host/runner/LoadedModule.h"
+#include "host/suite/SuiteToJson.h"
 #include "host/suite/TestFileReader.h"
 #include "platform/Process.h"
 #include "tests/docs/Markdown.h"
@@ -147,6 +148,17 @@ TEST(TestingDocument, Example_IsAccepted) {
     const auto cases = ReadTestFile(TomlOf("docs/testing.md", "The test file"), "docs/t.test.toml", found);
     ExpectNoMistake(found);
     EXPECT_EQ(cases.size(), 15U);
+}
+
+TEST(TestingDocument, Results_AreDescribedKeyByKey) {
+    const Json results = SuiteToJson({TestCase()}, {CaseOutcome()});
+    Words keys = FirstColumn("docs/testing.md", "key of the results");
+    for (const auto& [key, value] : results.items())
+        EXPECT_EQ(keys.erase(key), 1U) << key;
+    EXPECT_EQ(keys, Words{});
+    const Words described = WordsInTables("docs/testing.md");
+    for (const auto& [key, value] : results["cases"][0].items())
+        EXPECT_TRUE(described.contains(key)) << key;
 }
 
 TEST(TestingDocument, ExitCodes_AreThoseOfTheProgramWithoutTheOneOfARun) {
