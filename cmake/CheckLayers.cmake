@@ -23,6 +23,7 @@ set(layers
     "host/services host/conditions host/engine host/object host/record host/text framework/interfaces ecm/interfaces platform"
     "host/procedure host/services host/conditions host/engine/model host/record host/text framework/interfaces platform"
     "host/runner host/procedure host/services host/conditions host/engine host/object host/record host/text framework/interfaces platform"
+    "host/suite host/runner host/procedure host/conditions host/engine/model host/record host/text platform"
     "vant host platform")
 
 # The only file that asks which system it is on.

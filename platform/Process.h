@@ -12,6 +12,9 @@ namespace vant {
 /// command line, so that every file name survives.
 VANT_PLATFORM_API std::vector<std::string> ProcessArguments(int argc, const char* const* argv);
 
+/// The running program's file.
+VANT_PLATFORM_API std::filesystem::path ProgramFile();
+
 /// The folder that holds the running program's file.
 VANT_PLATFORM_API std::filesystem::path ProgramFolder();
 

@@ -1,15 +1,15 @@
 #include "vant/Registration.h"
 
 #include "host/record/Json.h"
-#include "host/runner/LoadedModule.h"
 #include "host/runner/RegisteredClasses.h"
 #include "host/text/Printable.h"
 #include "platform/ClassRegistration.h"
 #include "platform/Utf8.h"
+#include "vant/Module.h"
 
 #include <exception>
 #include <iostream>
-#include <optional>
+#include <memory>
 
 namespace vant::program {
 
@@ -19,12 +19,7 @@ namespace {
 
 ExitCode Change(const RegistrationOptions& options, HRESULT (LoadedModule::*operation)() const,
                 const char* done) {
-    std::optional<LoadedModule> module;
-    try {
-        module.emplace(PathFromUtf8(options.module));
-    } catch (const std::exception& failure) {
-        throw Failure(ExitCode::Broken, "cannot load the module " + options.module + ": " + failure.what());
-    }
+    const std::unique_ptr<LoadedModule> module = OpenModule(options.module);
     HRESULT result = options.userOnly ? RegisterForUserOnly() : S_OK;
     if (SUCCEEDED(result))
         result = ((*module).*operation)();

@@ -6,25 +6,23 @@
 #include "host/record/Json.h"
 #include "host/record/ResultReport.h"
 #include "host/runner/CommandCheck.h"
-#include "host/runner/LoadedModule.h"
 #include "host/runner/ReadyOperator.h"
 #include "host/runner/RegisteredClasses.h"
 #include "host/runner/Runner.h"
 #include "host/text/Duration.h"
 #include "platform/ClassRegistration.h"
 #include "platform/Clock.h"
-#include "platform/Console.h"
 #include "platform/DynamicLibrary.h"
-#include "platform/Interruption.h"
 #include "platform/Process.h"
 #include "platform/Utf8.h"
 #include "vant/ConsoleReport.h"
+#include "vant/InterruptScope.h"
+#include "vant/Module.h"
+#include "vant/Terminal.h"
 #include "vant/TerminalOperator.h"
 
-#include <cstdlib>
 #include <iostream>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <stdexcept>
 #include <system_error>
@@ -37,33 +35,6 @@ using namespace host;
 
 namespace {
 
-std::mutex interruption;
-Runner* interruptible = nullptr;
-bool interrupted = false;
-
-void Interrupt() {
-    const std::lock_guard lock(interruption);
-    interrupted = true;
-    if (interruptible)
-        interruptible->Abort();
-}
-
-void SetInterruptible(Runner* runner) {
-    const std::lock_guard lock(interruption);
-    interruptible = runner;
-    if (interruptible && interrupted)
-        interruptible->Abort();
-}
-
-/// Lets the user interrupt a run for as long as this object lives.
-class InterruptScope {
-public:
-    explicit InterruptScope(Runner& runner) { SetInterruptible(&runner); }
-    ~InterruptScope() { SetInterruptible(nullptr); }
-    InterruptScope(const InterruptScope&) = delete;
-    InterruptScope& operator=(const InterruptScope&) = delete;
-};
-
 /// What a run needs from files.
 struct Loaded {
     LoadedProcedure run;
@@ -73,11 +44,7 @@ struct Loaded {
 std::unique_ptr<CommandFactory> OpenCommands(const RunOptions& options) {
     if (options.registered)
         return std::make_unique<RegisteredClasses>();
-    try {
-        return std::make_unique<LoadedModule>(PathFromUtf8(options.module));
-    } catch (const std::exception& failure) {
-        throw Failure(ExitCode::Broken, "cannot load the module " + options.module + ": " + failure.what());
-    }
+    return OpenModule(options.module);
 }
 
 /// The files that this run reads and writes, and those that every run needs.
@@ -110,11 +77,6 @@ std::optional<JournalFile> OpenJournal(const RunOptions& options, const LoadedFi
     } catch (const JournalFileError& failure) {
         throw Failure(ExitCode::WrongInput, options.journal + ": " + failure.what());
     }
-}
-
-bool WantsColour() {
-    const char* const noColour = std::getenv("NO_COLOR");
-    return OutputTakesColours() && !(noColour && *noColour);
 }
 
 ConsoleReport::Style StyleOf(const RunOptions& options) {
@@ -196,7 +158,7 @@ ExitCode RunLoaded(const RunOptions& options, const Loaded& loaded, const Comman
         journal.Observe(
             [&shown = report.emplace(std::cout, StyleOf(options))](const Record& record) { shown(record); });
 
-    OnFirstInterrupt(Interrupt); // Before the runner starts a thread, which inherits the signal mask.
+    TakeInterrupts(); // Before the runner starts a thread, which inherits the signal mask.
     if (report && WantsLiveLine(options))
         report->GoLive([&journal] { return journal.Now(); });
     std::optional<ReadyOperator> ready;
@@ -207,7 +169,7 @@ ExitCode RunLoaded(const RunOptions& options, const Loaded& loaded, const Comman
     Runner runner(loaded.run.procedure, commands, journal, SettingsOf(options, answering));
     Verdict verdict{};
     {
-        const InterruptScope scope(runner);
+        const InterruptScope scope([&runner] { runner.Abort(); });
         const ClockParticipant participant;
         verdict = runner.Run();
     }

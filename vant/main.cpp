@@ -12,6 +12,7 @@
 #include "vant/EngineRun.h"
 #include "vant/Registration.h"
 #include "vant/Run.h"
+#include "vant/Test.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
@@ -121,7 +122,7 @@ void AddCheck(CLI::App& app, ExitCode& result) {
     CLI::App& check =
         *app.add_subcommand("check", "Look for mistakes in procedures and engines without running them");
     const auto options = std::make_shared<CheckOptions>();
-    check.add_option("FILE", options->files, "Procedures or engines, TOML files; - for the standard input")
+    check.add_option("FILE", options->files, "Procedures, engines or test files; - for the standard input")
         ->required()
         ->check(CheckNotEmpty);
     check
@@ -135,6 +136,37 @@ void AddCheck(CLI::App& app, ExitCode& result) {
         "Exit codes: 0 no errors (with --strict: and no warnings), 2 mistakes or wrong usage, 3 the messages "
         "could not be written.");
     OnSelected<CheckOptions>(check, options, result, Check);
+}
+
+void AddTest(CLI::App& app, ExitCode& result) {
+    CLI::App& test = *app.add_subcommand("test", "Run test cases in virtual time, many at once");
+    const auto options = std::make_shared<TestOptions>();
+    test.add_option("PATH", options->paths,
+                    "Test files, procedures, or folders of them; without one, the current folder")
+        ->check(CheckNotEmpty);
+    test.add_option("--jobs", options->jobs, "So many at the same time; without it, one for each processor")
+        ->type_name("N")
+        ->check(CLI::Range(1, 1024));
+    test.add_option("--filter", options->filter, "Only the cases whose name contains this text")
+        ->check(CheckNotEmpty)
+        ->type_name("TEXT");
+    test.add_option("--json", options->json, "Write the results to this file as JSON")
+        ->check(CheckNotEmpty)
+        ->type_name("FILE");
+    test.add_option("--junit", options->junit, "Write the results to this file as JUnit XML")
+        ->check(CheckNotEmpty)
+        ->type_name("FILE");
+    test.add_flag("--update", options->update,
+                  "Change the test files to expect the verdict, ending and path that have come");
+    test.add_option("--case-timeout", options->caseTimeout, "The longest real time that a case may take")
+        ->type_name("DURATION")
+        ->capture_default_str();
+    AddModule(test, options->module);
+    test.add_flag("--worker", options->worker)->group(""); // Not shown: the program starts itself so.
+    test.footer(
+        "Exit codes: 0 all passed, 1 some failed, 2 wrong usage or file, 3 module or host failure, 130 "
+        "interrupted.");
+    OnSelected<TestOptions>(test, options, result, Test);
 }
 
 void AddEngine(CLI::App& app, ExitCode& result) {
@@ -196,6 +228,7 @@ ExitCode RunProgram(int argc, char** argv) {
     ExitCode result = ExitCode::Passed;
     AddRun(app, result);
     AddCheck(app, result);
+    AddTest(app, result);
     AddEngine(app, result);
     AddClasses(app, result);
     AddRegistration(app, result, "register", "Register the module's classes with the system", Register);

@@ -52,6 +52,10 @@ bool Fits(std::string_view text, std::string_view pattern) {
 
 } // namespace
 
+bool HasAny(const Limits& limits) {
+    return !limits.comparisons.empty() || !limits.oneOf.empty() || limits.like;
+}
+
 std::string Describe(const Limits& limits) {
     std::vector<std::string> texts;
     for (const auto& [comparison, value] : limits.comparisons)

@@ -22,6 +22,9 @@ struct Limits {
     std::optional<std::string> like{}; ///< A pattern with * and ?.
 };
 
+/// Whether there is a limit at all.
+bool HasAny(const Limits& limits);
+
 /// The limits as reports show them, such as "atLeast 40, atMost 140"; empty if there are none.
 std::string Describe(const Limits& limits);
 

@@ -197,6 +197,21 @@ LoadedProcedure ReadToCheck(const std::string& file, const std::string& engineFi
     return loaded;
 }
 
+/// As the public one; `onAnotherEngine`: the procedures' own engines do not count.
+std::vector<bool> FindCalledOnes(std::span<const LoadedProcedure> procedures, bool onAnotherEngine) {
+    std::set<std::filesystem::path> called;
+    for (const LoadedProcedure& caller : procedures) {
+        for (const CalledProcedure& each : caller.called)
+            called.insert(Identity(PathFromUtf8(each.file->name)));
+    }
+    std::vector<bool> found;
+    for (const LoadedProcedure& each : procedures) {
+        const bool hasEngine = !onAnotherEngine && (each.procedure.engine || each.procedure.engineFile);
+        found.push_back(!hasEngine && called.contains(Identity(PathFromUtf8(each.files.Main().name))));
+    }
+    return found;
+}
+
 } // namespace
 
 bool LoadedFiles::HasErrors() const {
@@ -227,25 +242,29 @@ LoadedProcedure LoadProcedure(const std::string& file, const std::string& engine
     return loaded;
 }
 
+std::vector<bool> FindCalledOnes(std::span<const LoadedProcedure> procedures) {
+    return FindCalledOnes(procedures, false);
+}
+
+bool IsProcedureToRun(const toml::table& root) {
+    return root.contains("start") || root.contains("steps");
+}
+
 LoadedFiles CheckFile(const std::string& file, const std::string& engineFile) {
     return std::move(ReadToCheck(file, engineFile).files);
 }
 
 std::vector<LoadedFiles> CheckFiles(std::span<const std::string> files, const std::string& engineFile) {
     std::vector<LoadedProcedure> all;
-    std::set<std::filesystem::path> called;
-    for (const std::string& file : files) {
-        for (const CalledProcedure& each : all.emplace_back(ReadToCheck(file, engineFile)).called)
-            called.insert(Identity(PathFromUtf8(each.file->name)));
-    }
+    for (const std::string& file : files)
+        all.push_back(ReadToCheck(file, engineFile));
+    const std::vector<bool> called = FindCalledOnes(all, !engineFile.empty());
     std::vector<LoadedFiles> checked;
-    for (LoadedProcedure& each : all) {
-        const std::string& name = each.files.Main().name;
-        const bool hasEngine = engineFile.empty() && (each.procedure.engine || each.procedure.engineFile);
-        if (!hasEngine && !each.files.HasErrors() && called.contains(Identity(PathFromUtf8(name))))
-            checked.emplace_back().Add(name, "the file");
+    for (std::size_t i = 0; i < all.size(); ++i) {
+        if (called[i] && !all[i].files.HasErrors())
+            checked.emplace_back().Add(all[i].files.Main().name, "the file");
         else
-            checked.push_back(std::move(each.files));
+            checked.push_back(std::move(all[i].files));
     }
     return checked;
 }

@@ -3,6 +3,7 @@
 #include "host/engine/model/EngineDescription.h"
 #include "host/procedure/Answers.h"
 #include "host/procedure/Procedure.h"
+#include "host/procedure/Toml.h"
 #include "host/text/Diagnostic.h"
 
 #include <list>
@@ -26,6 +27,7 @@ class LoadedFiles {
 public:
     /// The first file that was named, a procedure or an engine.
     LoadedFile& Main() noexcept { return m_files.front(); }
+    const LoadedFile& Main() const noexcept { return m_files.front(); }
     LoadedFile& Add(std::string name, const char* what) {
         return m_files.emplace_back(LoadedFile{std::move(name), what, {}});
     }
@@ -62,6 +64,13 @@ inline constexpr std::size_t deepestProcedure = 8;
 /// Throws InputError, with the file's name, if the procedure or `engineFile` cannot be read. File names in
 /// UTF-8; `standardInput` stands for what the program is given.
 LoadedProcedure LoadProcedure(const std::string& file, const std::string& engineFile);
+
+/// For each of `procedures`, whether it has no engine of its own and another one runs it, on whose engine it
+/// works.
+std::vector<bool> FindCalledOnes(std::span<const LoadedProcedure> procedures);
+
+/// Whether the table of a file is that of a procedure, and not of an engine or of a file to be included.
+bool IsProcedureToRun(const toml::table& root);
 
 /// Reads a procedure as LoadProcedure does, an engine or a file of answers, for the sake of the messages.
 /// That `file` cannot be read is one of them; throws InputError if `engineFile` cannot be read.

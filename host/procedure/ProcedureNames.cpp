@@ -14,12 +14,6 @@ namespace vant::host {
 
 namespace {
 
-bool IsOperation(std::string_view name) {
-    return std::any_of(std::begin(recordKinds), std::end(recordKinds), [name](const RecordKind& kind) {
-        return kind.service != service::Runner && kind.operation == name;
-    });
-}
-
 /// The steps that a step leads to by its own keys.
 std::vector<const Located*> TargetsOf(const Step& step) {
     std::vector<const Located*> targets;
@@ -91,6 +85,12 @@ private:
 };
 
 } // namespace
+
+bool IsOperation(std::string_view name) {
+    return std::any_of(std::begin(recordKinds), std::end(recordKinds), [name](const RecordKind& kind) {
+        return kind.service != service::Runner && kind.operation == name;
+    });
+}
 
 void CheckNames(const Procedure& procedure, Diagnostics& found) {
     NameCheck(procedure, found).Check();

@@ -28,6 +28,18 @@ Json ToJson(const Value& value) {
     return std::visit(JsonMaker{}, value);
 }
 
+Value ToValue(const Json& json) {
+    if (json.is_boolean())
+        return json.get<bool>();
+    if (json.is_number_integer())
+        return json.get<std::int64_t>();
+    if (json.is_number())
+        return json.get<double>();
+    if (json.is_string())
+        return json.get<std::string>();
+    return nullptr;
+}
+
 std::string ToText(HRESULT code) {
     return fmt::format("0x{:08X}", static_cast<std::uint32_t>(code));
 }

@@ -15,6 +15,10 @@ using Json = nlohmann::ordered_json;
 /// and "-Infinity".
 Json ToJson(const Value& value);
 
+/// The value that ToJson has made a number, a text, true, false or null of; those texts stay texts. Null for
+/// anything else.
+Value ToValue(const Json& json);
+
 /// "0x" and eight hexadecimal digits.
 std::string ToText(HRESULT code);
 

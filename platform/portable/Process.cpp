@@ -12,8 +12,12 @@ std::vector<std::string> ProcessArguments(int argc, const char* const* argv) {
     return {argv + (argc > 0 ? 1 : 0), argv + argc};
 }
 
+std::filesystem::path ProgramFile() {
+    return std::filesystem::read_symlink("/proc/self/exe");
+}
+
 std::filesystem::path ProgramFolder() {
-    return std::filesystem::read_symlink("/proc/self/exe").parent_path();
+    return ProgramFile().parent_path();
 }
 
 void SecureStandardStreams() {

@@ -18,16 +18,20 @@ std::vector<std::string> ProcessArguments(int argc, const char* const* argv) {
     return arguments;
 }
 
-std::filesystem::path ProgramFolder() {
+std::filesystem::path ProgramFile() {
     std::wstring file(MAX_PATH, L'\0');
     for (;;) {
         const DWORD length = GetModuleFileNameW(nullptr, file.data(), static_cast<DWORD>(file.size()));
         if (length < file.size()) {
             file.resize(length);
-            return std::filesystem::path(file).parent_path();
+            return file;
         }
         file.resize(file.size() * 2);
     }
+}
+
+std::filesystem::path ProgramFolder() {
+    return ProgramFile().parent_path();
 }
 
 // The C runtime reserves the first three descriptors even if the streams are closed, and there is no signal

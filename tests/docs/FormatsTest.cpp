@@ -8,6 +8,8 @@
 #include "host/record/Vocabulary.h"
 #include "host/runner/CommandCheck.h"
 #include "host/runner/LoadedModule.h"
+#include "host/suite/SuiteToJson.h"
+#include "host/suite/TestFileReader.h"
 #include "platform/Process.h"
 #include "tests/docs/Markdown.h"
 
@@ -74,8 +76,12 @@ const Section& SectionOf(const std::vector<Section>& sections, const std::string
                          [&](const Section& each) { return each.title == title; });
 }
 
+std::string TomlOf(const std::string& document, const std::string& section) {
+    return SectionOf(ReadSections(document), section).Code("toml").at(0);
+}
+
 std::string TomlOfTheFile(const std::string& document) {
-    return SectionOf(ReadSections(document), "The file").Code("toml").at(0);
+    return TomlOf(document, "The file");
 }
 
 /// The first column of the tables with that heading in the whole document.
@@ -128,6 +134,37 @@ TEST(EnginesDocument, Tables_HoldEveryKey) {
     for (const char* const source : {"host/procedure/EngineReader.cpp", "host/procedure/BehaviourReader.cpp",
                                      "host/procedure/FaultReader.cpp"})
         EXPECT_EQ(Missing(KnownKeys(source), described), Words{}) << source;
+}
+
+TEST(TestingDocument, Tables_HoldEveryKey) {
+    const Words described = WordsInTables("docs/testing.md");
+    for (const char* const source :
+         {"host/suite/TestFileReader.cpp", "host/suite/ExpectationReader.cpp", "host/suite/SweepReader.cpp"})
+        EXPECT_EQ(Missing(KnownKeys(source), described), Words{}) << source;
+}
+
+TEST(TestingDocument, Example_IsAccepted) {
+    Diagnostics found;
+    const auto cases = ReadTestFile(TomlOf("docs/testing.md", "The test file"), "docs/t.test.toml", found);
+    ExpectNoMistake(found);
+    EXPECT_EQ(cases.size(), 15U);
+}
+
+TEST(TestingDocument, Results_AreDescribedKeyByKey) {
+    const Json results = SuiteToJson({TestCase()}, {CaseOutcome()});
+    Words keys = FirstColumn("docs/testing.md", "key of the results");
+    for (const auto& [key, value] : results.items())
+        EXPECT_EQ(keys.erase(key), 1U) << key;
+    EXPECT_EQ(keys, Words{});
+    const Words described = WordsInTables("docs/testing.md");
+    for (const auto& [key, value] : results["cases"][0].items())
+        EXPECT_TRUE(described.contains(key)) << key;
+}
+
+TEST(TestingDocument, ExitCodes_AreThoseOfTheProgramWithoutTheOneOfARun) {
+    Words declared = Matches(ReadProjectFile("vant/ExitCode.h"), std::regex(R"( = (\d+)[,} ])"));
+    declared.erase("4");
+    EXPECT_EQ(FirstColumn("docs/testing.md", "exit code"), declared);
 }
 
 TEST(ProceduresDocument, Example_IsAccepted) {

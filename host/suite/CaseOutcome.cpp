@@ -1,0 +1,47 @@
+#include "host/suite/CaseOutcome.h"
+
+#include <utility>
+
+namespace vant::host {
+
+namespace {
+
+CaseOutcome ErrorOf(std::string failure) {
+    return {.status = CaseStatus::Error, .failure = std::move(failure)};
+}
+
+} // namespace
+
+const char* NameOf(CaseStatus status) {
+    switch (status) {
+    case CaseStatus::NotRun:
+        return "not run";
+    case CaseStatus::Passed:
+        return "passed";
+    case CaseStatus::Failed:
+        return "failed";
+    default:
+        return "error";
+    }
+}
+
+CaseOutcome OutcomeOf(const TestCase& tested, const WorkerReply& reply) {
+    if (!reply.line)
+        return ErrorOf(reply.failure);
+    Json json = Json::parse(*reply.line, nullptr, false);
+    if (json.is_object() && json.contains("result"))
+        return OutcomeOf(tested, std::move(json["result"]));
+    if (json.is_object() && json.contains("failure"))
+        return ErrorOf(json["failure"]);
+    return ErrorOf("the worker has printed something other than a result: " + *reply.line);
+}
+
+CaseOutcome OutcomeOf(const TestCase& tested, Json result) {
+    CaseOutcome outcome;
+    outcome.mismatches = FindMismatches(tested.expected, result);
+    outcome.status = outcome.mismatches.empty() ? CaseStatus::Passed : CaseStatus::Failed;
+    outcome.result = std::move(result);
+    return outcome;
+}
+
+} // namespace vant::host

@@ -1,0 +1,120 @@
+#include "host/suite/CaseRun.h"
+
+#include "host/record/ResultReport.h"
+#include "host/record/Vocabulary.h"
+#include "host/runner/Runner.h"
+#include "host/suite/CaseSetup.h"
+#include "platform/Clock.h"
+
+#include <exception>
+#include <fmt/format.h>
+#include <stdexcept>
+#include <utility>
+
+namespace vant::host {
+
+namespace {
+
+Json JsonOf(const std::map<std::string, GivenValue>& values) {
+    Json json = Json::object();
+    for (const auto& [name, given] : values)
+        json[name] = ToJson(given.value);
+    return json;
+}
+
+std::map<std::string, Value> ValuesIn(const Json& json) {
+    std::map<std::string, Value> values;
+    for (const auto& [name, value] : json.items())
+        values.emplace(name, ToValue(value));
+    return values;
+}
+
+std::optional<std::int64_t> NumberOrNothing(const Json& json) {
+    return json.is_null() ? std::nullopt : std::optional(json.get<std::int64_t>());
+}
+
+/// The steps that the outermost procedure enters.
+class PathOfRun {
+public:
+    void operator()(const Record& record) {
+        if (record.service != service::Runner)
+            return;
+        if (record.operation == event::ProcedureStarted)
+            ++m_depth;
+        else if (record.operation == event::ProcedureEnded)
+            --m_depth;
+        else if (record.operation == event::StepEntered && m_depth == 1)
+            m_path.push_back(record.Text(argument::step));
+    }
+
+    const Json& Path() const noexcept { return m_path; }
+
+private:
+    int m_depth = 0;
+    Json m_path = Json::array();
+};
+
+/// What must hold after every run.
+void CheckAfterwards(const Runner& runner, const CommandFactory& commands, const Journal& journal) {
+    if (const auto held = runner.StillHeld(); !held.empty())
+        throw std::runtime_error(
+            fmt::format("commands still hold parts of the host after the run: {}", fmt::join(held, ", ")));
+    if (!commands.CanUnload())
+        throw std::runtime_error("the module still has live objects after the run");
+    if (!journal.IsComplete())
+        throw std::runtime_error("the journal of the run is not complete");
+}
+
+} // namespace
+
+Json RequestOf(const TestCase& toRun) {
+    Json mayFail = Json::array();
+    for (const Located& each : toRun.expected.mayFail)
+        mayFail.push_back(each.text);
+    return {{"procedure", toRun.procedure.text},
+            {"engine", toRun.engine ? toRun.engine->text : ""},
+            {"data", JsonOf(toRun.data)},
+            {"parameters", JsonOf(toRun.parameters)},
+            {"tags", toRun.tags},
+            {"seed", toRun.seed ? Json(*toRun.seed) : Json()},
+            {"maxTime", toRun.maxTime ? Json(*toRun.maxTime) : Json()},
+            {"mayFail", std::move(mayFail)}};
+}
+
+Json CaseRunner::Run(const Json& request) {
+    try {
+        return {{"result", RunLoaded(request)}};
+    } catch (const std::exception& failure) {
+        return {{"failure", failure.what()}};
+    }
+}
+
+Json CaseRunner::RunLoaded(const Json& request) {
+    UseVirtualTime();
+    const LoadedProcedure& loaded = m_procedures.Get(request.at("procedure"), request.at("engine"));
+    if (loaded.files.HasErrors())
+        throw std::runtime_error("a file of the procedure has changed, and now has mistakes");
+    const Procedure procedure = SetUp(loaded.procedure, {.data = ValuesIn(request.at("data")),
+                                                         .parameters = ValuesIn(request.at("parameters")),
+                                                         .seed = NumberOrNothing(request.at("seed")),
+                                                         .mayFail = request.at("mayFail")});
+    Journal journal;
+    ResultReport report;
+    PathOfRun path;
+    journal.Observe([&report](const Record& record) { report(record); });
+    journal.Observe([&path](const Record& record) { path(record); });
+    Runner runner(procedure, m_commands, journal,
+                  {.maxTime = NumberOrNothing(request.at("maxTime")), .tags = request.at("tags")});
+    {
+        const ClockParticipant participant;
+        runner.Run();
+    }
+    CheckAfterwards(runner, m_commands, journal);
+    Json result = report.Result();
+    for (const char* const detail : {"format", "steps", "finally", "omitted"})
+        result.erase(detail);
+    result["path"] = path.Path();
+    return result;
+}
+
+} // namespace vant::host

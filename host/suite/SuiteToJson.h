@@ -1,0 +1,15 @@
+#pragma once
+
+#include "host/record/Json.h"
+#include "host/suite/CaseOutcome.h"
+#include "host/suite/TestCase.h"
+
+#include <vector>
+
+namespace vant::host {
+
+/// What came of test cases, for programs; docs/testing.md describes it. `outcomes` are those of `cases`, in
+/// the same order.
+Json SuiteToJson(const std::vector<TestCase>& cases, const std::vector<CaseOutcome>& outcomes);
+
+} // namespace vant::host
