@@ -9,6 +9,7 @@
 #include "platform/Utf8.h"
 #include "vant/Check.h"
 #include "vant/Classes.h"
+#include "vant/Diff.h"
 #include "vant/EngineRun.h"
 #include "vant/Registration.h"
 #include "vant/Run.h"
@@ -169,6 +170,29 @@ void AddTest(CLI::App& app, ExitCode& result) {
     OnSelected<TestOptions>(test, options, result, Test);
 }
 
+void AddDiff(CLI::App& app, ExitCode& result) {
+    CLI::App& diff = *app.add_subcommand("diff", "Compare two journals by what they mean");
+    const auto options = std::make_shared<DiffOptions>();
+    diff.add_option("A", options->a, "A journal, as vant run --journal writes it")
+        ->required()
+        ->check(CheckNotEmpty);
+    diff.add_option("B", options->b, "The journal with which it is compared")
+        ->required()
+        ->check(CheckNotEmpty);
+    diff.add_option("--time", options->time, "Differences of times up to this duration do not count")
+        ->type_name("DURATION")
+        ->capture_default_str();
+    diff.add_option("--value", options->value, "Differences of numbers up to this one do not count")
+        ->type_name("NUMBER")
+        ->check(CLI::NonNegativeNumber)
+        ->capture_default_str();
+    diff.add_flag("--json", options->json, "Print the differences as JSON");
+    diff.footer(
+        "Exit codes: 0 no differences, 1 differences, 2 wrong usage or file, 3 the differences could not be "
+        "written.");
+    OnSelected<DiffOptions>(diff, options, result, Diff);
+}
+
 void AddEngine(CLI::App& app, ExitCode& result) {
     CLI::App& engine =
         *app.add_subcommand("engine", "Let an engine run without a procedure and print its parameters");
@@ -229,6 +253,7 @@ ExitCode RunProgram(int argc, char** argv) {
     AddRun(app, result);
     AddCheck(app, result);
     AddTest(app, result);
+    AddDiff(app, result);
     AddEngine(app, result);
     AddClasses(app, result);
     AddRegistration(app, result, "register", "Register the module's classes with the system", Register);
