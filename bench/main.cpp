@@ -13,7 +13,9 @@
 
 namespace vant::bench {
 void RegisterCommandBenchmarks();
+void RegisterHostBenchmarks();
 void RegisterPersistentBenchmarks();
+void RegisterProgramBenchmarks();
 } // namespace vant::bench
 
 namespace {
@@ -66,7 +68,7 @@ nlohmann::ordered_json Summarise(const std::map<std::string, benchmark::Benchmar
 }
 
 void Print(const nlohmann::ordered_json& rows) {
-    // Of Stop and Round, which wait, it is wall time; of the others CPU time.
+    // Of Stop and Round, which wait, and of vant it is wall time; of the others CPU time.
     std::printf("%-36s %14s %12s %7s %12s\n", "median time", "ns", "floor ns", "ratio", "ns per item");
     for (const auto& row : rows) {
         std::printf("%-36s %14.1f", row["name"].get<std::string>().c_str(), row["ns"].get<double>());
@@ -100,6 +102,8 @@ int main(int argc, char** argv) {
 
     vant::bench::RegisterCommandBenchmarks();
     vant::bench::RegisterPersistentBenchmarks();
+    vant::bench::RegisterHostBenchmarks();
+    vant::bench::RegisterProgramBenchmarks();
     MedianReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
     for (const std::string& error : reporter.errors)
