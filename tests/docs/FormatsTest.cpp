@@ -179,7 +179,7 @@ TEST(Documents, Program_IsDescribedWithEveryCommandAndOption) {
     std::string text = ReadProjectFile("README.md");
     for (const auto& entry : std::filesystem::directory_iterator("docs"))
         text += ReadProjectFile("docs/" + entry.path().filename().string());
-    const std::string program = ReadProjectFile("vant/main.cpp");
+    const std::string program = ReadProjectFile("vant/CommandLine.cpp");
     Words wanted = Matches(program, std::regex(R"re("(--[a-z]+)")re"));
     for (const std::string& name :
          Matches(program, std::regex(R"re((?:add_subcommand\(|AddRegistration\(app, result, )"(\w+)")re")))
