@@ -6,6 +6,7 @@
 #include "vant/Check.h"
 #include "vant/Classes.h"
 #include "vant/EngineRun.h"
+#include "vant/NewFile.h"
 #include "vant/Registration.h"
 #include "vant/Run.h"
 
@@ -49,10 +50,11 @@ void OnSelected(CLI::App& command, const std::shared_ptr<Options>& options, Exit
 
 CLI::Option* AddModule(CLI::App& command, std::string& module) {
     module = DefaultModule();
-    return command.add_option("--module", module, "The module of the command classes")
+    return command
+        .add_option("--module", module,
+                    "The module of the command classes; without it, the one beside the program")
         ->check(CheckNotEmpty)
-        ->type_name("PATH")
-        ->capture_default_str();
+        ->type_name("PATH");
 }
 
 void AddRun(CLI::App& app, ExitCode& result) {
@@ -180,6 +182,42 @@ void AddCatalogue(CLI::App& app, ExitCode& result) {
                      [](const None&) { return PrintCatalogue(); });
 }
 
+/// A subcommand that consists of subcommands, of which it needs one.
+CLI::App& AddGroup(CLI::App& app, const char* name, const char* purpose) {
+    CLI::App& group = *app.add_subcommand(name, purpose);
+    group.require_subcommand(0, 1);
+    // Only now: an unknown subcommand is a better message than a missing one.
+    group.callback([&group] {
+        if (group.get_subcommands().empty())
+            throw CLI::RequiredError("A subcommand of " + group.get_name());
+    });
+    return group;
+}
+
+void AddNewKind(CLI::App& group, ExitCode& result, FileKind kind, const char* name, const char* purpose) {
+    CLI::App& command = *group.add_subcommand(name, purpose);
+    const auto options = std::make_shared<NewFileOptions>();
+    options->kind = kind;
+    command
+        .add_option("NAME", options->name,
+                    "The file to write, with or without the ending " + EndingOf(kind) + " of its name")
+        ->required()
+        ->check(CheckNotEmpty);
+    command.add_flag("--force", options->force, "Replace a file that exists");
+    command.footer(
+        "Exit codes: 0 done, 2 wrong usage, or the file cannot be created, 3 the file could not be "
+        "written completely.");
+    OnSelected<NewFileOptions>(command, options, result, WriteNewFile);
+}
+
+void AddNew(CLI::App& app, ExitCode& result) {
+    CLI::App& group = AddGroup(app, "new", "Write a commented file to start from");
+    AddNewKind(group, result, FileKind::Procedure, "procedure",
+               "Write a procedure with an engine of its own");
+    AddNewKind(group, result, FileKind::Engine, "engine", "Write an engine");
+    AddNewKind(group, result, FileKind::Test, "test", "Write test cases for the procedure of the same name");
+}
+
 } // namespace
 
 void DeclareCommandLine(CLI::App& app, ExitCode& result) {
@@ -195,6 +233,7 @@ void DeclareCommandLine(CLI::App& app, ExitCode& result) {
     AddRegistration(app, result, "register", "Register the module's classes with the system", Register);
     AddRegistration(app, result, "unregister", "Remove the registration", Unregister);
     AddCatalogue(app, result);
+    AddNew(app, result);
 }
 
 } // namespace vant::program
