@@ -5,8 +5,11 @@
 #include "platform/Utf8.h"
 #include "vant/Check.h"
 #include "vant/Classes.h"
+#include "vant/Completion.h"
 #include "vant/EngineRun.h"
+#include "vant/Manual.h"
 #include "vant/NewFile.h"
+#include "vant/ProgramText.h"
 #include "vant/Registration.h"
 #include "vant/Run.h"
 
@@ -14,6 +17,7 @@
 #include <charconv>
 #include <cstdint>
 #include <functional>
+#include <iostream>
 #include <memory>
 #include <string>
 
@@ -68,7 +72,7 @@ void AddRun(CLI::App& app, ExitCode& result) {
         ->type_name("FILE");
     run.add_option("--journal", options->journal, "Write every host call to this file, as lines of JSON")
         ->check(CheckNotEmpty)
-        ->type_name("FILE");
+        ->type_name("PATH");
     run.add_flag("--force", options->force, "Let the journal replace a file that is not a journal");
     CLI::Option* const module = AddModule(run, options->module);
     CLI::Option* const json = run.add_flag("--json", options->json, "Print the result as JSON");
@@ -158,7 +162,7 @@ void AddEngine(CLI::App& app, ExitCode& result) {
 void AddClasses(CLI::App& app, ExitCode& result) {
     CLI::App& classes = *app.add_subcommand("classes", "List the command classes and their properties");
     const auto options = std::make_shared<ClassesOptions>();
-    classes.add_option("NAME", options->name, "Only this class")->check(CheckNotEmpty);
+    classes.add_option("CLASS", options->name, "Only this class")->check(CheckNotEmpty);
     classes.add_flag("--json", options->json, "Print JSON");
     classes.footer("Exit codes: 0 done, 2 wrong usage, 3 the list could not be written.");
     OnSelected<ClassesOptions>(classes, options, result, PrintClasses);
@@ -218,6 +222,29 @@ void AddNew(CLI::App& app, ExitCode& result) {
     AddNewKind(group, result, FileKind::Test, "test", "Write test cases for the procedure of the same name");
 }
 
+ExitCode Print(const std::string& text) {
+    if (!(std::cout << text).flush())
+        throw Failure(ExitCode::Broken, "the text could not be written completely");
+    return ExitCode::Passed;
+}
+
+/// A subcommand that prints a text about the whole program.
+void AddProgramText(CLI::App& group, const CLI::App& program, ExitCode& result, const char* name,
+                    const char* purpose, std::string (*make)(const CommandText&)) {
+    CLI::App& command = *group.add_subcommand(name, purpose);
+    command.footer("Exit codes: 0 done, 2 wrong usage, 3 the text could not be written completely.");
+    command.callback([&program, &result, make] { result = Print(make(DescribeProgram(program))); });
+}
+
+void AddCompletion(CLI::App& app, ExitCode& result) {
+    CLI::App& group =
+        AddGroup(app, "completion", "Print a script with which a shell completes command lines");
+    AddProgramText(group, app, result, "bash", "Print the script for bash", BashCompletion);
+    AddProgramText(group, app, result, "zsh", "Print the script for zsh", ZshCompletion);
+    AddProgramText(group, app, result, "fish", "Print the script for fish", FishCompletion);
+    AddProgramText(group, app, result, "powershell", "Print the script for PowerShell", PowerShellCompletion);
+}
+
 } // namespace
 
 void DeclareCommandLine(CLI::App& app, ExitCode& result) {
@@ -234,6 +261,8 @@ void DeclareCommandLine(CLI::App& app, ExitCode& result) {
     AddRegistration(app, result, "unregister", "Remove the registration", Unregister);
     AddCatalogue(app, result);
     AddNew(app, result);
+    AddCompletion(app, result);
+    AddProgramText(app, app, result, "manual", "Print the manual page, for man", ManualPage);
 }
 
 } // namespace vant::program

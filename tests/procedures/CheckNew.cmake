@@ -35,7 +35,7 @@ if(NOT output MATCHES "^wrote ${file}\n\nnext:\n((    vant [^\n]+\n)+)$")
 endif()
 string(REGEX MATCHALL "vant [^\n]+" commands "${CMAKE_MATCH_1}")
 foreach(command IN LISTS commands)
-  # The subcommand is on its way.
+  # There is no such subcommand yet.
   if(command MATCHES "^vant test ")
     continue()
   endif()

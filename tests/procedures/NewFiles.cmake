@@ -1,4 +1,4 @@
-# vant new.
+# vant new, and the texts that the program prints about itself.
 
 foreach(kind IN ITEMS procedure engine test)
   add_test(NAME procedures.new_${kind}
@@ -31,7 +31,12 @@ add_test(NAME procedures.new_empty_name COMMAND vant new procedure "")
 set_tests_properties(procedures.new_empty_name PROPERTIES TIMEOUT 60 PASS_REGULAR_EXPRESSION "^NAME: must not be empty")
 vant_add_run(new_nothing EXIT 2 ARGUMENTS new MATCHES "^A subcommand of new is required")
 vant_add_run(new_unknown EXIT 2 ARGUMENTS new procdure MATCHES "not expected: procdure")
+vant_add_run(completion_nothing EXIT 2 ARGUMENTS completion MATCHES "^A subcommand of completion is required")
+vant_add_run(completion_unknown EXIT 2 ARGUMENTS completion tcsh MATCHES "not expected: tcsh")
 vant_add_run(help_new EXIT 0 ARGUMENTS new engine --help MATCHES "NAME.*--force.*Exit codes")
+
+vant_add_run(completion_powershell EXIT 0 ARGUMENTS completion powershell MATCHES "Register-ArgumentCompleter .*'vant run'")
+vant_add_run(manual EXIT 0 ARGUMENTS manual MATCHES "^.TH VANT 1 .*\n.SH SEE ALSO\n")
 
 if(NOT WIN32)
   # What cannot be written completely.
@@ -40,4 +45,11 @@ if(NOT WIN32)
                MATCHES "full.toml: the file could not be written completely\n$")
   vant_add_run(new_over_link EXIT 2 ARGUMENTS new engine ${CMAKE_CURRENT_BINARY_DIR}/full MATCHES "the file exists")
   vant_add_run(new_in_system_folder EXIT 2 ARGUMENTS new engine /proc/x MATCHES "^vant: /proc/x.toml: cannot write the file: ")
+  # Skipped if the shell or the formatter is not installed; the project does not demand them.
+  foreach(shell IN ITEMS bash fish zsh)
+    add_test(NAME procedures.completion_${shell} COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/completion $<TARGET_FILE:vant> ${shell})
+  endforeach()
+  add_test(NAME procedures.manual_rendered COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/manual $<TARGET_FILE:vant>)
+  set_tests_properties(procedures.completion_bash procedures.completion_fish procedures.completion_zsh
+                       procedures.manual_rendered PROPERTIES TIMEOUT 120 SKIP_RETURN_CODE 77)
 endif()
