@@ -19,6 +19,10 @@ endif()
 if(VANT_SANITIZE)
   add_compile_options(-fsanitize=${VANT_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${VANT_SANITIZE})
+  if(NOT VANT_FUZZ)
+    # Reports name lines. More debug information would only lengthen the build.
+    add_compile_options(-g1)
+  endif()
   # An interface of another module carries no type information, and need not be made by a C++ compiler at all.
   add_compile_options(-fno-sanitize=vptr)
 endif()

@@ -1,5 +1,5 @@
-// docs/procedures.md, docs/engines.md and README.md against the readers of the two file formats, the program
-// and its output.
+// docs/procedures.md, docs/engines.md and README.md against the readers of the two file formats and the
+// program's output.
 
 #include "host/procedure/EngineReader.h"
 #include "host/procedure/ProcedureReader.h"
@@ -210,20 +210,6 @@ TEST(ProceduresDocument, ResultCodes_AreThoseOfReports) {
 TEST(ProceduresDocument, ExitCodes_AreThoseOfTheProgram) {
     const Words declared = Matches(ReadProjectFile("vant/ExitCode.h"), std::regex(R"( = (\d+)[,} ])"));
     EXPECT_EQ(FirstColumn("docs/procedures.md", "exit code"), declared);
-}
-
-TEST(Documents, Program_IsDescribedWithEveryCommandAndOption) {
-    std::string text = ReadProjectFile("README.md");
-    for (const auto& entry : std::filesystem::directory_iterator("docs"))
-        text += ReadProjectFile("docs/" + entry.path().filename().string());
-    const std::string program = ReadProjectFile("vant/main.cpp");
-    Words wanted = Matches(program, std::regex(R"re("(--[a-z]+)")re"));
-    for (const std::string& name :
-         Matches(program, std::regex(R"re((?:add_subcommand\(|AddRegistration\(app, result, )"(\w+)")re")))
-        wanted.insert("vant " + name);
-    EXPECT_GE(wanted.size(), 15U);
-    for (const std::string& each : wanted)
-        EXPECT_NE(text.find(each), std::string::npos) << each;
 }
 
 TEST(Readme, ReportOfTheExample_IsWhatTheProgramPrints) {
