@@ -12,6 +12,7 @@
 #include "vant/NewFile.h"
 #include "vant/ProgramText.h"
 #include "vant/Registration.h"
+#include "vant/Replay.h"
 #include "vant/Run.h"
 #include "vant/Test.h"
 
@@ -170,6 +171,40 @@ void AddTest(CLI::App& app, ExitCode& result) {
     OnSelected<TestOptions>(test, options, result, Test);
 }
 
+template <class Options>
+void AddComparison(CLI::App& command, Options& options) {
+    command.add_option("--time", options.time, "Differences of times up to this duration do not count")
+        ->type_name("DURATION")
+        ->capture_default_str();
+    command.add_option("--value", options.value, "Differences of numbers up to this one do not count")
+        ->type_name("NUMBER")
+        ->check(CLI::NonNegativeNumber)
+        ->capture_default_str();
+    command.add_flag("--json", options.json, "Print the differences as JSON");
+}
+
+void AddReplay(CLI::App& app, ExitCode& result) {
+    CLI::App& replay =
+        *app.add_subcommand("replay", "Run a procedure on what a journal has recorded, and compare the runs");
+    const auto options = std::make_shared<ReplayOptions>();
+    replay.add_option("JOURNAL", options->journal, "The journal of an earlier run of the procedure")
+        ->required()
+        ->check(CheckNotEmpty);
+    replay.add_option("FILE", options->procedure, "The procedure, a TOML file")
+        ->required()
+        ->check(CheckNotEmpty);
+    replay
+        .add_option("--engine", options->engine, "The engine of the earlier run, if not the procedure's own")
+        ->check(CheckNotEmpty)
+        ->type_name("FILE");
+    AddModule(replay, options->module);
+    AddComparison(replay, *options);
+    replay.footer(
+        "Exit codes: 0 no differences, 1 differences, 2 wrong usage or file, 3 module or host failure, "
+        "130 interrupted.");
+    OnSelected<ReplayOptions>(replay, options, result, Replay);
+}
+
 void AddDiff(CLI::App& app, ExitCode& result) {
     CLI::App& diff = *app.add_subcommand("diff", "Compare two journals by what they mean");
     const auto options = std::make_shared<DiffOptions>();
@@ -179,14 +214,7 @@ void AddDiff(CLI::App& app, ExitCode& result) {
     diff.add_option("B", options->b, "The journal with which it is compared")
         ->required()
         ->check(CheckNotEmpty);
-    diff.add_option("--time", options->time, "Differences of times up to this duration do not count")
-        ->type_name("DURATION")
-        ->capture_default_str();
-    diff.add_option("--value", options->value, "Differences of numbers up to this one do not count")
-        ->type_name("NUMBER")
-        ->check(CLI::NonNegativeNumber)
-        ->capture_default_str();
-    diff.add_flag("--json", options->json, "Print the differences as JSON");
+    AddComparison(diff, *options);
     diff.footer(
         "Exit codes: 0 no differences, 1 differences, 2 wrong usage or file, 3 the differences could not be "
         "written.");
@@ -315,6 +343,7 @@ void DeclareCommandLine(CLI::App& app, ExitCode& result) {
     AddCheck(app, result);
     AddTest(app, result);
     AddDiff(app, result);
+    AddReplay(app, result);
     AddEngine(app, result);
     AddClasses(app, result);
     AddRegistration(app, result, "register", "Register the module's classes with the system", Register);

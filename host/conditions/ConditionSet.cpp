@@ -6,6 +6,8 @@
 #include "host/record/Json.h"
 #include "host/record/Vocabulary.h"
 
+#include <algorithm>
+
 namespace vant::host {
 
 namespace {
@@ -27,6 +29,8 @@ HRESULT ConditionSet::Evaluate(VARIANT_BOOL* allMet) {
         if (!allMet)
             return E_POINTER;
         *allMet = VARIANT_FALSE;
+        if (const auto recorded = ReturnRecorded(record, *allMet))
+            return *recorded;
         const Condition* failed = nullptr;
         Outcome outcome;
         for (const Condition& condition : m_conditions.list) {
@@ -51,6 +55,33 @@ HRESULT ConditionSet::Evaluate(VARIANT_BOOL* allMet) {
         record.Add(argument::allMet, true);
         return S_OK;
     });
+}
+
+std::optional<HRESULT> ConditionSet::ReturnRecorded(Record& record, VARIANT_BOOL& allMet) {
+    const auto recorded = m_engine ? m_engine->RecordedEvaluationOf(m_entry) : std::nullopt;
+    if (!recorded)
+        return std::nullopt;
+    allMet = recorded->allMet ? VARIANT_TRUE : VARIANT_FALSE;
+    const auto failed =
+        std::find_if(m_conditions.list.begin(), m_conditions.list.end(), [&](const Condition& each) {
+            return m_conditions.any || Describe(each) == recorded->failed;
+        });
+    if (!recorded->failed.empty() && failed != m_conditions.list.end()) {
+        const std::lock_guard lock(m_access);
+        m_failed = &*failed;
+    }
+    if (!recorded->failed.empty())
+        record.Add(argument::failed, recorded->failed);
+    if (!recorded->failed.empty() && !m_conditions.any && failed != m_conditions.list.end())
+        record.Add(failed->kind == Condition::Kind::Parameter ? argument::parameter : argument::data,
+                   failed->subject);
+    if (!recorded->limits.empty())
+        record.Add(argument::limits, recorded->limits);
+    if (recorded->value)
+        record.Add(argument::value, *recorded->value);
+    if (SUCCEEDED(recorded->code))
+        record.Add(argument::allMet, recorded->allMet);
+    return recorded->code;
 }
 
 HRESULT ConditionSet::RecordFailure(Record& record, const Condition& failed, const Outcome& outcome) {

@@ -8,6 +8,7 @@
 #include "host/record/Vocabulary.h"
 
 #include <mutex>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -51,6 +52,8 @@ private:
 
     Outcome Check(const Condition& condition) const;
     HRESULT RecordFailure(Record& record, const Condition& failed, const Outcome& outcome);
+    /// Returns what was recorded; nothing if the engine does not come from a recording of this set.
+    std::optional<HRESULT> ReturnRecorded(Record& record, VARIANT_BOOL& allMet);
     HRESULT Read(const Condition& condition, CComVariant& value) const;
     HRESULT ReadEntry(const std::string& name, VARTYPE type, CComVariant& value) const;
 

@@ -50,7 +50,7 @@ EnteredAnswer ReadAnswer(const Prompt& prompt, std::string_view entered);
 /// An answer of the operator.
 struct Answer {
     Value value;
-    const char* by = "operator"; ///< What it came from: "operator" or "answers".
+    std::string by = "operator"; ///< What it came from: "operator" or "answers".
     std::int64_t after = 0;      ///< It counts so many milliseconds of the run later.
     std::string mistake{};       ///< If not empty, it is not an answer to this prompt, which has none then.
 

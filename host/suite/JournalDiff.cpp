@@ -39,12 +39,19 @@ bool IsValue(std::string_view name) {
                        [name](const char* each) { return name == each; });
 }
 
+/// Whether an argument of a record names its subject. A measurement is named by its name alone.
+bool IsOfSubject(const Record& record, const Argument& argument) {
+    if (record.operation == event::Measured)
+        return argument.name == argument::name;
+    return !IsValue(argument.name) && argument.value != Value(nullptr);
+}
+
 /// What a record is about, for a person; records with the same text belong together.
 std::string SubjectOf(const Record& record) {
     std::string text = record.command.empty() ? "" : record.command + ": ";
     text += record.service == service::Runner ? record.operation : record.service + ' ' + record.operation;
     for (const Argument& each : record.arguments) {
-        if (!IsValue(each.name) && each.value != Value(nullptr))
+        if (IsOfSubject(record, each))
             text += ' ' + Readable(each.value);
     }
     return Printable(text);

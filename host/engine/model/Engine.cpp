@@ -78,6 +78,8 @@ Expected<Reading> Engine::Read(const std::string& id) const {
     const auto found = m_parameters.find(id);
     if (found == m_parameters.end())
         return EngineError::NotFound;
+    if (const auto* const recorded = Recorded(&EngineRecording::readings, id))
+        return *recorded;
     const std::int64_t time = Advance();
     LiveParameter& parameter = found->second;
     if (!parameter.BeginRead(time))
@@ -100,6 +102,8 @@ std::optional<EngineError> Engine::Write(const std::string& id, Value value) {
     if (found == m_parameters.end())
         return EngineError::NotFound;
     LiveParameter& parameter = found->second;
+    if (const auto* const recorded = Recorded(&EngineRecording::writes, id); recorded && *recorded)
+        return *recorded;
     if (parameter.IsReadOnly())
         return EngineError::ReadOnly;
     if (value.index() != parameter.Kind().index())
@@ -124,11 +128,19 @@ std::vector<Engine::Left> Engine::LeftWritten() const {
     return left;
 }
 
+std::optional<RecordedEvaluation> Engine::RecordedEvaluationOf(const std::string& conditionSet) const {
+    const std::lock_guard lock(m_access);
+    const auto* const recorded = Recorded(&EngineRecording::evaluations, conditionSet);
+    return recorded ? std::optional(*recorded) : std::nullopt;
+}
+
 std::vector<std::size_t> Engine::FaultRecords(const std::string& array) const {
     const std::lock_guard lock(m_access);
     const auto found = m_faultArrays.find(array);
     if (found == m_faultArrays.end())
         return {};
+    if (const auto* const recorded = Recorded(&EngineRecording::faultRecords, array))
+        return *recorded;
     Advance();
     std::vector<std::size_t> present;
     const std::vector<LiveFault>& faults = found->second;

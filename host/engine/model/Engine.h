@@ -4,6 +4,7 @@
 #include "host/engine/model/EngineError.h"
 #include "host/engine/model/LiveFault.h"
 #include "host/engine/model/LiveParameter.h"
+#include "host/engine/model/Recording.h"
 #include "host/record/TimeSource.h"
 #include "platform/Clock.h"
 
@@ -12,16 +13,11 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
 namespace vant::host {
-
-/// What a read of a parameter returns.
-struct Reading {
-    Value value;
-    std::optional<std::string> text; ///< Replaces the value's own text.
-};
 
 /// The parameters and faults of a simulated engine, which change during a run by themselves and by writes. A
 /// reading depends on the time, on the writes and their times, and on the seed. It depends on other reads
@@ -33,7 +29,10 @@ public:
     explicit Engine(const std::map<std::string, EngineParameter>& parameters, std::uint64_t seed = 0,
                     TimeSource clock = ClockMilliseconds, const FaultArrays& faultArrays = {});
     explicit Engine(const EngineDescription& description, TimeSource clock = ClockMilliseconds)
-        : Engine(description.parameters, description.seed, std::move(clock), description.faultArrays) {}
+        : Engine(description.parameters, description.seed, std::move(clock), description.faultArrays) {
+        if (description.recording)
+            m_recording = *description.recording;
+    }
 
     /// The current value and its text. NotFound or ReadFailed.
     Expected<Reading> Read(const std::string& id) const;
@@ -54,11 +53,23 @@ public:
     /// All of them, by id.
     std::vector<Left> LeftWritten() const;
 
+    /// How a condition set was evaluated, if the engine has a recording with that set.
+    std::optional<RecordedEvaluation> RecordedEvaluationOf(const std::string& conditionSet) const;
+
     /// The records that a fault array has now: their places in the description, from 0, in order. None if
     /// there is no such array.
     std::vector<std::size_t> FaultRecords(const std::string& array) const;
 
 private:
+    /// The next item of a timeline of the recording; null if there is none. Under m_access.
+    template <class Items>
+    auto* Recorded(Items EngineRecording::*items, const std::string& name) const {
+        using Item = std::remove_pointer_t<decltype(((*m_recording).*items).begin()->second.Next(0))>;
+        if (!m_recording)
+            return static_cast<Item*>(nullptr);
+        const auto found = ((*m_recording).*items).find(name);
+        return found == ((*m_recording).*items).end() ? nullptr : found->second.Next(m_clock() - m_began);
+    }
     void BeginParameters();
     void BeginFaults(const FaultArrays& faultArrays);
     /// The parameters, each after those that it follows.
@@ -85,6 +96,7 @@ private:
     mutable bool m_moves = false;             ///< Whether an input may move before the next scheduled change.
     mutable std::int64_t m_step = 0;          ///< The step up to which inputs have been taken.
     std::uint64_t m_writes = 0;
+    mutable std::optional<EngineRecording> m_recording; ///< Answers reads and writes, if there is one.
 };
 
 } // namespace vant::host

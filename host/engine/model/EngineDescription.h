@@ -2,10 +2,12 @@
 
 #include "host/engine/model/Behaviour.h"
 #include "host/engine/model/FaultDescription.h"
+#include "host/engine/model/Recording.h"
 #include "host/record/Value.h"
 
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -42,6 +44,7 @@ struct EngineDescription {
     std::map<std::string, EngineParameter> parameters;
     std::map<std::string, std::string> units; ///< Units key to text.
     FaultArrays faultArrays;
+    std::shared_ptr<const EngineRecording> recording{}; ///< Answers in place of the simulation; may be null.
 };
 
 } // namespace vant::host

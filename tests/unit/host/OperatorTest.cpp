@@ -109,7 +109,7 @@ TEST(ReadyOperator, TakesTheFirstAnswerThatFitsAndIsUnused) {
     ASSERT_TRUE(first);
     EXPECT_EQ(first->value, Value("no"));
     EXPECT_EQ(first->after, 2000);
-    EXPECT_STREQ(first->by, "answers");
+    EXPECT_EQ(first->by, "answers");
     EXPECT_EQ(ready.Ask(lamp, isNeverOver)->value, Value("yes"));
     EXPECT_EQ(ready.Ask(lamp, isNeverOver)->value, Value("yes"));
     EXPECT_EQ(ready.Unused().Print("f"), "f:1:1: warning: no prompt used this answer\n"
