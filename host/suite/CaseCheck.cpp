@@ -24,6 +24,7 @@ void CaseCheck::CheckName(const std::string& what, const std::string& name, cons
 void CaseCheck::Check(const TestCase& checked, const LoadedProcedure& loaded) {
     CheckData(checked, loaded.procedure);
     CheckParameters(checked, loaded.procedure);
+    CheckAnswers(checked, loaded);
     CheckExpectation(checked.expected, loaded);
 }
 
@@ -68,6 +69,21 @@ void CaseCheck::CheckParameter(const std::string& id, const GivenValue& given,
     if (number &&
         ((parameter.min && *number < *parameter.min) || (parameter.max && *number > *parameter.max)))
         Error(given.position, "the value lies outside 'min' and 'max' of parameter " + Quoted(id));
+}
+
+void CaseCheck::CheckAnswers(const TestCase& checked, const LoadedProcedure& loaded) {
+    std::set<std::string> steps;
+    const auto add = [&steps](const Procedure& procedure) {
+        for (const auto& [id, step] : procedure.steps)
+            steps.insert(id);
+    };
+    add(loaded.procedure);
+    for (const CalledProcedure& each : loaded.called)
+        add(*each.procedure);
+    for (const ReadyAnswer& each : checked.answers) {
+        if (!each.step.empty())
+            CheckName("step", each.step, each.stepPosition, steps);
+    }
 }
 
 void CaseCheck::CheckExpectation(const Expectation& expected, const LoadedProcedure& loaded) {

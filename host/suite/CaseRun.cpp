@@ -2,6 +2,7 @@
 
 #include "host/record/ResultReport.h"
 #include "host/record/Vocabulary.h"
+#include "host/runner/ReadyOperator.h"
 #include "host/runner/Runner.h"
 #include "host/suite/CaseSetup.h"
 #include "platform/Clock.h"
@@ -27,6 +28,36 @@ std::map<std::string, Value> ValuesIn(const Json& json) {
     for (const auto& [name, value] : json.items())
         values.emplace(name, ToValue(value));
     return values;
+}
+
+Json JsonOf(const std::vector<ReadyAnswer>& answers) {
+    Json list = Json::array();
+    for (const ReadyAnswer& each : answers)
+        list.push_back({{"step", each.step},
+                        {"prompt", each.prompt},
+                        {"answer", each.answer},
+                        {"after", each.after},
+                        {"repeat", each.repeats}});
+    return list;
+}
+
+std::vector<ReadyAnswer> AnswersIn(const Json& list) {
+    std::vector<ReadyAnswer> answers;
+    for (const Json& each : list)
+        answers.push_back({.step = each.at("step"),
+                           .prompt = each.at("prompt"),
+                           .answer = each.at("answer"),
+                           .after = each.at("after"),
+                           .repeats = each.at("repeat")});
+    return answers;
+}
+
+/// The numbers of the answers that no prompt has used, from 1.
+Json UnusedOf(const ReadyOperator& answering) {
+    Json numbers = Json::array();
+    for (const std::size_t each : answering.UnusedOnes())
+        numbers.push_back(each + 1);
+    return numbers;
 }
 
 std::optional<std::int64_t> NumberOrNothing(const Json& json) {
@@ -75,6 +106,7 @@ Json RequestOf(const TestCase& toRun) {
             {"engine", toRun.engine ? toRun.engine->text : ""},
             {"data", JsonOf(toRun.data)},
             {"parameters", JsonOf(toRun.parameters)},
+            {"answers", JsonOf(toRun.answers)},
             {"tags", toRun.tags},
             {"seed", toRun.seed ? Json(*toRun.seed) : Json()},
             {"maxTime", toRun.maxTime ? Json(*toRun.maxTime) : Json()},
@@ -103,8 +135,11 @@ Json CaseRunner::RunLoaded(const Json& request) {
     PathOfRun path;
     journal.Observe([&report](const Record& record) { report(record); });
     journal.Observe([&path](const Record& record) { path(record); });
+    ReadyOperator answering(AnswersIn(request.at("answers")));
     Runner runner(procedure, m_commands, journal,
-                  {.maxTime = NumberOrNothing(request.at("maxTime")), .tags = request.at("tags")});
+                  {.maxTime = NumberOrNothing(request.at("maxTime")),
+                   .tags = request.at("tags"),
+                   .answering = &answering});
     {
         const ClockParticipant participant;
         runner.Run();
@@ -114,6 +149,7 @@ Json CaseRunner::RunLoaded(const Json& request) {
     for (const char* const detail : {"format", "steps", "finally", "omitted"})
         result.erase(detail);
     result["path"] = path.Path();
+    result["unusedAnswers"] = UnusedOf(answering);
     return result;
 }
 

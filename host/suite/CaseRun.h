@@ -19,8 +19,9 @@ public:
 
     /// Runs the case that RequestOf has described. Returns {"result": ...}: the result of the run as
     /// ResultReport makes it, without the details of its steps but with `path`, the steps in the order in
-    /// which they were entered. If the module or the host failed: {"failure": TEXT}. The calling thread must
-    /// not take part in virtual time.
+    /// which they were entered, and `unusedAnswers`, the numbers of the answers that no prompt has used. If
+    /// the module or the host failed: {"failure": TEXT}. The calling thread must not take part in virtual
+    /// time.
     Json Run(const Json& request);
 
 private:

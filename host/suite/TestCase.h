@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/procedure/Answers.h"
 #include "host/procedure/Procedure.h"
 #include "host/record/Value.h"
 #include "host/text/Diagnostic.h"
@@ -51,6 +52,7 @@ struct TestCase {
     std::optional<Located> engine{}; ///< With its folder; in place of the procedure's own.
     std::map<std::string, GivenValue> data{};
     std::map<std::string, GivenValue> parameters{}; ///< Values of the engine's parameters at the beginning.
+    std::vector<ReadyAnswer> answers{};             ///< Of the operator.
     std::map<std::string, std::string> tags{};
     std::optional<std::int64_t> seed{};
     std::optional<std::int64_t> maxTime{}; ///< In milliseconds.

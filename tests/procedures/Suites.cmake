@@ -4,6 +4,7 @@ set(suites tests/procedures/suites)
 
 vant_add_run(test_right EXIT 0 ARGUMENTS test ${suites}/right.test.toml OUTPUT)
 vant_add_run(test_failing EXIT 1 ARGUMENTS test ${suites}/failing.test.toml --jobs 2 OUTPUT)
+vant_add_run(test_answers EXIT 1 ARGUMENTS test ${suites}/answers.test.toml OUTPUT)
 vant_add_run(test_wrong EXIT 2 ARGUMENTS test ${suites}/wrong.test.toml ${suites}/right.test.toml ERRORS)
 vant_add_run(test_examples EXIT 0 ARGUMENTS test procedures MATCHES "\n84 cases: 84 passed\n$")
 vant_add_run(check_tests EXIT 2 ARGUMENTS check ${suites}/wrong.test.toml ${suites}/right.test.toml --json OUTPUT)

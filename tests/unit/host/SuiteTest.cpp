@@ -113,6 +113,16 @@ TEST_F(SuiteTest, NamesThatTheProcedureLacks_AreMistakesWithSuggestions) {
               "t:11:12: error: there is no operation or command 'SetVale'\n");
 }
 
+TEST_F(SuiteTest, AnswersToStepsThatNeitherTheProcedureNorACalledOneHas_AreMistakes) {
+    Write("p.toml", "name = 'n'\nstart = 's'\n[engine.parameters.100]\nvalue = 1\n"
+                    "[steps.s]\nprocedure = 'called.toml'\nnext = 'e'\n[steps.e]\nend = 'passed'\n");
+    Write("called.toml", "name = 'n'\nstart = 'asks'\n[steps.asks]\nask = 'Ready?'\nnext = 'e'\n"
+                         "[steps.e]\nend = 'passed'\n");
+    EXPECT_EQ(Mistakes("procedure = 'p.toml'\n[[case]]\nname = 'one'\n"
+                       "answers = [{ step = 'asks', answer = 'OK' }, { step = 'ask', answer = 'OK' }]\n"),
+              "t:4:55: error: there is no step 'ask' (did you mean 'asks'?)\n");
+}
+
 TEST_F(SuiteTest, ValuesThatAParameterCannotHave_AreMistakes) {
     Write("p.toml", procedure);
     EXPECT_EQ(

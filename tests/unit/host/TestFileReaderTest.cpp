@@ -91,6 +91,33 @@ TEST(TestFileReader, Defaults_HoldForEveryCaseThatGivesNothingElse) {
     EXPECT_EQ(cases[1].expected.data.size(), 2U);
 }
 
+TEST(TestFileReader, Answers_AreReadAsInAFileOfAnswersAndReplacedAsAWhole) {
+    const auto cases = ReadRight("procedure = 'p.toml'\nanswers = [{ step = 'lamp', answer = 'on' }]\n"
+                                 "[[case]]\nname = 'one'\n"
+                                 "[[case]]\nname = 'two'\n"
+                                 "[[case.answers]]\nprompt = 'Key'\nanswer = 4711\nafter = '2s'\n"
+                                 "[[case.answers]]\nanswer = true\nrepeat = true\n");
+    ASSERT_EQ(cases.size(), 2U);
+    ASSERT_EQ(cases[0].answers.size(), 1U);
+    EXPECT_EQ(cases[0].answers[0].step, "lamp");
+    EXPECT_EQ(cases[0].answers[0].answer, "on");
+    ASSERT_EQ(cases[1].answers.size(), 2U);
+    EXPECT_EQ(cases[1].answers[0].prompt, "Key");
+    EXPECT_EQ(cases[1].answers[0].answer, "4711");
+    EXPECT_EQ(cases[1].answers[0].after, 2000);
+    EXPECT_TRUE(cases[1].answers[1].repeats);
+}
+
+TEST(TestFileReader, WrongAnswers_AreMistakes) {
+    EXPECT_EQ(Mistakes(beginning + "answers = 'on'\n"),
+              "t:4:11: error: 'answers' must be a list of tables, not a string\n");
+    EXPECT_EQ(Mistakes(beginning + "answers = [{ step = 'a' }, 'on', { anwser = 'on' }, { answer = [] }]\n"),
+              "t:4:12: error: 'answer' is missing\n"
+              "t:4:28: error: an answer must be a table, not a string\n"
+              "t:4:36: error: an answer has no key 'anwser' (did you mean 'answer'?)\n"
+              "t:4:64: error: 'answer' must be a string, a number, true or false, not a list\n");
+}
+
 TEST(TestFileReader, Sweep_StandsForEveryCombination) {
     const auto cases =
         ReadRight(beginning + "[case.sweep]\nseed = [3, 5]\ndata = { x = { from = 1, to = 2 } }\n");
