@@ -1,10 +1,12 @@
 #include "host/suite/CaseRun.h"
 
+#include "host/record/ProcedureDepth.h"
 #include "host/record/ResultReport.h"
 #include "host/record/Vocabulary.h"
 #include "host/runner/ReadyOperator.h"
 #include "host/runner/Runner.h"
 #include "host/suite/CaseSetup.h"
+#include "host/suite/RunCoverage.h"
 #include "platform/Clock.h"
 
 #include <exception>
@@ -68,20 +70,15 @@ std::optional<std::int64_t> NumberOrNothing(const Json& json) {
 class PathOfRun {
 public:
     void operator()(const Record& record) {
-        if (record.service != service::Runner)
-            return;
-        if (record.operation == event::ProcedureStarted)
-            ++m_depth;
-        else if (record.operation == event::ProcedureEnded)
-            --m_depth;
-        else if (record.operation == event::StepEntered && m_depth == 1)
+        if (m_depths.Take(record) == 0 && record.service == service::Runner &&
+            record.operation == event::StepEntered)
             m_path.push_back(record.Text(argument::step));
     }
 
     const Json& Path() const noexcept { return m_path; }
 
 private:
-    int m_depth = 0;
+    ProcedureDepth m_depths;
     Json m_path = Json::array();
 };
 
@@ -98,7 +95,7 @@ void CheckAfterwards(const Runner& runner, const CommandFactory& commands, const
 
 } // namespace
 
-Json RequestOf(const TestCase& toRun) {
+Json RequestOf(const TestCase& toRun, CaseWishes wishes) {
     Json mayFail = Json::array();
     for (const Located& each : toRun.expected.mayFail)
         mayFail.push_back(each.text);
@@ -110,12 +107,13 @@ Json RequestOf(const TestCase& toRun) {
             {"tags", toRun.tags},
             {"seed", toRun.seed ? Json(*toRun.seed) : Json()},
             {"maxTime", toRun.maxTime ? Json(*toRun.maxTime) : Json()},
-            {"mayFail", std::move(mayFail)}};
+            {"mayFail", std::move(mayFail)},
+            {"coverage", wishes.coverage}};
 }
 
 Json CaseRunner::Run(const Json& request) {
     try {
-        return {{"result", RunLoaded(request)}};
+        return RunLoaded(request);
     } catch (const std::exception& failure) {
         return {{"failure", failure.what()}};
     }
@@ -133,8 +131,13 @@ Json CaseRunner::RunLoaded(const Json& request) {
     Journal journal;
     ResultReport report;
     PathOfRun path;
+    std::optional<RunCoverage> coverage;
     journal.Observe([&report](const Record& record) { report(record); });
     journal.Observe([&path](const Record& record) { path(record); });
+    if (request.at("coverage")) {
+        coverage.emplace(loaded);
+        journal.Observe([&coverage](const Record& record) { (*coverage)(record); });
+    }
     ReadyOperator answering(AnswersIn(request.at("answers")));
     Runner runner(procedure, m_commands, journal,
                   {.maxTime = NumberOrNothing(request.at("maxTime")),
@@ -150,7 +153,10 @@ Json CaseRunner::RunLoaded(const Json& request) {
         result.erase(detail);
     result["path"] = path.Path();
     result["unusedAnswers"] = UnusedOf(answering);
-    return result;
+    Json reply = {{"result", std::move(result)}};
+    if (coverage)
+        reply["coverage"] = coverage->Reached();
+    return reply;
 }
 
 } // namespace vant::host
