@@ -13,6 +13,7 @@
 #include "host/text/Printable.h"
 #include "platform/Process.h"
 #include "vant/CoverageReport.h"
+#include "vant/FaultTest.h"
 #include "vant/InterruptScope.h"
 #include "vant/Messages.h"
 #include "vant/Module.h"
@@ -162,25 +163,34 @@ ExitCode Test(const TestOptions& options) {
         junit.emplace(options.junit);
     SuiteUpdate update;
     const std::vector<CaseOutcome> outcomes =
-        RunCases(suite.cases, settings, {.coverage = options.coverage}, options.update ? &update : nullptr);
+        RunCases(suite.cases, settings,
+                 {.coverage = options.coverage,
+                  .faults = options.faults ? std::optional(options.faultRepeats) : std::nullopt},
+                 options.update ? &update : nullptr);
     std::vector<CoveredProcedure> covered;
     if (options.coverage) {
         covered = CoverageOf(suite.cases, outcomes);
         PrintCoverage(std::cout, covered);
     }
     const bool isEnough = IsEnough(covered, options.failUnder);
+    FaultResults faults;
+    if (options.faults)
+        faults = TestWithFaults(suite.cases, outcomes, settings);
     if (options.update)
         WriteUpdate(update);
     if (json)
-        json->Write(
-            SuiteToJson(suite.cases, outcomes, options.coverage ? CoverageToJson(covered) : Json()).dump(2) +
-            '\n');
+        json->Write(SuiteToJson(suite.cases, outcomes, options.coverage ? CoverageToJson(covered) : Json(),
+                                options.faults ? FaultsToJson(suite.cases, faults) : Json())
+                        .dump(2) +
+                    '\n');
     if (junit)
         junit->Write(ToJUnit(suite.cases, outcomes));
     if (!std::cout.flush())
         throw Failure(ExitCode::Broken, "the report could not be written completely");
     const ExitCode result = ExitCodeOf(outcomes);
-    return result == ExitCode::Passed && !isEnough ? ExitCode::Failed : result;
+    if (result == ExitCode::Aborted || faults.notRun != 0)
+        return ExitCode::Aborted;
+    return isEnough && faults.survivors.empty() ? result : ExitCode::Failed;
 }
 
 } // namespace vant::program

@@ -162,6 +162,14 @@ void AddTest(CLI::App& app, ExitCode& result) {
         ->type_name("PERCENT")
         ->check(CLI::Range(0.0, 100.0))
         ->needs(coverage);
+    CLI::Option* const faults =
+        test.add_flag("--faults", options->faults,
+                      "Run each case that passes again and again, with one fault after the other");
+    test.add_option("--fault-repeats", options->faultRepeats,
+                    "Let so many of the calls fail that a command repeats; 0: all of them")
+        ->type_name("N")
+        ->capture_default_str()
+        ->needs(faults);
     test.add_flag("--update", options->update,
                   "Change the test files to expect the verdict, ending and path that have come");
     test.add_option("--case-timeout", options->caseTimeout, "The longest real time that a case may take")

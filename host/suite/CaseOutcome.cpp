@@ -31,8 +31,11 @@ CaseOutcome OutcomeOf(const TestCase& tested, const WorkerReply& reply) {
     Json json = Json::parse(*reply.line, nullptr, false);
     if (json.is_object() && json.contains("result")) {
         CaseOutcome outcome{.result = std::move(json["result"])};
-        if (json.contains("coverage"))
-            outcome.coverage = std::move(json["coverage"]);
+        for (const auto& [key, target] :
+             {std::pair("coverage", &outcome.coverage), std::pair("faults", &outcome.faults)}) {
+            if (json.contains(key))
+                *target = std::move(json[key]);
+        }
         return Judged(tested, std::move(outcome));
     }
     if (json.is_object() && json.contains("failure"))

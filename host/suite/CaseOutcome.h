@@ -27,6 +27,7 @@ struct CaseOutcome {
     std::string failure{};              ///< If there is an error.
     Json result{};                      ///< Of the run, as CaseRunner returns it; null if there is none.
     Json coverage{};                    ///< What the run has reached; null if that is not known.
+    Json faults{};                      ///< Those that can happen in it; null if that is not known.
 };
 
 /// The outcome of a case whose request got this reply of a worker.

@@ -6,6 +6,8 @@
 #include "host/runner/ReadyOperator.h"
 #include "host/runner/Runner.h"
 #include "host/suite/CaseSetup.h"
+#include "host/suite/FaultFinder.h"
+#include "host/suite/FaultInjection.h"
 #include "host/suite/RunCoverage.h"
 #include "platform/Clock.h"
 
@@ -82,9 +84,36 @@ private:
     Json m_path = Json::array();
 };
 
-/// What must hold after every run.
-void CheckAfterwards(const Runner& runner, const CommandFactory& commands, const Journal& journal) {
-    if (const auto held = runner.StillHeld(); !held.empty())
+/// What a run has ended with.
+class EndOfRun {
+public:
+    void operator()(const Record& record) {
+        if (record.service != service::Runner)
+            return;
+        if (record.operation == event::ProcedureEnded) // The outermost one is the last.
+            m_result["verdict"] = record.Text(argument::verdict);
+        else if (record.operation == event::ParameterLeft)
+            m_result["left"].push_back(
+                {{"id", record.Text(argument::id)}, {"value", ToJson(*record.Find(argument::value))}});
+    }
+
+    const Json& Result() const noexcept { return m_result; }
+
+private:
+    Json m_result = {{"verdict", nullptr}, {"left", Json::array()}};
+};
+
+CaseSetup SetupIn(const Json& request) {
+    return {.data = ValuesIn(request.at("data")),
+            .parameters = ValuesIn(request.at("parameters")),
+            .seed = NumberOrNothing(request.at("seed")),
+            .mayFail = request.at("mayFail")};
+}
+
+/// What must hold after every run. `mayHold`: the host itself may have kept something open.
+void CheckAfterwards(const Runner& runner, const CommandFactory& commands, const Journal& journal,
+                     bool mayHold) {
+    if (const auto held = runner.StillHeld(); !held.empty() && !mayHold)
         throw std::runtime_error(
             fmt::format("commands still hold parts of the host after the run: {}", fmt::join(held, ", ")));
     if (!commands.CanUnload())
@@ -108,7 +137,15 @@ Json RequestOf(const TestCase& toRun, CaseWishes wishes) {
             {"seed", toRun.seed ? Json(*toRun.seed) : Json()},
             {"maxTime", toRun.maxTime ? Json(*toRun.maxTime) : Json()},
             {"mayFail", std::move(mayFail)},
-            {"coverage", wishes.coverage}};
+            {"coverage", wishes.coverage},
+            {"faults", wishes.faults ? Json(*wishes.faults) : Json()},
+            {"fault", nullptr}};
+}
+
+Json RequestOf(const TestCase& toRun, const Fault& fault) {
+    Json request = RequestOf(toRun);
+    request["fault"] = ToJson(fault);
+    return request;
 }
 
 Json CaseRunner::Run(const Json& request) {
@@ -124,39 +161,72 @@ Json CaseRunner::RunLoaded(const Json& request) {
     const LoadedProcedure& loaded = m_procedures.Get(request.at("procedure"), request.at("engine"));
     if (loaded.files.HasErrors())
         throw std::runtime_error("a file of the procedure has changed, and now has mistakes");
-    const Procedure procedure = SetUp(loaded.procedure, {.data = ValuesIn(request.at("data")),
-                                                         .parameters = ValuesIn(request.at("parameters")),
-                                                         .seed = NumberOrNothing(request.at("seed")),
-                                                         .mayFail = request.at("mayFail")});
+    return request.at("fault").is_null() ? RunWithoutFault(request, loaded) : RunWithFault(request, loaded);
+}
+
+Json CaseRunner::RunWithoutFault(const Json& request, const LoadedProcedure& loaded) {
     Journal journal;
     ResultReport report;
     PathOfRun path;
     std::optional<RunCoverage> coverage;
+    std::optional<FaultFinder> faults;
     journal.Observe([&report](const Record& record) { report(record); });
     journal.Observe([&path](const Record& record) { path(record); });
     if (request.at("coverage")) {
         coverage.emplace(loaded);
         journal.Observe([&coverage](const Record& record) { (*coverage)(record); });
     }
+    if (!request.at("faults").is_null()) {
+        faults.emplace(loaded);
+        journal.Observe([&faults](const Record& record) { (*faults)(record); });
+    }
+    const Json unused = RunOnce(request, SetUp(loaded.procedure, SetupIn(request)), journal, nullptr);
+    Json result = report.Result();
+    for (const char* const detail : {"format", "steps", "finally", "omitted"})
+        result.erase(detail);
+    result["path"] = path.Path();
+    result["unusedAnswers"] = unused;
+    Json reply = {{"result", std::move(result)}};
+    if (coverage)
+        reply["coverage"] = coverage->Reached();
+    if (faults) {
+        reply["faults"] = Json::array();
+        for (const Fault& each : faults->Faults(request["faults"]))
+            reply["faults"].push_back(ToJson(each));
+    }
+    return reply;
+}
+
+Json CaseRunner::RunWithFault(const Json& request, const LoadedProcedure& loaded) {
+    const Fault fault = FaultOf(request.at("fault"));
+    Procedure procedure = SetUp(loaded.procedure, SetupIn(request));
+    if (procedure.engine)
+        Break(*procedure.engine, fault);
+    Journal journal;
+    EndOfRun end;
+    journal.Observe([&end](const Record& record) { end(record); });
+    FailingCall failing(fault);
+    RunOnce(request, procedure, journal, &failing);
+    Json result = end.Result();
+    result["hasHappened"] = failing.HasHappened();
+    return {{"result", std::move(result)}};
+}
+
+Json CaseRunner::RunOnce(const Json& request, const Procedure& procedure, Journal& journal,
+                         FailingCall* failing) {
     ReadyOperator answering(AnswersIn(request.at("answers")));
     Runner runner(procedure, m_commands, journal,
                   {.maxTime = NumberOrNothing(request.at("maxTime")),
                    .tags = request.at("tags"),
                    .answering = &answering});
+    if (failing)
+        runner.Intercept([failing](const Record& call) { return (*failing)(call); });
     {
         const ClockParticipant participant;
         runner.Run();
     }
-    CheckAfterwards(runner, m_commands, journal);
-    Json result = report.Result();
-    for (const char* const detail : {"format", "steps", "finally", "omitted"})
-        result.erase(detail);
-    result["path"] = path.Path();
-    result["unusedAnswers"] = UnusedOf(answering);
-    Json reply = {{"result", std::move(result)}};
-    if (coverage)
-        reply["coverage"] = coverage->Reached();
-    return reply;
+    CheckAfterwards(runner, m_commands, journal, failing && failing->LeavesSessionOpen());
+    return UnusedOf(answering);
 }
 
 } // namespace vant::host

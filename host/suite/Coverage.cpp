@@ -41,9 +41,9 @@ Coverage::Coverage(const std::vector<TestCase>& cases) {
     ProcedureShelf shelf;
     for (const TestCase& each : cases) {
         const LoadedProcedure& loaded = shelf.Get(each.procedure.text, each.engine ? each.engine->text : "");
-        m_points.try_emplace(CoveredFile(loaded.files.Main().name), PointsOf(loaded.procedure));
+        m_points.try_emplace(NormalName(loaded.files.Main().name), PointsOf(loaded.procedure));
         for (const CalledProcedure& called : loaded.called)
-            m_points.try_emplace(CoveredFile(called.file->name), PointsOf(*called.procedure));
+            m_points.try_emplace(NormalName(called.file->name), PointsOf(*called.procedure));
     }
 }
 

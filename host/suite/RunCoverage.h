@@ -1,26 +1,19 @@
 #pragma once
 
-#include "host/procedure/Loading.h"
-#include "host/record/Journal.h"
 #include "host/record/Json.h"
-#include "host/record/ProcedureDepth.h"
+#include "host/suite/RunningProcedures.h"
 
 #include <map>
 #include <set>
 #include <string>
-#include <vector>
 
 namespace vant::host {
-
-/// The name of a procedure's file for the coverage: the same for every way to write it.
-std::string CoveredFile(const std::string& file);
 
 /// Finds out what one run reaches of its procedures. An observer of the run's journal.
 class RunCoverage {
 public:
-    /// The procedure must outlive this object. Values of its data and engine may differ from those of the
-    /// run.
-    explicit RunCoverage(const LoadedProcedure& loaded);
+    /// As RunningProcedures.
+    explicit RunCoverage(const LoadedProcedure& loaded) : m_running(loaded) {}
 
     void operator()(const Record& record);
 
@@ -28,25 +21,14 @@ public:
     Json Reached() const { return m_reached; }
 
 private:
-    /// A procedure that has begun and not ended.
-    struct Running {
-        const Procedure* procedure = nullptr;
-        std::set<std::string>* reached = nullptr;
-        const Step* step = nullptr;
-        bool cleansUp = false;
-    };
+    using Points = std::set<std::string>;
 
-    void Begin();
-    void TakeEvent(const Record& record, Running& running);
-    static void TakeTransition(const Record& record, const Running& running);
-    static void TakeEvaluation(const Record& record, const Running& running);
-    static void TakeMeasurement(const Record& record, const Running& running);
+    static void TakeEvent(const Record& record, const RunningProcedure& running, Points& reached);
+    static void TakeTransition(const Record& record, const RunningProcedure& running, Points& reached);
+    static void TakeMeasurement(const Record& record, const RunningProcedure& running, Points& reached);
 
-    const Procedure& m_outermost;
-    std::map<const Procedure*, std::string> m_files;
-    std::map<std::string, std::set<std::string>> m_reached;
-    ProcedureDepth m_depths;
-    std::vector<Running> m_running;
+    RunningProcedures m_running;
+    std::map<std::string, Points> m_reached;
 };
 
 } // namespace vant::host

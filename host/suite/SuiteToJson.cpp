@@ -24,8 +24,8 @@ Json CaseToJson(const TestCase& tested, const CaseOutcome& outcome) {
 
 } // namespace
 
-Json SuiteToJson(const std::vector<TestCase>& cases, const std::vector<CaseOutcome>& outcomes,
-                 Json coverage) {
+Json SuiteToJson(const std::vector<TestCase>& cases, const std::vector<CaseOutcome>& outcomes, Json coverage,
+                 Json faults) {
     Json counts;
     for (const CaseStatus status :
          {CaseStatus::Passed, CaseStatus::Failed, CaseStatus::Error, CaseStatus::NotRun})
@@ -39,6 +39,7 @@ Json SuiteToJson(const std::vector<TestCase>& cases, const std::vector<CaseOutco
     return {{"format", 1},
             {"counts", std::move(counts)},
             {"coverage", std::move(coverage)},
+            {"faults", std::move(faults)},
             {"cases", std::move(list)}};
 }
 

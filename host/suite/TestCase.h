@@ -3,6 +3,7 @@
 #include "host/procedure/Answers.h"
 #include "host/procedure/Procedure.h"
 #include "host/record/Value.h"
+#include "host/suite/FaultExcuse.h"
 #include "host/text/Diagnostic.h"
 
 #include <cstdint>
@@ -57,8 +58,9 @@ struct TestCase {
     std::optional<std::int64_t> seed{};
     std::optional<std::int64_t> maxTime{}; ///< In milliseconds.
     Expectation expected{};
-    bool hasExpectation = false; ///< The file has one, for this case or for all.
-    bool isSwept = false;        ///< It is one of several that one table stands for.
+    std::vector<FaultExcuse> mayPass{}; ///< Faults with which the run may pass.
+    bool hasExpectation = false;        ///< The file has one, for this case or for all.
+    bool isSwept = false;               ///< It is one of several that one table stands for.
 };
 
 } // namespace vant::host

@@ -20,7 +20,7 @@ public:
     std::vector<TestCase> Read(const toml::table& root) {
         CheckKeys(root, "a test file",
                   {"case", "procedure", "engine", "data", "parameters", "answers", "tags", "seed", "maxTime",
-                   "expected"});
+                   "expected", "faults"});
         TestCase defaults;
         defaults.file = m_file;
         ReadKeys(root, defaults);
@@ -43,7 +43,7 @@ private:
             return;
         CheckKeys(*table, "a case",
                   {"name", "procedure", "engine", "data", "parameters", "answers", "tags", "seed", "maxTime",
-                   "expected", "sweep"});
+                   "expected", "faults", "sweep"});
         TestCase read = defaults;
         read.position = PositionOf(*table);
         if (const auto name = RequiredName(*table, "name", read.position)) {
@@ -84,6 +84,8 @@ private:
                 m_found.Error(PositionOf(*table.get("maxTime")), "'maxTime' must be above 0");
             target.maxTime = maxTime;
         }
+        if (const toml::node* const faults = table.get("faults"))
+            target.mayPass = ReadFaultExcuses(*faults, m_found);
         if (const toml::node* const expected = table.get("expected")) {
             target.hasExpectation = true;
             ReadExpectation(*expected, target.expected, m_found);

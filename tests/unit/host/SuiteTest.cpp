@@ -123,6 +123,16 @@ TEST_F(SuiteTest, AnswersToStepsThatNeitherTheProcedureNorACalledOneHas_AreMista
               "t:4:55: error: there is no step 'ask' (did you mean 'asks'?)\n");
 }
 
+TEST_F(SuiteTest, FaultsOfWhatTheProcedureLacks_AreMistakes) {
+    Write("p.toml", procedure);
+    EXPECT_EQ(Mistakes("procedure = 'p.toml'\n[[case]]\nname = 'one'\n"
+                       "faults.mayPass = [{ command = 'q', step = 'finally', why = 'w' }, "
+                       "{ lost = '101', step = 't', why = 'w' }, { refused = '100', why = 'w' }]\n"),
+              "t:4:31: error: there is no command 'q'\n"
+              "t:4:76: error: there is no parameter '101' (did you mean '100'?)\n"
+              "t:4:90: error: there is no step 't'\n");
+}
+
 TEST_F(SuiteTest, ValuesThatAParameterCannotHave_AreMistakes) {
     Write("p.toml", procedure);
     EXPECT_EQ(

@@ -118,6 +118,41 @@ TEST(TestFileReader, WrongAnswers_AreMistakes) {
               "t:4:64: error: 'answer' must be a string, a number, true or false, not a list\n");
 }
 
+TEST(TestFileReader, FaultsWithWhichARunMayPass_HaveAReason) {
+    const auto cases = ReadRight(beginning + "[[case.faults.mayPass]]\ncall = 'Parameter get_Value'\n"
+                                             "command = 'c'\nstep = 's'\nwhy = 'shown only'\n"
+                                             "[[case.faults.mayPass]]\nlost = '100'\nwhy = 'w'\n");
+    const std::vector<FaultExcuse>& excuses = cases.at(0).mayPass;
+    ASSERT_EQ(excuses.size(), 2U);
+    EXPECT_EQ(excuses[0].why, "shown only");
+    const Fault call{.subject = "Parameter get_Value", .command = "c", .step = "s"};
+    const Fault lost{.kind = Fault::Kind::Lost, .subject = "100", .step = "s"};
+    const Fault refused{.kind = Fault::Kind::Refused, .subject = "100"};
+    EXPECT_TRUE(Fits(excuses[0], call));
+    EXPECT_FALSE(Fits(excuses[0], {.subject = "Parameter get_Text", .command = "c", .step = "s"}));
+    EXPECT_FALSE(Fits(excuses[0], {.subject = "Parameter get_Value", .command = "d", .step = "s"}));
+    EXPECT_FALSE(Fits(excuses[0], {.subject = "Parameter get_Value", .command = "c", .step = "t"}));
+    EXPECT_FALSE(Fits(excuses[0], lost));
+    EXPECT_TRUE(Fits(excuses[1], lost));
+    EXPECT_FALSE(Fits(excuses[1], refused));
+    EXPECT_FALSE(Fits(excuses[1], call));
+}
+
+TEST(TestFileReader, WrongFaults_AreMistakes) {
+    EXPECT_EQ(Mistakes(beginning + "faults = { maypass = [] }\n"),
+              "t:4:12: error: the table of faults has no key 'maypass' (did you mean 'mayPass'?)\n");
+    EXPECT_EQ(Mistakes(beginning +
+                       "faults.mayPass = [{ why = 'w' }, { lost = '1', refused = '1', why = 'w' }, "
+                       "{ call = 'Parameter get_Valeu' }]\n"),
+              "t:4:19: error: an entry of 'mayPass' needs either 'call' or 'command' or both, or 'lost', or "
+              "'refused'\n"
+              "t:4:34: error: an entry of 'mayPass' needs either 'call' or 'command' or both, or 'lost', or "
+              "'refused'\n"
+              "t:4:76: error: 'why' is missing\n"
+              "t:4:85: error: there is no call 'Parameter get_Valeu', such as 'Parameter get_Value' (did you "
+              "mean 'Parameter get_Value'?)\n");
+}
+
 TEST(TestFileReader, Sweep_StandsForEveryCombination) {
     const auto cases =
         ReadRight(beginning + "[case.sweep]\nseed = [3, 5]\ndata = { x = { from = 1, to = 2 } }\n");
