@@ -158,6 +158,20 @@ void AddTest(CLI::App& app, ExitCode& result) {
     test.add_option("--junit", options->junit, "Write the results to this file as JUnit XML")
         ->check(CheckNotEmpty)
         ->type_name("PATH");
+    CLI::Option* const coverage =
+        test.add_flag("--coverage", options->coverage, "Print what the cases have reached of the procedures");
+    test.add_option("--fail-under", options->failUnder, "Fail if the coverage is less")
+        ->type_name("PERCENT")
+        ->check(CLI::Range(0.0, 100.0))
+        ->needs(coverage);
+    CLI::Option* const faults =
+        test.add_flag("--faults", options->faults,
+                      "Run each case that passes again and again, with one fault after the other");
+    test.add_option("--fault-repeats", options->faultRepeats,
+                    "Let so many of the calls fail that a command repeats; 0: all of them")
+        ->type_name("N")
+        ->capture_default_str()
+        ->needs(faults);
     test.add_flag("--update", options->update,
                   "Change the test files to expect the verdict, ending and path that have come");
     test.add_option("--case-timeout", options->caseTimeout, "The longest real time that a case may take")

@@ -1,6 +1,7 @@
 #include "vant/EngineTable.h"
 
 #include "host/text/Printable.h"
+#include "vant/TextTable.h"
 
 #include <algorithm>
 #include <array>
@@ -95,19 +96,7 @@ void EngineTable::Add(const EngineRow& row) {
 }
 
 void EngineTable::Print(std::ostream& out) const {
-    std::vector<std::size_t> widths(m_rows.front().size());
-    for (const Cells& row : m_rows) {
-        for (std::size_t column = 0; column < row.size(); ++column)
-            widths[column] = std::max(widths[column], WidthOf(row[column]));
-    }
-    for (const Cells& row : m_rows) {
-        std::string line;
-        for (std::size_t column = 0; column < row.size(); ++column)
-            line.append(widths[column] - WidthOf(row[column]) + (column == 0 ? 0 : 2), ' ')
-                .append(row[column]);
-        line.erase(line.find_last_not_of(' ') + 1);
-        out << line << '\n';
-    }
+    PrintTable(out, m_rows);
 }
 
 CsvWriter::CsvWriter(std::ostream& out, const EngineDescription& engine) : m_out(out) {

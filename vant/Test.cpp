@@ -3,6 +3,7 @@
 #include "host/procedure/InputFile.h"
 #include "host/suite/CaseOutcome.h"
 #include "host/suite/CaseRun.h"
+#include "host/suite/Coverage.h"
 #include "host/suite/JUnit.h"
 #include "host/suite/Suite.h"
 #include "host/suite/SuiteToJson.h"
@@ -11,6 +12,8 @@
 #include "host/text/Duration.h"
 #include "host/text/Printable.h"
 #include "platform/Process.h"
+#include "vant/CoverageReport.h"
+#include "vant/FaultTest.h"
 #include "vant/InterruptScope.h"
 #include "vant/Messages.h"
 #include "vant/Module.h"
@@ -71,10 +74,10 @@ WorkerSettings SettingsOf(const TestOptions& options) {
 
 /// `update`: null if the test files are to stay as they are.
 std::vector<CaseOutcome> RunCases(const std::vector<TestCase>& cases, const WorkerSettings& settings,
-                                  SuiteUpdate* update) {
+                                  CaseWishes wishes, SuiteUpdate* update) {
     std::vector<std::string> requests;
     for (const TestCase& each : cases)
-        requests.push_back(RequestOf(each).dump());
+        requests.push_back(RequestOf(each, wishes).dump());
     const auto began = std::chrono::steady_clock::now();
     TakeInterrupts(); // Before the pool starts threads, which inherit the signal mask.
     TestReport report(std::cout, cases, WantsColour());
@@ -84,8 +87,10 @@ std::vector<CaseOutcome> RunCases(const std::vector<TestCase>& cases, const Work
         pool.Run(requests, [&](std::size_t number, const WorkerReply& reply) {
             const TestCase& tested = cases[number];
             CaseOutcome outcome = OutcomeOf(tested, reply);
-            if (update && !outcome.result.is_null())
-                outcome = OutcomeOf(update->Update(tested, outcome.result), outcome.result);
+            if (update && !outcome.result.is_null()) {
+                const TestCase updated = update->Update(tested, outcome.result);
+                outcome = Judged(updated, std::move(outcome));
+            }
             report.Take(number, std::move(outcome));
         });
     }
@@ -102,6 +107,25 @@ void WriteUpdate(const SuiteUpdate& update) {
     } catch (const std::system_error& failure) {
         throw Failure(ExitCode::Broken, failure.what());
     }
+}
+
+std::vector<CoveredProcedure> CoverageOf(const std::vector<TestCase>& cases,
+                                         const std::vector<CaseOutcome>& outcomes) {
+    Coverage coverage(cases);
+    for (const CaseOutcome& each : outcomes)
+        coverage.Add(each.coverage);
+    return coverage.Procedures();
+}
+
+/// Whether enough was reached; prints that it was not.
+bool IsEnough(const std::vector<CoveredProcedure>& covered, double failUnder) {
+    const CoverageCount total = TotalOf(covered);
+    const bool isEnough =
+        static_cast<double>(total.reached) * 100 >= failUnder * static_cast<double>(total.of);
+    if (!isEnough)
+        std::cout << fmt::format("the coverage is less than {} %: {} of {}\n", failUnder, total.reached,
+                                 total.of);
+    return isEnough;
 }
 
 ExitCode ExitCodeOf(const std::vector<CaseOutcome>& outcomes) {
@@ -139,16 +163,34 @@ ExitCode Test(const TestOptions& options) {
         junit.emplace(options.junit);
     SuiteUpdate update;
     const std::vector<CaseOutcome> outcomes =
-        RunCases(suite.cases, settings, options.update ? &update : nullptr);
+        RunCases(suite.cases, settings,
+                 {.coverage = options.coverage,
+                  .faults = options.faults ? std::optional(options.faultRepeats) : std::nullopt},
+                 options.update ? &update : nullptr);
+    std::vector<CoveredProcedure> covered;
+    if (options.coverage) {
+        covered = CoverageOf(suite.cases, outcomes);
+        PrintCoverage(std::cout, covered);
+    }
+    const bool isEnough = IsEnough(covered, options.failUnder);
+    FaultResults faults;
+    if (options.faults)
+        faults = TestWithFaults(suite.cases, outcomes, settings);
     if (options.update)
         WriteUpdate(update);
     if (json)
-        json->Write(SuiteToJson(suite.cases, outcomes).dump(2) + '\n');
+        json->Write(SuiteToJson(suite.cases, outcomes, options.coverage ? CoverageToJson(covered) : Json(),
+                                options.faults ? FaultsToJson(suite.cases, faults) : Json())
+                        .dump(2) +
+                    '\n');
     if (junit)
         junit->Write(ToJUnit(suite.cases, outcomes));
     if (!std::cout.flush())
         throw Failure(ExitCode::Broken, "the report could not be written completely");
-    return ExitCodeOf(outcomes);
+    const ExitCode result = ExitCodeOf(outcomes);
+    if (result == ExitCode::Aborted || faults.notRun != 0)
+        return ExitCode::Aborted;
+    return isEnough && faults.survivors.empty() ? result : ExitCode::Failed;
 }
 
 } // namespace vant::program

@@ -32,6 +32,7 @@ HRESULT ConditionSet::Evaluate(VARIANT_BOOL* allMet) {
         if (const auto recorded = ReturnRecorded(record, *allMet))
             return *recorded;
         const Condition* failed = nullptr;
+        const Condition* met = nullptr; // The one that is enough.
         Outcome outcome;
         for (const Condition& condition : m_conditions.list) {
             Outcome each = Check(condition);
@@ -39,6 +40,7 @@ HRESULT ConditionSet::Evaluate(VARIANT_BOOL* allMet) {
                 continue;
             if (each.holds) {
                 failed = nullptr;
+                met = &condition;
                 break;
             }
             // That a condition could not be read says more than that another one does not hold.
@@ -52,6 +54,8 @@ HRESULT ConditionSet::Evaluate(VARIANT_BOOL* allMet) {
         if (failed)
             return RecordFailure(record, *failed, outcome);
         *allMet = VARIANT_TRUE;
+        if (met)
+            record.Add(argument::met, Describe(*met));
         record.Add(argument::allMet, true);
         return S_OK;
     });

@@ -15,15 +15,19 @@ public:
 
     std::vector<ReadyAnswer> Read(const toml::table& root) {
         CheckKeys(root, "a file of answers", {"answer"});
-        std::vector<ReadyAnswer> answers;
-        const toml::node* const node = root.get("answer");
-        if (!node && !HasOrMeans(root, "answer"))
+        if (const toml::node* const node = root.get("answer"))
+            return ReadList(*node, "answer");
+        if (!HasOrMeans(root, "answer"))
             m_found.Error({}, "the file has no answers: write [[answer]] before each one");
-        const toml::array* const list = node ? AsList(*node, "'answer' must be a list of tables") : nullptr;
-        if (!list)
-            return answers;
-        for (const toml::node& each : *list)
-            ReadOne(each, answers.emplace_back(ReadyAnswer{PositionOf(each)}));
+        return {};
+    }
+
+    std::vector<ReadyAnswer> ReadList(const toml::node& node, std::string_view key) {
+        std::vector<ReadyAnswer> answers;
+        if (const toml::array* const list = AsList(node, Quoted(key) + " must be a list of tables")) {
+            for (const toml::node& each : *list)
+                ReadOne(each, answers.emplace_back(ReadyAnswer{PositionOf(each)}));
+        }
         return answers;
     }
 
@@ -33,8 +37,10 @@ private:
         if (!table)
             return;
         CheckKeys(*table, "an answer", {"step", "prompt", "answer", "after", "repeat"});
-        if (auto step = OptionalName(*table, "step"))
+        if (auto step = OptionalName(*table, "step")) {
             ready.step = std::move(step->text);
+            ready.stepPosition = step->position;
+        }
         if (auto prompt = OptionalName(*table, "prompt"))
             ready.prompt = std::move(prompt->text);
         const toml::node* const answer = table->get("answer");
@@ -53,6 +59,10 @@ private:
 
 std::vector<ReadyAnswer> ReadAnswers(const toml::table& root, Diagnostics& found) {
     return AnswersReader(found).Read(root);
+}
+
+std::vector<ReadyAnswer> ReadAnswerList(const toml::node& node, std::string_view key, Diagnostics& found) {
+    return AnswersReader(found).ReadList(node, key);
 }
 
 std::vector<ReadyAnswer> ReadAnswers(std::string_view toml, Diagnostics& found) {

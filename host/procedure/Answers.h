@@ -18,6 +18,7 @@ struct ReadyAnswer {
     std::string answer{};   ///< As it would be entered.
     std::int64_t after = 0; ///< So many milliseconds of the run after the prompt appeared.
     bool repeats = false;   ///< For every such prompt, not for one alone.
+    Position stepPosition{};
 };
 
 /// Reads the tables under `answer` in a file of answers; docs/procedures.md describes it. Each mistake is
@@ -25,5 +26,8 @@ struct ReadyAnswer {
 std::vector<ReadyAnswer> ReadAnswers(const toml::table& root, Diagnostics& found);
 /// The same from the text of the file.
 std::vector<ReadyAnswer> ReadAnswers(std::string_view toml, Diagnostics& found);
+
+/// Reads such tables from the list under another key.
+std::vector<ReadyAnswer> ReadAnswerList(const toml::node& node, std::string_view key, Diagnostics& found);
 
 } // namespace vant::host

@@ -84,14 +84,11 @@ ResultReport::ResultReport() {
 void ResultReport::operator()(const Record& record) {
     m_text.Take(record);
     m_activities.Take(record);
+    m_depth = m_depths.Take(record);
     if (record.service == service::Runner)
         TakeEvent(record);
-    else if (Json* const place = PlaceOf(RunningOf(record)); place && record.result)
+    else if (Json* const place = PlaceOf(m_procedures[m_depth]); place && record.result)
         TakeCall(record, *place);
-    if (const Value* const cookie = record.Find(argument::cookie);
-        cookie && record.operation == operation::RegisterCallback)
-        m_startedBy[record.Text(argument::threadName) + ' ' + Readable(*cookie)] =
-            static_cast<std::size_t>(&RunningOf(record) - m_procedures.data());
 }
 
 bool ResultReport::Keeps() {
@@ -112,13 +109,6 @@ void ResultReport::Omit(std::size_t entries) {
 void ResultReport::AppendTo(Json& list, Json entry) {
     if (Keeps())
         list.push_back(std::move(entry));
-}
-
-ResultReport::Running& ResultReport::RunningOf(const Record& record) {
-    const auto started = m_startedBy.find(record.thread);
-    return started != m_startedBy.end() && started->second < m_procedures.size()
-               ? m_procedures[started->second]
-               : m_procedures.back();
 }
 
 Json* ResultReport::PlaceOf(Running& running) {
@@ -175,10 +165,8 @@ void ResultReport::TakeEvent(const Record& record) {
         EnterStep(record);
     else if (record.operation == event::FinallyStarted)
         EnterFinally(record);
-    else if (Running& running = RunningOf(record); !TakeEventOfProcedure(record, running.result))
+    else if (Running& running = m_procedures[m_depth]; !TakeEventOfProcedure(record, running.result))
         TakeEventOfStep(record, running);
-    if (record.operation == event::ThreadEnded)
-        m_startedBy.erase(record.thread);
 }
 
 void ResultReport::EnterFinally(const Record& record) {

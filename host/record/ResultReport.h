@@ -2,6 +2,7 @@
 
 #include "host/record/Activity.h"
 #include "host/record/Json.h"
+#include "host/record/ProcedureDepth.h"
 #include "host/record/ReportText.h"
 
 #include <cstddef>
@@ -55,8 +56,6 @@ private:
     void TakeCall(const Record& record, Json& place);
     void TakeUnmet(const Record& evaluation, Json& place);
 
-    /// The procedure that the record belongs to: the innermost one, or the one that has started its thread.
-    Running& RunningOf(const Record& record);
     /// Where the procedure is: in a step or in the clean-up; null if that is not kept.
     static Json* PlaceOf(Running& running);
     /// Completes the duration of the current step or clean-up.
@@ -66,8 +65,9 @@ private:
 
     std::vector<Running> m_procedures;
     bool m_hasBegun = false;
-    std::map<std::string, std::size_t> m_startedBy; ///< Names of threads, and places in m_procedures.
-    std::map<std::string, Record> m_prompts;        ///< Those that are shown, by thread.
+    ProcedureDepth m_depths;
+    std::size_t m_depth = 0; ///< The place in m_procedures of the one that the record belongs to.
+    std::map<std::string, Record> m_prompts; ///< Those that are shown, by thread.
     Activities m_activities;
     ReportText m_text;
     std::size_t m_entries = 0;

@@ -157,6 +157,7 @@ inline constexpr const char* key = "key";
 inline constexpr const char* kind = "kind";
 inline constexpr const char* limit = "limit";
 inline constexpr const char* limits = "limits";
+inline constexpr const char* met = "met";
 inline constexpr const char* name = "name";
 inline constexpr const char* parameter = "parameter";
 inline constexpr const char* phase = "phase";
@@ -249,7 +250,7 @@ inline constexpr RecordKind recordKinds[] = {
     {service::ConditionSet,
      operation::Evaluate,
      {argument::name, argument::failed, argument::parameter, argument::data, argument::limits,
-      argument::value, argument::allMet}},
+      argument::value, argument::met, argument::allMet}},
     {service::ConditionSet, operation::GetFailureKey, {argument::name, argument::key}},
 
     {service::ParameterService, operation::GetConnection},

@@ -27,13 +27,20 @@ std::optional<Answer> ReadyOperator::Ask(const Prompt& prompt, const std::functi
     return std::nullopt;
 }
 
-Diagnostics ReadyOperator::Unused() const {
+std::vector<std::size_t> ReadyOperator::UnusedOnes() const {
     const std::lock_guard lock(m_access);
-    Diagnostics unused;
+    std::vector<std::size_t> unused;
     for (std::size_t i = 0; i < m_answers.size(); ++i) {
         if (!m_isUsed[i])
-            unused.Warning(m_answers[i].position, "no prompt used this answer");
+            unused.push_back(i);
     }
+    return unused;
+}
+
+Diagnostics ReadyOperator::Unused() const {
+    Diagnostics unused;
+    for (const std::size_t each : UnusedOnes())
+        unused.Warning(m_answers[each].position, "no prompt used this answer");
     return unused;
 }
 

@@ -20,7 +20,9 @@ public:
     /// Nothing if no answer fits.
     std::optional<Answer> Ask(const Prompt& prompt, const std::function<bool()>& isOver) override;
 
-    /// A warning for each answer that has not been used.
+    /// The places of the answers that have not been used, from 0.
+    std::vector<std::size_t> UnusedOnes() const;
+    /// A warning for each of them.
     Diagnostics Unused() const;
 
 private:

@@ -8,6 +8,27 @@
 
 namespace vant::host {
 
+namespace {
+
+/// Visits the procedure and those that it runs.
+template <class Visit>
+void ForEachProcedure(const LoadedProcedure& loaded, Visit visit) {
+    visit(loaded.procedure);
+    for (const CalledProcedure& each : loaded.called)
+        visit(*each.procedure);
+}
+
+std::set<std::string> StepsOf(const LoadedProcedure& loaded) {
+    std::set<std::string> steps;
+    ForEachProcedure(loaded, [&steps](const Procedure& procedure) {
+        for (const auto& [id, step] : procedure.steps)
+            steps.insert(id);
+    });
+    return steps;
+}
+
+} // namespace
+
 void CaseCheck::Error(const Position& position, const std::string& message) {
     const Diagnostic mistake{position, Severity::Error, message};
     if (m_said.insert(mistake.Text("")).second)
@@ -24,7 +45,10 @@ void CaseCheck::CheckName(const std::string& what, const std::string& name, cons
 void CaseCheck::Check(const TestCase& checked, const LoadedProcedure& loaded) {
     CheckData(checked, loaded.procedure);
     CheckParameters(checked, loaded.procedure);
+    CheckAnswers(checked, loaded);
     CheckExpectation(checked.expected, loaded);
+    for (const FaultExcuse& each : checked.mayPass)
+        CheckExcuse(each, loaded);
 }
 
 void CaseCheck::CheckFinite(const std::string& name, const GivenValue& given) {
@@ -70,6 +94,31 @@ void CaseCheck::CheckParameter(const std::string& id, const GivenValue& given,
         Error(given.position, "the value lies outside 'min' and 'max' of parameter " + Quoted(id));
 }
 
+void CaseCheck::CheckAnswers(const TestCase& checked, const LoadedProcedure& loaded) {
+    for (const ReadyAnswer& each : checked.answers) {
+        if (!each.step.empty())
+            CheckName("step", each.step, each.stepPosition, StepsOf(loaded));
+    }
+}
+
+void CaseCheck::CheckExcuse(const FaultExcuse& excuse, const LoadedProcedure& loaded) {
+    std::set<std::string> commands;
+    ForEachProcedure(loaded, [&commands](const Procedure& procedure) {
+        for (const auto& [id, command] : procedure.commands)
+            commands.insert(id);
+    });
+    if (!excuse.command.text.empty())
+        CheckName("command", excuse.command.text, excuse.command.position, commands);
+    if (!excuse.step.text.empty() && excuse.step.text != "finally")
+        CheckName("step", excuse.step.text, excuse.step.position, StepsOf(loaded));
+    for (const Located& id : {excuse.lost, excuse.refused}) {
+        if (!id.text.empty() && loaded.procedure.engine)
+            CheckName("parameter", id.text, id.position, loaded.procedure.engine->parameters);
+        else if (!id.text.empty())
+            Error(id.position, "the procedure has no engine");
+    }
+}
+
 void CaseCheck::CheckExpectation(const Expectation& expected, const LoadedProcedure& loaded) {
     const Procedure& procedure = loaded.procedure;
     if (expected.ending)
@@ -91,17 +140,14 @@ void CaseCheck::CheckExpectation(const Expectation& expected, const LoadedProced
 
 void CaseCheck::CheckMayFail(const Expectation& expected, const LoadedProcedure& loaded) {
     std::set<std::string> known;
-    const auto add = [&known](const Procedure& procedure) {
+    ForEachProcedure(loaded, [&known](const Procedure& procedure) {
         for (const auto& [id, command] : procedure.commands)
             known.insert(id);
         for (const auto& [id, step] : procedure.steps) {
             if (step.procedure)
                 known.insert(step.procedure->file.text);
         }
-    };
-    add(loaded.procedure);
-    for (const CalledProcedure& each : loaded.called)
-        add(*each.procedure);
+    });
     for (const Located& each : expected.mayFail) {
         if (!IsOperation(each.text))
             CheckName("operation or command", each.text, each.position, known);

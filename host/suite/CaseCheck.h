@@ -24,8 +24,10 @@ private:
     void CheckData(const TestCase& checked, const Procedure& procedure);
     void CheckParameters(const TestCase& checked, const Procedure& procedure);
     void CheckParameter(const std::string& id, const GivenValue& given, const EngineParameter& parameter);
+    void CheckAnswers(const TestCase& checked, const LoadedProcedure& loaded);
     void CheckExpectation(const Expectation& expected, const LoadedProcedure& loaded);
     void CheckMayFail(const Expectation& expected, const LoadedProcedure& loaded);
+    void CheckExcuse(const FaultExcuse& excuse, const LoadedProcedure& loaded);
     void CheckFinite(const std::string& name, const GivenValue& given);
 
     /// Adds a mistake if a name is missing in a map or a list of names.

@@ -29,18 +29,23 @@ CaseOutcome OutcomeOf(const TestCase& tested, const WorkerReply& reply) {
     if (!reply.line)
         return ErrorOf(reply.failure);
     Json json = Json::parse(*reply.line, nullptr, false);
-    if (json.is_object() && json.contains("result"))
-        return OutcomeOf(tested, std::move(json["result"]));
+    if (json.is_object() && json.contains("result")) {
+        CaseOutcome outcome{.result = std::move(json["result"])};
+        for (const auto& [key, target] :
+             {std::pair("coverage", &outcome.coverage), std::pair("faults", &outcome.faults)}) {
+            if (json.contains(key))
+                *target = std::move(json[key]);
+        }
+        return Judged(tested, std::move(outcome));
+    }
     if (json.is_object() && json.contains("failure"))
         return ErrorOf(json["failure"]);
     return ErrorOf("the worker has printed something other than a result: " + *reply.line);
 }
 
-CaseOutcome OutcomeOf(const TestCase& tested, Json result) {
-    CaseOutcome outcome;
-    outcome.mismatches = FindMismatches(tested.expected, result);
+CaseOutcome Judged(const TestCase& tested, CaseOutcome outcome) {
+    outcome.mismatches = FindMismatches(tested.expected, outcome.result);
     outcome.status = outcome.mismatches.empty() ? CaseStatus::Passed : CaseStatus::Failed;
-    outcome.result = std::move(result);
     return outcome;
 }
 

@@ -26,12 +26,14 @@ struct CaseOutcome {
     std::vector<Mismatch> mismatches{}; ///< If it failed.
     std::string failure{};              ///< If there is an error.
     Json result{};                      ///< Of the run, as CaseRunner returns it; null if there is none.
+    Json coverage{};                    ///< What the run has reached; null if that is not known.
+    Json faults{};                      ///< Those that can happen in it; null if that is not known.
 };
 
 /// The outcome of a case whose request got this reply of a worker.
 CaseOutcome OutcomeOf(const TestCase& tested, const WorkerReply& reply);
 
-/// The outcome of a run with this result.
-CaseOutcome OutcomeOf(const TestCase& tested, Json result);
+/// An outcome with a result, judged by what this case expects.
+CaseOutcome Judged(const TestCase& tested, CaseOutcome outcome);
 
 } // namespace vant::host

@@ -1,9 +1,14 @@
 #include "host/suite/CaseRun.h"
 
+#include "host/record/ProcedureDepth.h"
 #include "host/record/ResultReport.h"
 #include "host/record/Vocabulary.h"
+#include "host/runner/ReadyOperator.h"
 #include "host/runner/Runner.h"
 #include "host/suite/CaseSetup.h"
+#include "host/suite/FaultFinder.h"
+#include "host/suite/FaultInjection.h"
+#include "host/suite/RunCoverage.h"
 #include "platform/Clock.h"
 
 #include <exception>
@@ -29,6 +34,36 @@ std::map<std::string, Value> ValuesIn(const Json& json) {
     return values;
 }
 
+Json JsonOf(const std::vector<ReadyAnswer>& answers) {
+    Json list = Json::array();
+    for (const ReadyAnswer& each : answers)
+        list.push_back({{"step", each.step},
+                        {"prompt", each.prompt},
+                        {"answer", each.answer},
+                        {"after", each.after},
+                        {"repeat", each.repeats}});
+    return list;
+}
+
+std::vector<ReadyAnswer> AnswersIn(const Json& list) {
+    std::vector<ReadyAnswer> answers;
+    for (const Json& each : list)
+        answers.push_back({.step = each.at("step"),
+                           .prompt = each.at("prompt"),
+                           .answer = each.at("answer"),
+                           .after = each.at("after"),
+                           .repeats = each.at("repeat")});
+    return answers;
+}
+
+/// The numbers of the answers that no prompt has used, from 1.
+Json UnusedOf(const ReadyOperator& answering) {
+    Json numbers = Json::array();
+    for (const std::size_t each : answering.UnusedOnes())
+        numbers.push_back(each + 1);
+    return numbers;
+}
+
 std::optional<std::int64_t> NumberOrNothing(const Json& json) {
     return json.is_null() ? std::nullopt : std::optional(json.get<std::int64_t>());
 }
@@ -37,26 +72,48 @@ std::optional<std::int64_t> NumberOrNothing(const Json& json) {
 class PathOfRun {
 public:
     void operator()(const Record& record) {
-        if (record.service != service::Runner)
-            return;
-        if (record.operation == event::ProcedureStarted)
-            ++m_depth;
-        else if (record.operation == event::ProcedureEnded)
-            --m_depth;
-        else if (record.operation == event::StepEntered && m_depth == 1)
+        if (m_depths.Take(record) == 0 && record.service == service::Runner &&
+            record.operation == event::StepEntered)
             m_path.push_back(record.Text(argument::step));
     }
 
     const Json& Path() const noexcept { return m_path; }
 
 private:
-    int m_depth = 0;
+    ProcedureDepth m_depths;
     Json m_path = Json::array();
 };
 
-/// What must hold after every run.
-void CheckAfterwards(const Runner& runner, const CommandFactory& commands, const Journal& journal) {
-    if (const auto held = runner.StillHeld(); !held.empty())
+/// What a run has ended with.
+class EndOfRun {
+public:
+    void operator()(const Record& record) {
+        if (record.service != service::Runner)
+            return;
+        if (record.operation == event::ProcedureEnded) // The outermost one is the last.
+            m_result["verdict"] = record.Text(argument::verdict);
+        else if (record.operation == event::ParameterLeft)
+            m_result["left"].push_back(
+                {{"id", record.Text(argument::id)}, {"value", ToJson(*record.Find(argument::value))}});
+    }
+
+    const Json& Result() const noexcept { return m_result; }
+
+private:
+    Json m_result = {{"verdict", nullptr}, {"left", Json::array()}};
+};
+
+CaseSetup SetupIn(const Json& request) {
+    return {.data = ValuesIn(request.at("data")),
+            .parameters = ValuesIn(request.at("parameters")),
+            .seed = NumberOrNothing(request.at("seed")),
+            .mayFail = request.at("mayFail")};
+}
+
+/// What must hold after every run. `mayHold`: the host itself may have kept something open.
+void CheckAfterwards(const Runner& runner, const CommandFactory& commands, const Journal& journal,
+                     bool mayHold) {
+    if (const auto held = runner.StillHeld(); !held.empty() && !mayHold)
         throw std::runtime_error(
             fmt::format("commands still hold parts of the host after the run: {}", fmt::join(held, ", ")));
     if (!commands.CanUnload())
@@ -67,7 +124,7 @@ void CheckAfterwards(const Runner& runner, const CommandFactory& commands, const
 
 } // namespace
 
-Json RequestOf(const TestCase& toRun) {
+Json RequestOf(const TestCase& toRun, CaseWishes wishes) {
     Json mayFail = Json::array();
     for (const Located& each : toRun.expected.mayFail)
         mayFail.push_back(each.text);
@@ -75,15 +132,25 @@ Json RequestOf(const TestCase& toRun) {
             {"engine", toRun.engine ? toRun.engine->text : ""},
             {"data", JsonOf(toRun.data)},
             {"parameters", JsonOf(toRun.parameters)},
+            {"answers", JsonOf(toRun.answers)},
             {"tags", toRun.tags},
             {"seed", toRun.seed ? Json(*toRun.seed) : Json()},
             {"maxTime", toRun.maxTime ? Json(*toRun.maxTime) : Json()},
-            {"mayFail", std::move(mayFail)}};
+            {"mayFail", std::move(mayFail)},
+            {"coverage", wishes.coverage},
+            {"faults", wishes.faults ? Json(*wishes.faults) : Json()},
+            {"fault", nullptr}};
+}
+
+Json RequestOf(const TestCase& toRun, const Fault& fault) {
+    Json request = RequestOf(toRun);
+    request["fault"] = ToJson(fault);
+    return request;
 }
 
 Json CaseRunner::Run(const Json& request) {
     try {
-        return {{"result", RunLoaded(request)}};
+        return RunLoaded(request);
     } catch (const std::exception& failure) {
         return {{"failure", failure.what()}};
     }
@@ -94,27 +161,72 @@ Json CaseRunner::RunLoaded(const Json& request) {
     const LoadedProcedure& loaded = m_procedures.Get(request.at("procedure"), request.at("engine"));
     if (loaded.files.HasErrors())
         throw std::runtime_error("a file of the procedure has changed, and now has mistakes");
-    const Procedure procedure = SetUp(loaded.procedure, {.data = ValuesIn(request.at("data")),
-                                                         .parameters = ValuesIn(request.at("parameters")),
-                                                         .seed = NumberOrNothing(request.at("seed")),
-                                                         .mayFail = request.at("mayFail")});
+    return request.at("fault").is_null() ? RunWithoutFault(request, loaded) : RunWithFault(request, loaded);
+}
+
+Json CaseRunner::RunWithoutFault(const Json& request, const LoadedProcedure& loaded) {
     Journal journal;
     ResultReport report;
     PathOfRun path;
+    std::optional<RunCoverage> coverage;
+    std::optional<FaultFinder> faults;
     journal.Observe([&report](const Record& record) { report(record); });
     journal.Observe([&path](const Record& record) { path(record); });
-    Runner runner(procedure, m_commands, journal,
-                  {.maxTime = NumberOrNothing(request.at("maxTime")), .tags = request.at("tags")});
-    {
-        const ClockParticipant participant;
-        runner.Run();
+    if (request.at("coverage")) {
+        coverage.emplace(loaded);
+        journal.Observe([&coverage](const Record& record) { (*coverage)(record); });
     }
-    CheckAfterwards(runner, m_commands, journal);
+    if (!request.at("faults").is_null()) {
+        faults.emplace(loaded);
+        journal.Observe([&faults](const Record& record) { (*faults)(record); });
+    }
+    const Json unused = RunOnce(request, SetUp(loaded.procedure, SetupIn(request)), journal, nullptr);
     Json result = report.Result();
     for (const char* const detail : {"format", "steps", "finally", "omitted"})
         result.erase(detail);
     result["path"] = path.Path();
-    return result;
+    result["unusedAnswers"] = unused;
+    Json reply = {{"result", std::move(result)}};
+    if (coverage)
+        reply["coverage"] = coverage->Reached();
+    if (faults) {
+        reply["faults"] = Json::array();
+        for (const Fault& each : faults->Faults(request["faults"]))
+            reply["faults"].push_back(ToJson(each));
+    }
+    return reply;
+}
+
+Json CaseRunner::RunWithFault(const Json& request, const LoadedProcedure& loaded) {
+    const Fault fault = FaultOf(request.at("fault"));
+    Procedure procedure = SetUp(loaded.procedure, SetupIn(request));
+    if (procedure.engine)
+        Break(*procedure.engine, fault);
+    Journal journal;
+    EndOfRun end;
+    journal.Observe([&end](const Record& record) { end(record); });
+    FailingCall failing(fault);
+    RunOnce(request, procedure, journal, &failing);
+    Json result = end.Result();
+    result["hasHappened"] = failing.HasHappened();
+    return {{"result", std::move(result)}};
+}
+
+Json CaseRunner::RunOnce(const Json& request, const Procedure& procedure, Journal& journal,
+                         FailingCall* failing) {
+    ReadyOperator answering(AnswersIn(request.at("answers")));
+    Runner runner(procedure, m_commands, journal,
+                  {.maxTime = NumberOrNothing(request.at("maxTime")),
+                   .tags = request.at("tags"),
+                   .answering = &answering});
+    if (failing)
+        runner.Intercept([failing](const Record& call) { return (*failing)(call); });
+    {
+        const ClockParticipant participant;
+        runner.Run();
+    }
+    CheckAfterwards(runner, m_commands, journal, failing && failing->LeavesSessionOpen());
+    return UnusedOf(answering);
 }
 
 } // namespace vant::host

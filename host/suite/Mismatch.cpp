@@ -49,6 +49,8 @@ public:
             CompareMeasurement(name, measurement);
         if (expected.left)
             CompareLeft(*expected.left);
+        for (const Json& number : m_result["unusedAnswers"])
+            Note("answer " + number.dump(), "to be used", "not used");
         const auto duration = m_result["duration"].get<std::int64_t>();
         if (expected.longest && duration > *expected.longest)
             Note("longest", "at most " + FormatDuration(*expected.longest), FormatDuration(duration));

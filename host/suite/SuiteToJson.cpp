@@ -24,7 +24,8 @@ Json CaseToJson(const TestCase& tested, const CaseOutcome& outcome) {
 
 } // namespace
 
-Json SuiteToJson(const std::vector<TestCase>& cases, const std::vector<CaseOutcome>& outcomes) {
+Json SuiteToJson(const std::vector<TestCase>& cases, const std::vector<CaseOutcome>& outcomes, Json coverage,
+                 Json faults) {
     Json counts;
     for (const CaseStatus status :
          {CaseStatus::Passed, CaseStatus::Failed, CaseStatus::Error, CaseStatus::NotRun})
@@ -35,7 +36,11 @@ Json SuiteToJson(const std::vector<TestCase>& cases, const std::vector<CaseOutco
         count = count.get<std::size_t>() + 1;
         list.push_back(CaseToJson(cases[i], outcomes[i]));
     }
-    return {{"format", 1}, {"counts", std::move(counts)}, {"cases", std::move(list)}};
+    return {{"format", 1},
+            {"counts", std::move(counts)},
+            {"coverage", std::move(coverage)},
+            {"faults", std::move(faults)},
+            {"cases", std::move(list)}};
 }
 
 } // namespace vant::host

@@ -9,7 +9,8 @@
 namespace vant::host {
 
 /// What came of test cases, for programs; docs/testing.md describes it. `outcomes` are those of `cases`, in
-/// the same order.
-Json SuiteToJson(const std::vector<TestCase>& cases, const std::vector<CaseOutcome>& outcomes);
+/// the same order. `coverage`, `faults`: null if not asked for.
+Json SuiteToJson(const std::vector<TestCase>& cases, const std::vector<CaseOutcome>& outcomes,
+                 Json coverage = nullptr, Json faults = nullptr);
 
 } // namespace vant::host

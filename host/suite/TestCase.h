@@ -1,7 +1,9 @@
 #pragma once
 
+#include "host/procedure/Answers.h"
 #include "host/procedure/Procedure.h"
 #include "host/record/Value.h"
+#include "host/suite/FaultExcuse.h"
 #include "host/text/Diagnostic.h"
 
 #include <cstdint>
@@ -51,12 +53,14 @@ struct TestCase {
     std::optional<Located> engine{}; ///< With its folder; in place of the procedure's own.
     std::map<std::string, GivenValue> data{};
     std::map<std::string, GivenValue> parameters{}; ///< Values of the engine's parameters at the beginning.
+    std::vector<ReadyAnswer> answers{};             ///< Of the operator.
     std::map<std::string, std::string> tags{};
     std::optional<std::int64_t> seed{};
     std::optional<std::int64_t> maxTime{}; ///< In milliseconds.
     Expectation expected{};
-    bool hasExpectation = false; ///< The file has one, for this case or for all.
-    bool isSwept = false;        ///< It is one of several that one table stands for.
+    std::vector<FaultExcuse> mayPass{}; ///< Faults with which the run may pass.
+    bool hasExpectation = false;        ///< The file has one, for this case or for all.
+    bool isSwept = false;               ///< It is one of several that one table stands for.
 };
 
 } // namespace vant::host

@@ -18,9 +18,9 @@ public:
     TestFileReader(const std::string& file, Diagnostics& found) : TableReader(found), m_file(file) {}
 
     std::vector<TestCase> Read(const toml::table& root) {
-        CheckKeys(
-            root, "a test file",
-            {"case", "procedure", "engine", "data", "parameters", "tags", "seed", "maxTime", "expected"});
+        CheckKeys(root, "a test file",
+                  {"case", "procedure", "engine", "data", "parameters", "answers", "tags", "seed", "maxTime",
+                   "expected", "faults"});
         TestCase defaults;
         defaults.file = m_file;
         ReadKeys(root, defaults);
@@ -42,8 +42,8 @@ private:
         if (!table)
             return;
         CheckKeys(*table, "a case",
-                  {"name", "procedure", "engine", "data", "parameters", "tags", "seed", "maxTime", "expected",
-                   "sweep"});
+                  {"name", "procedure", "engine", "data", "parameters", "answers", "tags", "seed", "maxTime",
+                   "expected", "faults", "sweep"});
         TestCase read = defaults;
         read.position = PositionOf(*table);
         if (const auto name = RequiredName(*table, "name", read.position)) {
@@ -71,6 +71,8 @@ private:
             target.engine = Beside(std::move(*engine));
         ReadValues(table, "data", target.data);
         ReadValues(table, "parameters", target.parameters);
+        if (const toml::node* const answers = table.get("answers"))
+            target.answers = ReadAnswerList(*answers, "answers", m_found);
         ForEach(table, "tags", [&](const toml::key& key, const toml::node& node) {
             if (const auto text = Text(node, "tag " + Quoted(key.str())))
                 target.tags.insert_or_assign(std::string(key.str()), text->text);
@@ -82,6 +84,8 @@ private:
                 m_found.Error(PositionOf(*table.get("maxTime")), "'maxTime' must be above 0");
             target.maxTime = maxTime;
         }
+        if (const toml::node* const faults = table.get("faults"))
+            target.mayPass = ReadFaultExcuses(*faults, m_found);
         if (const toml::node* const expected = table.get("expected")) {
             target.hasExpectation = true;
             ReadExpectation(*expected, target.expected, m_found);

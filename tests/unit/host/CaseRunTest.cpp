@@ -123,6 +123,26 @@ TEST_F(CaseRunTest, CallThatMayFail_LeavesTheVerdict) {
               "measurement 'sum' was not made");
 }
 
+TEST_F(CaseRunTest, Answers_AreThoseOfTheOperator) {
+    m_folder.Write("asking.toml", "name = 'n'\nstart = 'lamp'\n"
+                                  "[steps.lamp]\nask = { text = 'On?', buttons = ['on', 'off'] }\n"
+                                  "on = { on = 'good', off = 'bad' }\n"
+                                  "[steps.good]\nend = 'passed'\n[steps.bad]\nend = 'failed'\n");
+    const auto judged = [this](const std::string& answers) {
+        TestCase asked = ReadCase("answers = " + answers);
+        asked.procedure.text = FileName(m_folder.Path() / "asking.toml");
+        std::string text;
+        for (const Mismatch& each : FindMismatches(asked.expected, Run(asked).at("result")))
+            text += each.what + ": " + each.expected + ", " + each.came + '\n';
+        return text;
+    };
+    EXPECT_EQ(judged("[{ answer = 'on' }]"), "");
+    EXPECT_EQ(judged("[{ answer = 'off', after = '2s' }]"), "verdict: passed, failed\n");
+    EXPECT_EQ(judged("[{ step = 'lamp', answer = 'on' }, { step = 'lamp', answer = 'off' }]"),
+              "answer 2: to be used, not used\n");
+    EXPECT_EQ(judged("[]"), "verdict: passed, error\n") << "the question has no default";
+}
+
 TEST_F(CaseRunTest, WhatCameAsExpected_IsNoMismatch) {
     EXPECT_EQ(Judged("[case.expected]\nverdict = 'passed'\nending = 'end'\npath = ['add', 'end']\n"
                      "data = { sum = 3, crank = '2', read = { atLeast = 1, atMost = 1 } }\n"

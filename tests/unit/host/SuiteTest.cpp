@@ -113,6 +113,26 @@ TEST_F(SuiteTest, NamesThatTheProcedureLacks_AreMistakesWithSuggestions) {
               "t:11:12: error: there is no operation or command 'SetVale'\n");
 }
 
+TEST_F(SuiteTest, AnswersToStepsThatNeitherTheProcedureNorACalledOneHas_AreMistakes) {
+    Write("p.toml", "name = 'n'\nstart = 's'\n[engine.parameters.100]\nvalue = 1\n"
+                    "[steps.s]\nprocedure = 'called.toml'\nnext = 'e'\n[steps.e]\nend = 'passed'\n");
+    Write("called.toml", "name = 'n'\nstart = 'asks'\n[steps.asks]\nask = 'Ready?'\nnext = 'e'\n"
+                         "[steps.e]\nend = 'passed'\n");
+    EXPECT_EQ(Mistakes("procedure = 'p.toml'\n[[case]]\nname = 'one'\n"
+                       "answers = [{ step = 'asks', answer = 'OK' }, { step = 'ask', answer = 'OK' }]\n"),
+              "t:4:55: error: there is no step 'ask' (did you mean 'asks'?)\n");
+}
+
+TEST_F(SuiteTest, FaultsOfWhatTheProcedureLacks_AreMistakes) {
+    Write("p.toml", procedure);
+    EXPECT_EQ(Mistakes("procedure = 'p.toml'\n[[case]]\nname = 'one'\n"
+                       "faults.mayPass = [{ command = 'q', step = 'finally', why = 'w' }, "
+                       "{ lost = '101', step = 't', why = 'w' }, { refused = '100', why = 'w' }]\n"),
+              "t:4:31: error: there is no command 'q'\n"
+              "t:4:76: error: there is no parameter '101' (did you mean '100'?)\n"
+              "t:4:90: error: there is no step 't'\n");
+}
+
 TEST_F(SuiteTest, ValuesThatAParameterCannotHave_AreMistakes) {
     Write("p.toml", procedure);
     EXPECT_EQ(

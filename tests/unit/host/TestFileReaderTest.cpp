@@ -91,6 +91,68 @@ TEST(TestFileReader, Defaults_HoldForEveryCaseThatGivesNothingElse) {
     EXPECT_EQ(cases[1].expected.data.size(), 2U);
 }
 
+TEST(TestFileReader, Answers_AreReadAsInAFileOfAnswersAndReplacedAsAWhole) {
+    const auto cases = ReadRight("procedure = 'p.toml'\nanswers = [{ step = 'lamp', answer = 'on' }]\n"
+                                 "[[case]]\nname = 'one'\n"
+                                 "[[case]]\nname = 'two'\n"
+                                 "[[case.answers]]\nprompt = 'Key'\nanswer = 4711\nafter = '2s'\n"
+                                 "[[case.answers]]\nanswer = true\nrepeat = true\n");
+    ASSERT_EQ(cases.size(), 2U);
+    ASSERT_EQ(cases[0].answers.size(), 1U);
+    EXPECT_EQ(cases[0].answers[0].step, "lamp");
+    EXPECT_EQ(cases[0].answers[0].answer, "on");
+    ASSERT_EQ(cases[1].answers.size(), 2U);
+    EXPECT_EQ(cases[1].answers[0].prompt, "Key");
+    EXPECT_EQ(cases[1].answers[0].answer, "4711");
+    EXPECT_EQ(cases[1].answers[0].after, 2000);
+    EXPECT_TRUE(cases[1].answers[1].repeats);
+}
+
+TEST(TestFileReader, WrongAnswers_AreMistakes) {
+    EXPECT_EQ(Mistakes(beginning + "answers = 'on'\n"),
+              "t:4:11: error: 'answers' must be a list of tables, not a string\n");
+    EXPECT_EQ(Mistakes(beginning + "answers = [{ step = 'a' }, 'on', { anwser = 'on' }, { answer = [] }]\n"),
+              "t:4:12: error: 'answer' is missing\n"
+              "t:4:28: error: an answer must be a table, not a string\n"
+              "t:4:36: error: an answer has no key 'anwser' (did you mean 'answer'?)\n"
+              "t:4:64: error: 'answer' must be a string, a number, true or false, not a list\n");
+}
+
+TEST(TestFileReader, FaultsWithWhichARunMayPass_HaveAReason) {
+    const auto cases = ReadRight(beginning + "[[case.faults.mayPass]]\ncall = 'Parameter get_Value'\n"
+                                             "command = 'c'\nstep = 's'\nwhy = 'shown only'\n"
+                                             "[[case.faults.mayPass]]\nlost = '100'\nwhy = 'w'\n");
+    const std::vector<FaultExcuse>& excuses = cases.at(0).mayPass;
+    ASSERT_EQ(excuses.size(), 2U);
+    EXPECT_EQ(excuses[0].why, "shown only");
+    const Fault call{.subject = "Parameter get_Value", .command = "c", .step = "s"};
+    const Fault lost{.kind = Fault::Kind::Lost, .subject = "100", .step = "s"};
+    const Fault refused{.kind = Fault::Kind::Refused, .subject = "100"};
+    EXPECT_TRUE(Fits(excuses[0], call));
+    EXPECT_FALSE(Fits(excuses[0], {.subject = "Parameter get_Text", .command = "c", .step = "s"}));
+    EXPECT_FALSE(Fits(excuses[0], {.subject = "Parameter get_Value", .command = "d", .step = "s"}));
+    EXPECT_FALSE(Fits(excuses[0], {.subject = "Parameter get_Value", .command = "c", .step = "t"}));
+    EXPECT_FALSE(Fits(excuses[0], lost));
+    EXPECT_TRUE(Fits(excuses[1], lost));
+    EXPECT_FALSE(Fits(excuses[1], refused));
+    EXPECT_FALSE(Fits(excuses[1], call));
+}
+
+TEST(TestFileReader, WrongFaults_AreMistakes) {
+    EXPECT_EQ(Mistakes(beginning + "faults = { maypass = [] }\n"),
+              "t:4:12: error: the table of faults has no key 'maypass' (did you mean 'mayPass'?)\n");
+    EXPECT_EQ(Mistakes(beginning +
+                       "faults.mayPass = [{ why = 'w' }, { lost = '1', refused = '1', why = 'w' }, "
+                       "{ call = 'Parameter get_Valeu' }]\n"),
+              "t:4:19: error: an entry of 'mayPass' needs either 'call' or 'command' or both, or 'lost', or "
+              "'refused'\n"
+              "t:4:34: error: an entry of 'mayPass' needs either 'call' or 'command' or both, or 'lost', or "
+              "'refused'\n"
+              "t:4:76: error: 'why' is missing\n"
+              "t:4:85: error: there is no call 'Parameter get_Valeu', such as 'Parameter get_Value' (did you "
+              "mean 'Parameter get_Value'?)\n");
+}
+
 TEST(TestFileReader, Sweep_StandsForEveryCombination) {
     const auto cases =
         ReadRight(beginning + "[case.sweep]\nseed = [3, 5]\ndata = { x = { from = 1, to = 2 } }\n");
