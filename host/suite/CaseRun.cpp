@@ -47,12 +47,14 @@ Json JsonOf(const std::vector<ReadyAnswer>& answers) {
 
 std::vector<ReadyAnswer> AnswersIn(const Json& list) {
     std::vector<ReadyAnswer> answers;
-    for (const Json& each : list)
-        answers.push_back({.step = each.at("step"),
-                           .prompt = each.at("prompt"),
-                           .answer = each.at("answer"),
-                           .after = each.at("after"),
-                           .repeats = each.at("repeat")});
+    for (const Json& each : list) {
+        ReadyAnswer& ready = answers.emplace_back();
+        ready.step = each.at("step");
+        ready.prompt = each.at("prompt");
+        ready.answer = each.at("answer");
+        ready.after = each.at("after");
+        ready.repeats = each.at("repeat");
+    }
     return answers;
 }
 

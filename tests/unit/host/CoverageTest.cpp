@@ -58,7 +58,7 @@ protected:
         TestCase toRun = m_case;
         toRun.data = {{"a", {a, {}}}, {"b", {b, {}}}};
         if (!answer.empty())
-            toRun.answers.push_back({.answer = answer});
+            toRun.answers.emplace_back().answer = answer;
         const Json reply = m_runner->Run(Json::parse(RequestOf(toRun, {.coverage = true}).dump()));
         m_coverage->Add(reply.at("coverage"));
     }

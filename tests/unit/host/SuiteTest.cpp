@@ -56,7 +56,7 @@ protected:
         for (const LoadedFiles& each : Load({"t.test.toml"}).messages)
             text += each.Print();
         for (std::size_t at = 0; (at = text.find(file)) != std::string::npos;)
-            text.replace(at, file.size(), "t");
+            text = text.substr(0, at) + 't' + text.substr(at + file.size());
         return text;
     }
 
