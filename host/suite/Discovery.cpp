@@ -45,6 +45,7 @@ bool MayBeProcedure(const std::string& file) {
 
 std::vector<std::string> WithoutCalledOnes(const std::vector<std::string>& files) {
     std::vector<LoadedProcedure> procedures;
+    procedures.reserve(files.size());
     for (const std::string& file : files)
         procedures.push_back(LoadProcedure(file, ""));
     const std::vector<bool> called = FindCalledOnes(procedures);

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <fmt/format.h>
 #include <string_view>
 #include <utility>
 
@@ -90,7 +91,7 @@ Entries EntriesOf(const NewExpectation& wanted) {
 std::string Written(const Entries& entries, const std::string& before, const std::string& between) {
     std::string text;
     for (const auto& [key, value] : entries)
-        text += (text.empty() ? "" : between) + before + key + " = " + value;
+        text += fmt::format("{}{}{} = {}", text.empty() ? "" : between, before, key, value);
     return text;
 }
 
@@ -140,9 +141,9 @@ void CheckUpdated(const std::string& toml, const TestCase& tested, const NewExpe
 
 NewExpectation NeededFor(const TestCase& tested, const Json& result) {
     const std::vector<std::string> path = result["path"];
-    const NewExpectation all = {.verdict = result["verdict"].get<std::string>(),
-                                .ending = path.empty() ? std::nullopt : std::optional(path.back()),
-                                .path = path.empty() ? std::nullopt : std::optional(path)};
+    NewExpectation all = {.verdict = result["verdict"].get<std::string>(),
+                          .ending = path.empty() ? std::nullopt : std::optional(path.back()),
+                          .path = path.empty() ? std::nullopt : std::optional(path)};
     if (!tested.hasExpectation && !tested.isSwept)
         return all;
     NewExpectation needed;

@@ -32,7 +32,9 @@ private:
         std::string command;
         std::string call;
 
-        auto operator<=>(const Key&) const = default;
+        friend bool operator<(const Key& a, const Key& b) {
+            return std::tie(a.thread, a.command, a.call) < std::tie(b.thread, b.command, b.call);
+        }
     };
     struct EnteredStep {
         std::int64_t time = 0;

@@ -274,6 +274,7 @@ private:
         Numbering number;
         const auto numbersOf = [&](const Items& items) {
             std::vector<std::size_t> numbers;
+            numbers.reserve(items.size());
             for (const auto& each : items)
                 numbers.push_back(number(textOf(each)));
             return numbers;
