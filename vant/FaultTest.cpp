@@ -23,6 +23,7 @@ FaultResults TestWithFaults(const std::vector<TestCase>& cases, const std::vecto
                             const WorkerSettings& settings) {
     const std::vector<FaultRun> runs = FaultRunsOf(cases, outcomes);
     std::vector<std::string> requests;
+    requests.reserve(runs.size());
     for (const FaultRun& each : runs)
         requests.push_back(RequestOf(cases[each.caseNumber], each.fault).dump());
     std::vector<FaultOutcome> results(runs.size());
