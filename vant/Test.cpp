@@ -76,6 +76,7 @@ WorkerSettings SettingsOf(const TestOptions& options) {
 std::vector<CaseOutcome> RunCases(const std::vector<TestCase>& cases, const WorkerSettings& settings,
                                   CaseWishes wishes, SuiteUpdate* update) {
     std::vector<std::string> requests;
+    requests.reserve(cases.size());
     for (const TestCase& each : cases)
         requests.push_back(RequestOf(each, wishes).dump());
     const auto began = std::chrono::steady_clock::now();
