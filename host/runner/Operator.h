@@ -62,9 +62,9 @@ class Operator {
 public:
     virtual ~Operator() = default;
 
-    /// Shows a prompt and returns its answer; nothing if there is none, or once `isOver` returns true, which
-    /// is to be looked at often. On any thread, on several at once. Time may pass for the run meanwhile,
-    /// unless it is virtual.
+    /// Shows a prompt and returns its answer; nothing if there is none, or once `isOver` returns true. While
+    /// it waits it calls `isOver` several times in a second. Called on any thread, on several at once. Real
+    /// time passes for the run meanwhile, virtual time does not.
     virtual std::optional<Answer> Ask(const Prompt& prompt, const std::function<bool()>& isOver) = 0;
 };
 

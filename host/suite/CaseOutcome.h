@@ -21,7 +21,7 @@ enum class CaseStatus {
 const char* NameOf(CaseStatus status);
 
 /// What became of a case.
-// The default constructor of Json is declared noexcept, which the check does not believe.
+// A false alarm: Json declares its default constructor noexcept, and a null value allocates nothing.
 // NOLINTNEXTLINE(bugprone-exception-escape)
 struct CaseOutcome {
     CaseStatus status = CaseStatus::NotRun;
